@@ -1,0 +1,120 @@
+#include "support/JSON/Reader.h"
+
+#include "support/JSON/Encoding.h"
+
+#include <boost/json/basic_parser_impl.hpp>
+
+#include <iterator>
+
+namespace quillstead::JSON {
+
+namespace {
+
+/// Builds values from the parser's events. Finished values wait on one stack until their container
+/// ends and takes them; an object's keys wait there as texts, each before its value.
+class Builder {
+ public:
+  static constexpr std::size_t max_object_size = static_cast<std::size_t>(-1);
+  static constexpr std::size_t max_array_size = static_cast<std::size_t>(-1);
+  static constexpr std::size_t max_key_size = static_cast<std::size_t>(-1);
+  static constexpr std::size_t max_string_size = static_cast<std::size_t>(-1);
+
+  using Error = boost::json::error_code;
+  using Characters = boost::json::string_view;
+
+  Value take() { return std::move(values_.back()); }
+
+  static bool on_document_begin(Error&) { return true; }
+  static bool on_document_end(Error&) { return true; }
+  static bool on_object_begin(Error&) { return true; }
+  static bool on_array_begin(Error&) { return true; }
+  static bool on_comment_part(Characters, Error&) { return true; }
+  static bool on_comment(Characters, Error&) { return true; }
+
+  bool on_object_end(std::size_t count, Error&) {
+    std::vector<Member> members;
+    members.reserve(count);
+    const std::size_t first = values_.size() - 2 * count;
+    for (std::size_t at = first; at < values_.size(); at += 2) {
+      members.push_back({std::move(*values_[at].text()), std::move(values_[at + 1])});
+    }
+    values_.resize(first);
+    values_.emplace_back(Object(std::move(members)));
+    return true;
+  }
+
+  bool on_array_end(std::size_t count, Error&) {
+    const auto first = values_.end() - static_cast<std::ptrdiff_t>(count);
+    Array elements(std::make_move_iterator(first), std::make_move_iterator(values_.end()));
+    values_.erase(first, values_.end());
+    values_.emplace_back(std::move(elements));
+    return true;
+  }
+
+  bool on_key_part(Characters part, std::size_t, Error&) { return gather(part); }
+  bool on_key(Characters part, std::size_t, Error&) { return finishText(part); }
+  bool on_string_part(Characters part, std::size_t, Error&) { return gather(part); }
+  bool on_string(Characters part, std::size_t, Error&) { return finishText(part); }
+
+  bool on_number_part(Characters part, Error&) { return gather(part); }
+  bool on_int64(std::int64_t, Characters part, Error&) { return finishNumber(part); }
+  bool on_uint64(std::uint64_t, Characters part, Error&) { return finishNumber(part); }
+  bool on_double(double, Characters part, Error&) { return finishNumber(part); }
+
+  bool on_bool(bool boolean, Error&) {
+    values_.emplace_back(boolean);
+    return true;
+  }
+
+  bool on_null(Error&) {
+    values_.emplace_back(nullptr);
+    return true;
+  }
+
+ private:
+  bool gather(Characters part) {
+    pending_.append(part.data(), part.size());
+    return true;
+  }
+
+  bool finishText(Characters part) {
+    gather(part);
+    values_.emplace_back(std::exchange(pending_, {}));
+    return true;
+  }
+
+  bool finishNumber(Characters part) {
+    gather(part);
+    values_.emplace_back(Number::fromText(std::exchange(pending_, {})));
+    return true;
+  }
+
+  std::vector<Value> values_;
+  std::string pending_;  ///< what has come of a text or number that the parser hands over in parts
+};
+
+std::optional<Value> readUTF8(std::string_view bytes) {
+  boost::json::parse_options options;
+  options.max_depth = maximumDepth;
+  boost::json::basic_parser<Builder> parser(options);
+  boost::json::error_code error;
+  const std::size_t consumed = parser.write_some(false, bytes.data(), bytes.size(), error);
+  if (error || consumed != bytes.size()) return std::nullopt;
+
+  Value value = parser.handler().take();
+  if (!value.object() && !value.array()) return std::nullopt;
+  return value;
+}
+
+}  // namespace
+
+std::optional<Value> read(std::string_view bytes) {
+  const auto [encoding, markLength] = detectEncoding(bytes);
+  bytes.remove_prefix(markLength);
+  if (encoding == Encoding::utf8) return readUTF8(bytes);
+
+  const std::optional<std::string> utf8 = toUTF8(bytes, encoding);
+  return utf8 ? readUTF8(*utf8) : std::nullopt;
+}
+
+}  // namespace quillstead::JSON

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "support/JSON/Value.h"
+
+#include <optional>
+#include <string_view>
+
+namespace quillstead::JSON {
+
+/// Objects and arrays may be nested this deep; a deeper document is refused.
+inline constexpr std::size_t maximumDepth = 512;
+
+/// Reads one whole JSON document whose top-level value is an object or an array.
+///
+/// The bytes are UTF-8, or UTF-16 or UTF-32 in either byte order, with or without a byte order
+/// mark. Absent when they are not exactly one well-formed document: a top-level scalar, bytes after
+/// the document other than white space, invalid UTF-8, a surrogate escape without its partner,
+/// nesting deeper than `maximumDepth`, or an exponent that does not fit 32 bits.
+std::optional<Value> read(std::string_view bytes);
+
+}  // namespace quillstead::JSON

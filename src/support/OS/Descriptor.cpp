@@ -1,0 +1,120 @@
+#include "support/OS/Descriptor.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+
+namespace quillstead::OS {
+
+namespace {
+
+template <typename Call>
+Transfer transfer(Call call) {
+  ssize_t count = 0;
+  do {
+    count = call();
+  } while (count < 0 && errno == EINTR);
+
+  if (count > 0) return {Transfer::Result::moved, static_cast<std::size_t>(count)};
+  if (count == 0) return {Transfer::Result::ended, 0};
+  const bool notReady = errno == EAGAIN || errno == EWOULDBLOCK;
+  return {notReady ? Transfer::Result::notReady : Transfer::Result::failed, 0};
+}
+
+void waitForRoom(int descriptor) {
+  pollfd room{.fd = descriptor, .events = POLLOUT, .revents = 0};
+  poll(&room, 1, -1);
+}
+
+/// `number`, or a copy above the standard streams' numbers when it is one of those.
+Descriptor aboveStandardStreams(int number) {
+  Descriptor descriptor(number);
+  if (number > STDERR_FILENO || number < 0) return descriptor;
+  return Descriptor(fcntl(number, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+}
+
+}  // namespace
+
+void Descriptor::close() {
+  // Not tried again when interrupted: the number may already be another's.
+  if (isOpen()) ::close(std::exchange(number_, none));
+}
+
+Transfer read(int descriptor, char* buffer, std::size_t capacity) {
+  return transfer([&] { return ::read(descriptor, buffer, capacity); });
+}
+
+Transfer write(int descriptor, std::string_view bytes) {
+  return transfer([&] { return ::write(descriptor, bytes.data(), bytes.size()); });
+}
+
+bool writeAll(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const Transfer written = write(descriptor, bytes);
+    switch (written.result) {
+      case Transfer::Result::moved:
+        bytes.remove_prefix(written.count);
+        break;
+      case Transfer::Result::notReady:
+        waitForRoom(descriptor);
+        break;
+      case Transfer::Result::ended:
+      case Transfer::Result::failed:
+        return false;
+    }
+  }
+  return true;
+}
+
+bool writeLine(int descriptor, std::string_view text) {
+  while (!text.empty()) {
+    const std::array<iovec, 2> pieces{iovec{const_cast<char*>(text.data()), text.size()},
+                                      iovec{const_cast<char*>("\n"), 1}};
+    const Transfer written = transfer(
+        [&] { return writev(descriptor, pieces.data(), static_cast<int>(pieces.size())); });
+    switch (written.result) {
+      case Transfer::Result::moved:
+        if (written.count > text.size()) return true;
+        text.remove_prefix(written.count);
+        break;
+      case Transfer::Result::notReady:
+        waitForRoom(descriptor);
+        break;
+      case Transfer::Result::ended:
+      case Transfer::Result::failed:
+        return false;
+    }
+  }
+  return writeAll(descriptor, "\n");
+}
+
+std::optional<Pipe> makePipe() {
+  std::array<int, 2> ends{};
+  if (pipe(ends.data()) != 0) return std::nullopt;
+  Pipe made{aboveStandardStreams(ends[0]), aboveStandardStreams(ends[1])};
+  if (!made.reading.isOpen() || !made.writing.isOpen()) return std::nullopt;
+  for (const int end : {made.reading.number(), made.writing.number()}) {
+    if (fcntl(end, F_SETFD, FD_CLOEXEC) != 0) return std::nullopt;
+  }
+  return made;
+}
+
+Descriptor openForAppending(const char* path) {
+  constexpr mode_t mode = 0644;
+  int number = -1;
+  do {
+    number = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, mode);
+  } while (number < 0 && errno == EINTR);
+  return aboveStandardStreams(number);
+}
+
+bool makeNonBlocking(const Descriptor& descriptor) {
+  const int flags = fcntl(descriptor.number(), F_GETFL);
+  return flags >= 0 && fcntl(descriptor.number(), F_SETFL, flags | O_NONBLOCK) == 0;
+}
+
+}  // namespace quillstead::OS

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+namespace quillstead::OS {
+
+/// A read-only view of a process's environment, handed down so that nothing else asks the system
+/// for it. The strings belong to the process and outlive every use.
+class Environment {
+ public:
+  /// `entries`: "NAME=value" strings, the list ended by a null pointer.
+  explicit Environment(const char* const* entries) : entries_(entries) {}
+
+  /// The value of the first entry of that name; absent when there is none, empty when it is empty.
+  [[nodiscard]] std::optional<std::string_view> value(std::string_view name) const;
+
+ private:
+  const char* const* entries_;
+};
+
+}  // namespace quillstead::OS

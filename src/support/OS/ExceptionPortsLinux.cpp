@@ -1,0 +1,7 @@
+#include "support/OS/ExceptionPorts.h"
+
+namespace quillstead::OS {
+
+void detachExceptionPorts() {}
+
+}  // namespace quillstead::OS

@@ -1,0 +1,56 @@
+#include "support/OS/ExitWatch.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+
+namespace quillstead::OS {
+
+namespace {
+
+constexpr std::array watchedSignals{SIGCHLD};
+
+// Read by the signal handler: lock-free, and set before the handler goes in.
+std::atomic<int> wakeDescriptor{-1};
+static_assert(std::atomic<int>::is_always_lock_free);
+
+extern "C" void wakePollLoop(int /*signal*/) {
+  const int errorBefore = errno;
+  [[maybe_unused]] const ssize_t written = ::write(wakeDescriptor.load(), "", 1);
+  errno = errorBefore;
+}
+
+struct sigaction installWake(const Pipe& wake) {
+  makeNonBlocking(wake.reading);
+  makeNonBlocking(wake.writing);
+  wakeDescriptor.store(wake.writing.number());
+  struct sigaction action {};
+  struct sigaction before {};
+  action.sa_handler = wakePollLoop;
+  action.sa_flags = SA_NOCLDSTOP | SA_ONSTACK;
+  sigemptyset(&action.sa_mask);
+  sigaction(SIGCHLD, &action, &before);
+  return before;
+}
+
+}  // namespace
+
+ExitWatch::ExitWatch(Pipe wake)
+    : wake_(std::move(wake)),
+      actionBefore_(installWake(wake_)),
+      unblocked_(SignalMask::Change::unblock, watchedSignals) {}
+
+ExitWatch::~ExitWatch() {
+  sigaction(SIGCHLD, &actionBefore_, nullptr);
+  wakeDescriptor.store(-1);
+}
+
+void ExitWatch::acknowledge() const {
+  std::array<char, 64> noted{};
+  while (read(descriptor(), noted.data(), noted.size()).result == Transfer::Result::moved) {
+  }
+}
+
+}  // namespace quillstead::OS

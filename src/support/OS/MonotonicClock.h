@@ -1,0 +1,19 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+
+namespace quillstead::OS {
+
+/// The system's uptime: nanoseconds that never jump with the wall clock.
+struct MonotonicClock {
+  using duration = std::chrono::nanoseconds;
+  using rep = duration::rep;
+  using period = duration::period;
+  using time_point = std::chrono::time_point<MonotonicClock>;
+  static constexpr bool is_steady = true;
+
+  static time_point now() noexcept;
+};
+
+}  // namespace quillstead::OS

@@ -1,0 +1,23 @@
+#include "support/OS/OwnExecutable.h"
+
+#include <libproc.h>
+#include <mach-o/dyld.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdint>
+
+namespace quillstead::OS {
+
+std::optional<std::string> ownExecutable() {
+  std::array<char, 1025> path{};
+  std::uint32_t capacity = path.size() - 1;
+  if (_NSGetExecutablePath(path.data(), &capacity) == 0) return path.data();
+
+  // Longer than the buffer: the kernel knows the path of the main executable too.
+  std::array<char, PROC_PIDPATHINFO_MAXSIZE> longPath{};
+  if (proc_pidpath(getpid(), longPath.data(), longPath.size()) > 0) return longPath.data();
+  return std::nullopt;
+}
+
+}  // namespace quillstead::OS

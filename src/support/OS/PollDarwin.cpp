@@ -1,0 +1,18 @@
+#include "support/OS/Poll.h"
+
+#include <algorithm>
+#include <climits>
+
+namespace quillstead::OS {
+
+void waitForEvents(std::span<pollfd> descriptors, std::optional<std::chrono::nanoseconds> atMost) {
+  int limit = -1;
+  if (atMost) {
+    const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(*atMost).count();
+    limit = static_cast<int>(std::min<long long>(milliseconds, INT_MAX));
+  }
+  if (poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), limit) > 0) return;
+  for (pollfd& descriptor : descriptors) descriptor.revents = 0;
+}
+
+}  // namespace quillstead::OS

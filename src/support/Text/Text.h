@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// Unicode text in UTF-8. Every operation takes any bytes: what is not UTF-8 counts as U+FFFD.
+namespace quillstead::Text {
+
+inline constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";  ///< U+FFFD
+
+/// The first character of a byte string.
+struct Decoded {
+  char32_t character;  ///< U+FFFD when invalid
+  std::size_t length;  ///< bytes it takes; when invalid, those of the longest beginning of a
+                       ///< character found there, at least 1
+  bool valid;
+};
+
+/// `bytes` must not be empty.
+Decoded decodeFirst(std::string_view bytes);
+
+/// Appends the character in UTF-8. False, with nothing appended, when `character` is a surrogate or
+/// beyond U+10FFFF.
+bool appendCharacter(std::string& text, std::uint32_t character);
+
+/// `bytes` with each invalid sequence replaced by U+FFFD.
+std::string repaired(std::string bytes);
+
+/// `text` without the white space and line ends (by Unicode) at both of its ends.
+std::string_view trimmed(std::string_view text);
+
+/// True when nothing but white space and line ends is in `text`.
+bool isBlank(std::string_view text);
+
+/// The first `count` user-perceived characters (extended grapheme clusters) of `text`.
+std::string_view firstCharacters(std::string_view text, std::size_t count);
+
+}  // namespace quillstead::Text
