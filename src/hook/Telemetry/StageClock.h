@@ -1,0 +1,35 @@
+#pragma once
+
+#include "support/OS/MonotonicClock.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillstead {
+
+/// How long each stage of a run took, in the order they ended.
+class StageClock {
+ public:
+  struct Stage {
+    std::string_view name;
+    std::int64_t milliseconds;
+  };
+
+  StageClock() = default;
+  explicit StageClock(std::vector<Stage> stages) : stages_(std::move(stages)) {}
+
+  /// Notes that the stage that began at `start` ends now.
+  void record(std::string_view name, OS::MonotonicClock::time_point start);
+
+  /// For example "rules 12 cards 30 residual 5", where the residual is what of the total no stage
+  /// accounts for, negative when the stages exceed it. Absent when there were no stages.
+  [[nodiscard]] std::optional<std::string> segment(std::int64_t totalMilliseconds) const;
+
+ private:
+  std::vector<Stage> stages_;
+};
+
+}  // namespace quillstead

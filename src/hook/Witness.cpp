@@ -1,0 +1,34 @@
+#include "hook/Witness.h"
+
+#include "hook/Telemetry/Stderr.h"
+#include "support/OS/CanonicalPath.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <climits>
+
+namespace quillstead::Witness {
+
+namespace {
+
+std::string currentDirectory() {
+  std::array<char, PATH_MAX> path{};
+  return getcwd(path.data(), path.size()) ? path.data() : "";
+}
+
+}  // namespace
+
+void warnIfCwdWitnessesDisagree(const std::optional<std::string>& payloadCwd) {
+  if (!payloadCwd) return;
+  const std::string current = currentDirectory();
+  if (current.empty()) return;
+
+  const std::string own = OS::canonicalPath(current).value_or(current);
+  if (OS::canonicalPath(*payloadCwd) == own) return;
+  Stderr::line("WARNING — the harness says cwd=" + *payloadCwd + " but this process is in " + own +
+               ". Both lanes are scoped by the former; if they name different projects, this "
+               "prompt may have been answered for the wrong one.");
+}
+
+}  // namespace quillstead::Witness
