@@ -1,0 +1,25 @@
+#include "hook/StackOverflowProbe.h"
+
+namespace quillstead::StackOverflowProbe {
+
+// No base case, on purpose. The scratch words are volatile and used after the call, so that the
+// compiler can neither drop the frame nor turn the recursion into a loop.
+#pragma GCC diagnostic push
+#if defined(__clang__) || __GNUC__ >= 12
+#pragma GCC diagnostic ignored "-Winfinite-recursion"
+#endif
+std::int64_t recurse(std::int64_t depth) {
+  constexpr std::size_t words = 512;
+  volatile std::int64_t scratch[words];
+  scratch[0] = depth;
+  scratch[words - 1] = depth;
+  const std::int64_t deeper = recurse(depth + 1);
+  return deeper + scratch[0] + scratch[words - 1];
+}
+#pragma GCC diagnostic pop
+
+void recurseIfAsked(const OS::Environment& environment) {
+  if (environment.value("QUILLSTEAD_HOOK_STACK_OVERFLOW_FOR_TESTS") == "1") recurse(0);
+}
+
+}  // namespace quillstead::StackOverflowProbe

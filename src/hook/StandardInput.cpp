@@ -1,0 +1,29 @@
+#include "hook/StandardInput.h"
+
+#include "support/OS/Descriptor.h"
+
+#include <unistd.h>
+
+#include <array>
+
+namespace quillstead::StandardInput {
+
+std::optional<std::string> readAll() {
+  std::string all;
+  std::array<char, 65'536> buffer;
+  for (;;) {
+    const OS::Transfer part = OS::read(STDIN_FILENO, buffer.data(), buffer.size());
+    switch (part.result) {
+      case OS::Transfer::Result::moved:
+        all.append(buffer.data(), part.count);
+        break;
+      case OS::Transfer::Result::ended:
+        return all;
+      case OS::Transfer::Result::notReady:
+      case OS::Transfer::Result::failed:
+        return std::nullopt;
+    }
+  }
+}
+
+}  // namespace quillstead::StandardInput
