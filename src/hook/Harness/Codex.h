@@ -1,0 +1,20 @@
+#pragma once
+
+#include "hook/Harness/HarnessAdapter.h"
+
+namespace quillstead {
+
+/// Codex, whose payload and answer look like Claude Code's.
+class CodexAdapter final : public HarnessAdapter {
+ public:
+  [[nodiscard]] std::string_view name() const override { return "codex"; }
+  [[nodiscard]] std::string_view clientName() const override { return "codex"; }
+  [[nodiscard]] std::optional<HookInput> parse(std::string_view data) const override;
+  [[nodiscard]] std::string envelope(std::string text) const override;
+  [[nodiscard]] std::optional<std::string_view> silence() const override {
+    return R"({"continue":true})";
+  }
+  [[nodiscard]] std::optional<std::int64_t> contextBudget() const override { return 30'000; }
+};
+
+}  // namespace quillstead

@@ -1,0 +1,35 @@
+#include "hook/Harness/Cursor.h"
+
+#include "hook/Harness/Payload.h"
+#include "support/JSON/Writer.h"
+
+namespace quillstead {
+
+namespace {
+
+std::optional<std::string> firstWorkspaceRoot(const JSON::Value* value) {
+  const JSON::Array* const roots = JSON::arrayOf(value);
+  if (!roots) return std::nullopt;
+  for (const JSON::Value& root : *roots) {
+    if (auto path = Payload::nonBlank(&root)) return path;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<HookInput> CursorAdapter::parse(std::string_view data) const {
+  const std::optional<JSON::Object> payload = Payload::read(data);
+  if (!payload) return std::nullopt;
+  return HookInput{.prompt = Payload::prompt(*payload),
+                   .cwd = firstWorkspaceRoot(payload->find("workspace_roots")),
+                   .sessionID = Payload::nonBlank(*payload, "session_id"),
+                   .transcriptPath = Payload::nonBlank(*payload, "transcript_path")};
+}
+
+std::string CursorAdapter::envelope(std::string text) const {
+  return JSON::write(JSON::objectOf({{"continue", true}, {"additional_context", std::move(text)}}),
+                     JSON::Slashes::escaped);
+}
+
+}  // namespace quillstead

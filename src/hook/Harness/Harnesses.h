@@ -1,0 +1,21 @@
+#pragma once
+
+#include "hook/Harness/HarnessAdapter.h"
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+/// The harnesses that the hook knows.
+namespace quillstead::Harnesses {
+
+/// Every adapter, in the order in which messages name them.
+std::span<const HarnessAdapter* const> all();
+
+/// The adapter of exactly that name; null when there is none.
+const HarnessAdapter* named(std::string_view name);
+
+/// The names of all, in order.
+std::vector<std::string_view> knownNames();
+
+}  // namespace quillstead::Harnesses

@@ -1,0 +1,21 @@
+#include "hook/Harness/OpenCode.h"
+
+#include "hook/Harness/Payload.h"
+#include "support/JSON/Writer.h"
+
+namespace quillstead {
+
+std::optional<HookInput> OpenCodeAdapter::parse(std::string_view data) const {
+  const std::optional<JSON::Object> payload = Payload::read(data);
+  if (!payload) return std::nullopt;
+  return HookInput{.prompt = Payload::prompt(*payload),
+                   .cwd = Payload::nonBlank(*payload, "cwd"),
+                   .sessionID = Payload::nonBlank(*payload, "sessionID"),
+                   .transcriptPath = std::nullopt};
+}
+
+std::string OpenCodeAdapter::envelope(std::string text) const {
+  return JSON::write(JSON::objectOf({{"context", std::move(text)}}), JSON::Slashes::escaped);
+}
+
+}  // namespace quillstead
