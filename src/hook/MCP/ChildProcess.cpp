@@ -1,0 +1,248 @@
+#include "hook/MCP/ChildProcess.h"
+
+#include "support/OS/Descriptor.h"
+#include "support/OS/ExitWatch.h"
+#include "support/OS/Poll.h"
+#include "support/OS/SpawnAttributes.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <optional>
+
+extern "C" char** environ;  // NOLINT(readability-redundant-declaration): absent from macOS headers
+
+namespace quillstead::ChildProcess {
+
+namespace {
+
+using Clock = OS::MonotonicClock;
+
+/// Our ends of the pipes to a child.
+struct Streams {
+  OS::Descriptor input;
+  OS::Descriptor output;
+  OS::Descriptor error;
+};
+
+/// The child's ends.
+struct ChildEnds {
+  OS::Descriptor input;
+  OS::Descriptor output;
+  OS::Descriptor error;
+};
+
+struct Started {
+  pid_t process;
+  Streams streams;
+};
+
+/// What a child is started with: its descriptors, and signals as if nobody had touched them.
+class SpawnSetUp {
+ public:
+  explicit SpawnSetUp(const ChildEnds& ends) {
+    usable_ = posix_spawn_file_actions_init(&actions_) == 0;
+    usable_ = posix_spawnattr_init(&attributes_) == 0 && usable_;
+    short flags = POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK;
+    usable_ = usable_ && redirect(ends.input, STDIN_FILENO) &&
+              redirect(ends.output, STDOUT_FILENO) && redirect(ends.error, STDERR_FILENO) &&
+              OS::keepOnlyStandardStreams(actions_, flags);
+
+    sigset_t all{};
+    sigset_t none{};
+    sigfillset(&all);
+    sigemptyset(&none);
+    posix_spawnattr_setsigdefault(&attributes_, &all);
+    posix_spawnattr_setsigmask(&attributes_, &none);
+    posix_spawnattr_setflags(&attributes_, flags);
+  }
+  SpawnSetUp(const SpawnSetUp&) = delete;
+  SpawnSetUp& operator=(const SpawnSetUp&) = delete;
+  ~SpawnSetUp() {
+    posix_spawnattr_destroy(&attributes_);
+    posix_spawn_file_actions_destroy(&actions_);
+  }
+
+  [[nodiscard]] std::optional<pid_t> spawn(const std::string& executable) const {
+    if (!usable_) return std::nullopt;
+    const std::array<char*, 2> arguments{const_cast<char*>(executable.c_str()), nullptr};
+    pid_t process = 0;
+    const int error = posix_spawn(&process, executable.c_str(), &actions_, &attributes_,
+                                  arguments.data(), environ);
+    return error == 0 ? std::optional(process) : std::nullopt;
+  }
+
+ private:
+  bool redirect(const OS::Descriptor& from, int to) {
+    return posix_spawn_file_actions_adddup2(&actions_, from.number(), to) == 0;
+  }
+
+  posix_spawn_file_actions_t actions_{};
+  posix_spawnattr_t attributes_{};
+  bool usable_ = false;
+};
+
+std::optional<Started> start(const std::string& executable) {
+  auto input = OS::makePipe();
+  auto output = OS::makePipe();
+  auto error = OS::makePipe();
+  if (!input || !output || !error) return std::nullopt;
+
+  Streams ours{std::move(input->writing), std::move(output->reading), std::move(error->reading)};
+  for (const OS::Descriptor* end : {&ours.input, &ours.output, &ours.error}) {
+    if (!OS::makeNonBlocking(*end)) return std::nullopt;
+  }
+  const ChildEnds theirs{std::move(input->reading), std::move(output->writing),
+                         std::move(error->writing)};
+  const std::optional<pid_t> process = SpawnSetUp(theirs).spawn(executable);
+  if (!process) return std::nullopt;
+  return Started{*process, std::move(ours)};
+}
+
+/// The moment a leash that begins now runs out. A day is as good as for ever.
+Clock::time_point endOf(Seconds leash) {
+  constexpr Seconds longest = std::chrono::hours(24);
+  return Clock::now() +
+         std::chrono::ceil<Clock::duration>(std::clamp(leash, Seconds::zero(), longest));
+}
+
+/// Carries the bytes to and from one started child until it has ended or its leash has run out.
+class Supervisor {
+ public:
+  Supervisor(Started child, const Task& task, const OS::ExitWatch& watch)
+      : process_(child.process), streams_(std::move(child.streams)), task_(task), watch_(watch) {
+    closeInputWhenWritten();
+  }
+
+  ChildOutcome supervise() {
+    const Clock::time_point end = endOf(task_.leash);
+    while (!hasEnded()) {
+      const auto remaining = end - Clock::now();
+      if (remaining <= Clock::duration::zero()) return killed();
+      carry(remaining);
+    }
+    while (streams_.output.isOpen() || streams_.error.isOpen()) carry(std::nullopt);
+    return Exited{exitStatus(), std::move(output_), std::move(error_)};
+  }
+
+ private:
+  enum Entry : std::size_t { inputEntry, outputEntry, errorEntry, exitEntry, entryCount };
+
+  /// Waits for something to happen and does what it asks for.
+  void carry(std::optional<std::chrono::nanoseconds> atMost) {
+    std::array<pollfd, entryCount> entries{};
+    entries[inputEntry] = {.fd = streams_.input.number(), .events = POLLOUT, .revents = 0};
+    entries[outputEntry] = readingEntry(streams_.output, output_);
+    entries[errorEntry] = readingEntry(streams_.error, error_);
+    entries[exitEntry] = {
+        .fd = hasEnded_ ? -1 : watch_.descriptor(), .events = POLLIN, .revents = 0};
+
+    OS::waitForEvents(entries, atMost);
+    if (entries[inputEntry].revents != 0) feed();
+    if (entries[outputEntry].revents != 0) drain(streams_.output, output_);
+    if (entries[errorEntry].revents != 0) drain(streams_.error, error_);
+    if (entries[exitEntry].revents != 0) {
+      watch_.acknowledge();
+      mayHaveEnded_ = true;
+    }
+    if (!output_.empty() && !firstOutputTold_) {
+      firstOutputTold_ = true;
+      if (task_.firstOutput) task_.firstOutput();
+    }
+  }
+
+  /// A living child whose output is as long as we keep is not read on, so that it waits.
+  [[nodiscard]] pollfd readingEntry(const OS::Descriptor& stream, const std::string& kept) const {
+    const bool isFull = kept.size() >= longestOutput && !hasEnded_;
+    return {.fd = isFull ? -1 : stream.number(), .events = POLLIN, .revents = 0};
+  }
+
+  void feed() {
+    const OS::Transfer written = OS::write(streams_.input.number(), task_.input.substr(written_));
+    if (written.result == OS::Transfer::Result::notReady) return;
+    if (written.result == OS::Transfer::Result::moved) {
+      written_ += written.count;
+      closeInputWhenWritten();
+    } else {
+      streams_.input.close();
+    }
+  }
+
+  void closeInputWhenWritten() {
+    if (written_ == task_.input.size()) streams_.input.close();
+  }
+
+  /// Reads once from a stream that has something, or closes it when it has ended.
+  static OS::Transfer::Result drain(OS::Descriptor& stream, std::string& kept) {
+    std::array<char, 65'536> buffer;
+    const OS::Transfer part = OS::read(stream.number(), buffer.data(), buffer.size());
+    if (part.result == OS::Transfer::Result::moved) {
+      kept.append(buffer.data(), std::min(part.count, longestOutput - kept.size()));
+    } else if (part.result != OS::Transfer::Result::notReady) {
+      stream.close();
+    }
+    return part.result;
+  }
+
+  /// Asks the system only when a child's end was reported, and before a leash is declared spent.
+  bool hasEnded() {
+    if (!hasEnded_ && mayHaveEnded_) hasEnded_ = reap();
+    mayHaveEnded_ = false;
+    return hasEnded_;
+  }
+
+  bool reap() {
+    pid_t reaped = 0;
+    do {
+      reaped = waitpid(process_, &waitStatus_, WNOHANG);
+    } while (reaped < 0 && errno == EINTR);
+    return reaped != 0;
+  }
+
+  [[nodiscard]] std::int32_t exitStatus() const {
+    return WIFSIGNALED(waitStatus_) ? -WTERMSIG(waitStatus_) : WEXITSTATUS(waitStatus_);
+  }
+
+  ChildOutcome killed() {
+    kill(process_, SIGKILL);
+    // What the child had written is there; a process that it left behind may write for ever.
+    constexpr int mostReads = 64;
+    for (int reads = 0; reads < mostReads && streams_.error.isOpen(); ++reads) {
+      if (drain(streams_.error, error_) != OS::Transfer::Result::moved) break;
+    }
+    reap();
+    return TimedOut{std::move(error_)};
+  }
+
+  pid_t process_;
+  Streams streams_;
+  const Task& task_;
+  const OS::ExitWatch& watch_;
+  std::size_t written_ = 0;
+  std::string output_;
+  std::string error_;
+  bool firstOutputTold_ = false;
+  bool mayHaveEnded_ = true;
+  bool hasEnded_ = false;
+  int waitStatus_ = 0;
+};
+
+}  // namespace
+
+ChildOutcome run(const Task& task) {
+  auto wake = OS::makePipe();
+  if (!wake) return NotSpawned{};
+  const OS::ExitWatch watch(std::move(*wake));  // before the start: a child may end at once
+  std::optional<Started> child = start(task.executable);
+  if (!child) return NotSpawned{};
+  return Supervisor(std::move(*child), task, watch).supervise();
+}
+
+}  // namespace quillstead::ChildProcess
