@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// Cuts a rules block into the rules proper and the index that closes it.
+namespace quillstead::BlockSplit {
+
+/// The fence of a rules block.
+inline constexpr std::string_view opening = "<user-rules>\n";
+inline constexpr std::string_view closing = "\n</user-rules>";
+
+struct Halves {
+  std::string head;   ///< the rules without the index, fenced
+  std::string index;  ///< the index alone, fenced
+};
+
+/// `indexSpan`: the index's size in bytes, without the line feed before it and without the fences.
+/// Absent when the block is not fenced, or no line of it begins where the index should.
+std::optional<Halves> split(std::string_view block, std::int64_t indexSpan);
+
+}  // namespace quillstead::BlockSplit

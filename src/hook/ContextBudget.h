@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Fits the lanes' texts into the context that a harness accepts. All sizes are bytes of UTF-8.
+namespace quillstead::ContextBudget {
+
+/// The texts there are; absent ones are left out of the result.
+struct Texts {
+  std::optional<std::string> rules;
+  std::optional<std::string> memory;
+  std::optional<std::int64_t> cardCount;               ///< cards in `memory`
+  std::optional<std::vector<std::int64_t>> cardSpans;  ///< the size of each card, in order
+  std::optional<std::int64_t> limit;                   ///< absent: everything goes out
+  std::optional<std::string> shortcut;
+  std::optional<std::string> justEnded;
+};
+
+struct Fitted {
+  std::vector<std::string> texts;  ///< what goes out: rules, shortcut, just-ended note, memory
+  bool rulesOverBudget = false;
+  std::int64_t cardsDropped = 0;
+  bool shortcutOverBudget = false;
+  bool justEndedKept = false;
+};
+
+/// Keeps what fits, in that order of priority; an earlier text is never dropped for a later one.
+/// The memory is trimmed card by card from its end; it is dropped whole when it does not have the
+/// shape that its spans tell.
+Fitted fit(Texts texts);
+
+/// A memory block whose cards are known by their bytes: the opening fence, a header, and cards each
+/// after a gap, then the closing fence.
+class Envelope {
+ public:
+  static constexpr std::string_view opening = "<quillstead-memory>\n";
+  static constexpr std::string_view closing = "\n</quillstead-memory>";
+  static constexpr std::string_view gap = "\n\n";
+
+  /// Absent when `block` is not made of cards of exactly these sizes.
+  static std::optional<Envelope> measured(std::string block, std::vector<std::int64_t> spans);
+
+  [[nodiscard]] std::size_t cardCount() const { return spans_.size(); }
+
+  /// The most cards with which the block is at most `limit` bytes long; 0 when not even one fits.
+  [[nodiscard]] std::size_t cardsWithin(std::int64_t limit) const;
+
+  /// The block with its header and its first `count` cards, at least 1, and the fence closed.
+  [[nodiscard]] std::string rendered(std::size_t count) const;
+
+ private:
+  Envelope(std::string bytes, std::size_t start, std::vector<std::int64_t> spans);
+
+  [[nodiscard]] std::size_t endOfCards(std::size_t count) const;
+
+  std::string bytes_;
+  std::size_t start_;  ///< where the first card begins
+  std::vector<std::int64_t> spans_;
+};
+
+}  // namespace quillstead::ContextBudget

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quillstead {
+
+/// What one lane brought back, every piece of it checked.
+struct LaneOutcome {
+  std::optional<std::string> block;       ///< the rules or the cards; absent when there are none
+  std::vector<std::string> fields;        ///< "key=value" for the telemetry line, in order
+  std::optional<std::int64_t> cardCount;  ///< memory: cards in `block`
+  std::optional<std::vector<std::int64_t>> cardSpans;  ///< memory: bytes of each card, in order
+  std::optional<std::int64_t> indexSpan;  ///< rules: bytes of the index that ends `block`
+  bool declineFast = false;               ///< rules: the server itself is broken
+  std::optional<std::string> shortcut;    ///< memory: a text fenced by <quillstead-shortcut>
+  std::optional<std::string> justEnded;   ///< memory: a text fenced by <quillstead-now>
+};
+
+}  // namespace quillstead

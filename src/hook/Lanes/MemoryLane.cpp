@@ -1,0 +1,101 @@
+#include "hook/Lanes/MemoryLane.h"
+
+#include "hook/Lanes/ReplyNumber.h"
+#include "support/Text/Text.h"
+
+#include <algorithm>
+
+namespace quillstead::MemoryLane {
+
+namespace {
+
+bool isReasonCharacter(char character) {
+  return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
+         (character >= '0' && character <= '9') || character == '-';
+}
+
+void addShortcut(const JSON::Object& meta, LaneOutcome& outcome) {
+  outcome.shortcut = validFenced(meta.find("quillstead/shortcut"), "<quillstead-shortcut>");
+  if (outcome.shortcut) {
+    outcome.fields.emplace_back("shortcut=1");
+  } else if (const auto reason = validMiss(meta.find("quillstead/shortcutMiss"))) {
+    outcome.fields.push_back("shortcut=MISS:" + *reason);
+  }
+}
+
+void addCards(MCPReply& reply, LaneOutcome& outcome) {
+  const JSON::Value* const kind = reply.meta.find("quillstead/replyKind");
+  if (JSON::isText(kind, "empty")) {
+    outcome.fields.emplace_back("cards=0");
+    return;
+  }
+  const auto count = validCount(reply.meta.find("quillstead/cardCount"));
+  const bool hasText = reply.text && !reply.text->empty();
+  if (!JSON::isText(kind, "cards") || !hasText || !count) {
+    outcome.fields.emplace_back("cards=MISS:no-kind");
+    return;
+  }
+  outcome.fields.push_back("cards=" + std::to_string(*count));
+  outcome.block = std::move(reply.text);
+  outcome.cardCount = count;
+  outcome.cardSpans = validSpans(reply.meta.find("quillstead/cardSpans"), *count);
+}
+
+}  // namespace
+
+JSON::Object arguments(const HookInput& input) {
+  JSON::Object arguments;
+  arguments.set("prompt", input.prompt);
+  if (input.cwd) arguments.set("cwd", *input.cwd);
+  if (input.sessionID) arguments.set("session_id", *input.sessionID);
+  if (input.transcriptPath) arguments.set("transcript_path", *input.transcriptPath);
+  return arguments;
+}
+
+std::optional<std::string> validFenced(const JSON::Value* value, std::string_view tag) {
+  const std::string* const text = JSON::textOf(value);
+  if (!text || Text::isBlank(*text) || !text->starts_with(tag)) return std::nullopt;
+  return *text;
+}
+
+std::optional<std::string> validMiss(const JSON::Value* value) {
+  constexpr std::size_t longest = 32;
+  const std::string* const text = JSON::textOf(value);
+  if (!text || text->empty() || text->size() > longest) return std::nullopt;
+  if (!std::all_of(text->begin(), text->end(), isReasonCharacter)) return std::nullopt;
+  return *text;
+}
+
+std::optional<std::int64_t> validCount(const JSON::Value* value) {
+  constexpr std::int64_t most = 999;
+  const auto count = ReplyNumber::positive(value);
+  return count && *count <= most ? count : std::nullopt;
+}
+
+std::optional<std::vector<std::int64_t>> validSpans(const JSON::Value* value, std::int64_t count) {
+  const JSON::Array* const list = JSON::arrayOf(value);
+  if (!list || static_cast<std::int64_t>(list->size()) != count) return std::nullopt;
+  std::vector<std::int64_t> spans;
+  spans.reserve(list->size());
+  for (const JSON::Value& element : *list) {
+    const auto span = ReplyNumber::positive(&element);
+    if (!span) return std::nullopt;
+    spans.push_back(*span);
+  }
+  return spans;
+}
+
+LaneOutcome run(const HookInput& input, const MCPClient& client, const Deadline& deadline) {
+  MCPReply reply = client.call("memory_get_relevant", arguments(input), deadline.leash());
+  LaneOutcome outcome;
+  if (reply.miss) {
+    outcome.fields.push_back("cards=MISS:" + std::string(*reply.miss));
+    return outcome;
+  }
+  addShortcut(reply.meta, outcome);
+  outcome.justEnded = validFenced(reply.meta.find("quillstead/now"), "<quillstead-now>");
+  addCards(reply, outcome);
+  return outcome;
+}
+
+}  // namespace quillstead::MemoryLane

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "hook/Budget.h"
+#include "hook/Harness/HarnessAdapter.h"
+#include "hook/Lanes/LaneOutcome.h"
+#include "hook/MCP/MCPClient.h"
+#include "support/JSON/Value.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Asks the server for the memory that matters for the prompt, and checks every piece of its reply
+/// before any of it may reach the harness.
+namespace quillstead::MemoryLane {
+
+/// The arguments of "memory_get_relevant"; what the input lacks is left out.
+JSON::Object arguments(const HookInput& input);
+
+// Each takes a value of the reply's metadata, null when it is missing, and gives its content only
+// when it is sound.
+
+/// A text that is not blank and begins with `tag`.
+std::optional<std::string> validFenced(const JSON::Value* value, std::string_view tag);
+/// A reason of 1 to 32 ASCII letters, digits and hyphens.
+std::optional<std::string> validMiss(const JSON::Value* value);
+/// An integer from 1 to 999.
+std::optional<std::int64_t> validCount(const JSON::Value* value);
+/// A list of `count` integers, each at least 1.
+std::optional<std::vector<std::int64_t>> validSpans(const JSON::Value* value, std::int64_t count);
+
+/// Calls the tool with all the time the deadline leaves. Blocks that long at most.
+LaneOutcome run(const HookInput& input, const MCPClient& client, const Deadline& deadline);
+
+}  // namespace quillstead::MemoryLane
