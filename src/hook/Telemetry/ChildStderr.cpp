@@ -23,16 +23,21 @@ std::string_view lastLines(std::string_view text) {
 
 }  // namespace
 
-void forward(std::string_view tool, std::string raw, std::optional<std::int32_t> status) {
-  const std::string text = Text::repaired(std::move(raw));
-  const std::string_view trimmed = Text::trimmed(text);
-  if (trimmed.empty()) return;
+std::optional<std::string> record(std::string_view tool, std::string raw,
+                                  std::optional<std::int32_t> status) {
+  const std::string said = Text::repaired(std::move(raw));
+  const std::string_view trimmed = Text::trimmed(said);
+  if (trimmed.empty()) return std::nullopt;
 
-  std::string record = "the ";
-  record.append(tool).append(" lane's MCP child said");
-  if (status) record.append(" (exit ").append(std::to_string(*status)).append(")");
-  record.append(":\n").append(Text::firstCharacters(lastLines(trimmed), mostCharacters));
-  Stderr::line(record);
+  std::string text = "the ";
+  text.append(tool).append(" lane's MCP child said");
+  if (status) text.append(" (exit ").append(std::to_string(*status)).append(")");
+  text.append(":\n").append(Text::firstCharacters(lastLines(trimmed), mostCharacters));
+  return text;
+}
+
+void forward(std::string_view tool, std::string raw, std::optional<std::int32_t> status) {
+  if (const auto text = record(tool, std::move(raw), status)) Stderr::line(*text);
 }
 
 }  // namespace quillstead::ChildStderr

@@ -1,0 +1,67 @@
+#include "hook/MCP/MCPReply.h"
+
+#include "hook/MCP/ReplyTruth.h"
+#include "support/JSON/Reader.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quillstead {
+
+namespace {
+
+/// A server may write the number as it likes: 2, 2.0 and 2.7 all read as 2, the text "2" does not.
+bool isToolCallID(const JSON::Value* id) {
+  const JSON::Number* const number = id ? id->number() : nullptr;
+  if (!number) return false;
+  const double value = number->approximation();
+  return value >= 2 && value < 3;
+}
+
+/// The first response to the tool call among the lines that the server wrote.
+std::optional<JSON::Object> toolCallResponse(std::string_view output) {
+  while (!output.empty()) {
+    const std::string_view line = output.substr(0, output.find('\n'));
+    output.remove_prefix(std::min(line.size() + 1, output.size()));
+    std::optional<JSON::Value> document = JSON::read(line);
+    JSON::Object* const message = document ? document->object() : nullptr;
+    if (message && isToolCallID(message->find("id"))) return std::move(*message);
+  }
+  return std::nullopt;
+}
+
+JSON::Object* objectAt(JSON::Object& object, std::string_view key) {
+  JSON::Value* const value = object.find(key);
+  return value ? value->object() : nullptr;
+}
+
+/// The text of the first text item of a result's content; the later ones do not count.
+std::optional<std::string> firstText(const JSON::Object& result) {
+  const JSON::Array* const content = JSON::arrayOf(result.find("content"));
+  if (!content) return std::nullopt;
+  for (const JSON::Value& element : *content) {
+    const JSON::Object* const item = element.object();
+    if (!item || !JSON::isText(item->find("type"), "text")) continue;
+    const std::string* const text = JSON::textOf(item->find("text"));
+    return text ? std::optional(*text) : std::nullopt;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+MCPReply MCPReply::from(std::string_view output) {
+  MCPReply reply;
+  reply.miss = noEnvelope;
+  std::optional<JSON::Object> response = toolCallResponse(output);
+  JSON::Object* const result = response ? objectAt(*response, "result") : nullptr;
+  if (!result) return reply;
+
+  if (JSON::Object* const meta = objectAt(*result, "_meta")) reply.meta = std::move(*meta);
+  if (ReplyTruth::isTruthy(result->find("isError"))) return reply;
+  reply.text = firstText(*result);
+  if (reply.text) reply.miss = std::nullopt;
+  return reply;
+}
+
+}  // namespace quillstead

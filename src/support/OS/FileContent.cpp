@@ -1,0 +1,68 @@
+#include "support/OS/FileContent.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace quillstead::OS {
+
+namespace {
+
+NoContent reasonNotOpened(int error) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+    case ENAMETOOLONG:
+    case EINVAL:
+      return NoContent::missing;
+    case ELOOP:
+      return NoContent::symbolicLink;
+    case ENXIO:
+    case ENODEV:
+      return NoContent::notAFile;
+    default:
+      return NoContent::unreadable;
+  }
+}
+
+/// Fills `bytes` up to `limit`; false when reading failed.
+bool readUpTo(int descriptor, std::size_t limit, std::size_t expected, std::string& bytes) {
+  // One byte more than expected, so that the end shows in the same reading.
+  bytes.resize(std::min(expected, limit) + 1);
+  std::size_t filled = 0;
+  for (;;) {
+    if (filled == bytes.size()) bytes.resize(std::min(bytes.size() * 2, limit + 1));
+    if (filled == bytes.size()) return true;
+    const Transfer part = read(descriptor, bytes.data() + filled, bytes.size() - filled);
+    if (part.result == Transfer::Result::ended) break;
+    if (part.result != Transfer::Result::moved) return false;
+    filled += part.count;
+  }
+  bytes.resize(filled);
+  return true;
+}
+
+}  // namespace
+
+std::variant<FileContent, NoContent> readFile(const Descriptor& directory, const std::string& name,
+                                              std::size_t limit) {
+  constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  const Descriptor file(openat(directory.number(), name.c_str(), flags));
+  if (!file.isOpen()) return reasonNotOpened(errno);
+
+  struct stat status {};
+  if (fstat(file.number(), &status) != 0) return NoContent::unreadable;
+  if (!S_ISREG(status.st_mode)) return NoContent::notAFile;
+  const FileStamp stamp = fileStamp(status);
+  const auto size = static_cast<std::size_t>(stamp.size);
+  if (size > limit) return NoContent::tooLarge;
+
+  std::string bytes;
+  if (!readUpTo(file.number(), limit, size, bytes)) return NoContent::unreadable;
+  if (bytes.size() > limit) return NoContent::tooLarge;  // it grew meanwhile
+  return FileContent{.bytes = std::move(bytes), .stamp = stamp};
+}
+
+}  // namespace quillstead::OS

@@ -1,0 +1,11 @@
+#include "support/OS/FileStamp.h"
+
+namespace quillstead::OS {
+
+FileStamp fileStamp(const struct stat& status) {
+  constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+  return {.size = status.st_size,
+          .modified = status.st_mtimespec.tv_sec * nanosecondsPerSecond + status.st_mtimespec.tv_nsec};
+}
+
+}  // namespace quillstead::OS
