@@ -14,6 +14,8 @@ inline constexpr std::string_view tool = "Task";
 /// The answer to a call of the tool "Task": its input with "[qs-parent:<session>]" behind the
 /// prompt, after a blank line. The tag is added on every call, also to a prompt that has one.
 /// Absent for another tool, an input without a prompt text, and a payload without a session.
-std::optional<std::string> answer(JSON::Object payload);
+///
+/// The document takes the memory of `reused`.
+std::optional<std::string> answer(JSON::Object payload, std::string reused = {});
 
 }  // namespace quillstead::ParentTag

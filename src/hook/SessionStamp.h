@@ -24,6 +24,6 @@ std::int32_t serve(const OS::Environment& environment);
 
 /// The answer document to a payload's bytes; absent when the call goes through unchanged. A call of
 /// "Task" gets the parent tag instead of the stamp.
-std::optional<std::string> answer(std::string_view input);
+std::optional<std::string> answer(std::string input);
 
 }  // namespace quillstead::SessionStamp

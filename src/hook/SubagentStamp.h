@@ -22,6 +22,6 @@ std::int32_t serve(const OS::Environment& environment);
 
 /// The answer document to a payload's bytes; absent when the call goes through unchanged, as every
 /// call of the main agent does.
-std::optional<std::string> answer(std::string_view input);
+std::optional<std::string> answer(std::string input);
 
 }  // namespace quillstead::SubagentStamp

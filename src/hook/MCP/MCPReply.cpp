@@ -30,11 +30,6 @@ std::optional<JSON::Object> toolCallResponse(std::string_view output) {
   return std::nullopt;
 }
 
-JSON::Object* objectAt(JSON::Object& object, std::string_view key) {
-  JSON::Value* const value = object.find(key);
-  return value ? value->object() : nullptr;
-}
-
 /// The text of the first text item of a result's content; the later ones do not count.
 std::optional<std::string> firstText(const JSON::Object& result) {
   const JSON::Array* const content = JSON::arrayOf(result.find("content"));
@@ -54,10 +49,11 @@ MCPReply MCPReply::from(std::string_view output) {
   MCPReply reply;
   reply.miss = noEnvelope;
   std::optional<JSON::Object> response = toolCallResponse(output);
-  JSON::Object* const result = response ? objectAt(*response, "result") : nullptr;
+  JSON::Object* const result = response ? JSON::objectOf(response->find("result")) : nullptr;
   if (!result) return reply;
 
-  if (JSON::Object* const meta = objectAt(*result, "_meta")) reply.meta = std::move(*meta);
+  if (JSON::Object* const meta = JSON::objectOf(result->find("_meta")))
+    reply.meta = std::move(*meta);
   if (ReplyTruth::isTruthy(result->find("isError"))) return reply;
   reply.text = firstText(*result);
   if (reply.text) reply.miss = std::nullopt;

@@ -14,6 +14,8 @@ namespace {
 /// ends and takes them; an object's keys wait there as texts, each before its value.
 class Builder {
  public:
+  explicit Builder(std::size_t documentSize) : bytesLeft_(documentSize) {}
+
   static constexpr std::size_t max_object_size = static_cast<std::size_t>(-1);
   static constexpr std::size_t max_array_size = static_cast<std::size_t>(-1);
   static constexpr std::size_t max_key_size = static_cast<std::size_t>(-1);
@@ -72,31 +74,42 @@ class Builder {
   }
 
  private:
+  /// A long text gets room for all that the document can still hold, instead of being moved again
+  /// and again as it grows. Memory that is never written to costs nothing.
   bool gather(Characters part) {
+    constexpr std::size_t longText = 65'536;
+    const std::size_t size = pending_.size() + part.size();
+    if (size > longText && size > pending_.capacity()) pending_.reserve(std::max(size, bytesLeft_));
     pending_.append(part.data(), part.size());
     return true;
   }
 
-  bool finishText(Characters part) {
+  std::string finish(Characters part) {
     gather(part);
-    values_.emplace_back(std::exchange(pending_, {}));
+    bytesLeft_ -= std::min(bytesLeft_, pending_.size());
+    if (pending_.capacity() > 2 * pending_.size()) pending_.shrink_to_fit();
+    return std::exchange(pending_, {});
+  }
+
+  bool finishText(Characters part) {
+    values_.emplace_back(finish(part));
     return true;
   }
 
   bool finishNumber(Characters part) {
-    gather(part);
-    values_.emplace_back(Number::fromText(std::exchange(pending_, {})));
+    values_.emplace_back(Number::fromText(finish(part)));
     return true;
   }
 
   std::vector<Value> values_;
   std::string pending_;  ///< what has come of a text or number that the parser hands over in parts
+  std::size_t bytesLeft_;  ///< at least what the rest of the document takes when decoded
 };
 
 std::optional<Value> readUTF8(std::string_view bytes) {
   boost::json::parse_options options;
   options.max_depth = maximumDepth;
-  boost::json::basic_parser<Builder> parser(options);
+  boost::json::basic_parser<Builder> parser(options, bytes.size());
   boost::json::error_code error;
   const std::size_t consumed = parser.write_some(false, bytes.data(), bytes.size(), error);
   if (error || consumed != bytes.size()) return std::nullopt;

@@ -123,6 +123,7 @@ Object objectOf(Member (&&members)[count]) {
 /// `value` when there is one of the wanted kind, else null: for looking into what may be absent.
 inline const std::string* textOf(const Value* value) { return value ? value->text() : nullptr; }
 inline const Object* objectOf(const Value* value) { return value ? value->object() : nullptr; }
+inline Object* objectOf(Value* value) { return value ? value->object() : nullptr; }
 inline const Array* arrayOf(const Value* value) { return value ? value->array() : nullptr; }
 
 /// True when `value` is there and is exactly the text `expected`.

@@ -2,34 +2,46 @@
 
 #include "support/Text/Text.h"
 
-#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <utility>
 
 namespace quillstead::JSON {
 
 namespace {
 
-/// What a byte of a text needs when it is written.
-enum class Treatment : unsigned char { copied, escaped, checked };
+bool isASCII(char character) { return static_cast<unsigned char>(character) < 0x80; }
 
-using Treatments = std::array<Treatment, 256>;
+// Eight bytes of a text are looked at in one word: the first that has its top bit set in the result
+// is the first special one. (Those behind it may be set without being special.)
+using Word = std::uint64_t;
+static_assert(std::endian::native == std::endian::little, "the first byte is the lowest");
 
-constexpr Treatments treatmentsFor(Slashes slashes) {
-  Treatments table{};
-  for (std::size_t byte = 0; byte < 0x20; ++byte) table[byte] = Treatment::escaped;
-  table['"'] = Treatment::escaped;
-  table['\\'] = Treatment::escaped;
-  if (slashes == Slashes::escaped) table['/'] = Treatment::escaped;
-  for (std::size_t byte = 0x80; byte < 0x100; ++byte) table[byte] = Treatment::checked;
-  return table;
+constexpr Word inEveryByte(char byte) {
+  return static_cast<Word>(static_cast<unsigned char>(byte)) * 0x0101'0101'0101'0101;
 }
 
-constexpr Treatments plainSlashes = treatmentsFor(Slashes::plain);
-constexpr Treatments escapedSlashes = treatmentsFor(Slashes::escaped);
+constexpr Word below(Word word, char limit) { return (word - inEveryByte(limit)) & ~word; }
+
+constexpr Word equal(Word word, char byte) { return below(word ^ inEveryByte(byte), 1); }
+
+constexpr Word specialBytes(Word word, char escapedSlash) {
+  const Word found =
+      word | below(word, ' ') | equal(word, '"') | equal(word, '\\') | equal(word, escapedSlash);
+  return found & inEveryByte('\x80');
+}
+
+std::size_t firstByte(Word marked) {
+  return static_cast<std::size_t>(std::countr_zero(marked)) / 8;
+}
 
 class Writer {
  public:
-  explicit Writer(Slashes slashes)
-      : treatments_(slashes == Slashes::plain ? plainSlashes : escapedSlashes) {}
+  Writer(Slashes slashes, std::string reused)
+      : escapedSlash_(slashes == Slashes::escaped ? '/' : '"'), out_(std::move(reused)) {
+    out_.clear();
+  }
 
   std::string take() { return std::move(out_); }
 
@@ -68,8 +80,7 @@ class Writer {
   void writeText(std::string_view text) {
     out_ += '"';
     while (!text.empty()) {
-      std::size_t run = 0;
-      while (run < text.size() && treatment(text[run]) == Treatment::copied) ++run;
+      const std::size_t run = plainRun(text);
       out_ += text.substr(0, run);
       text.remove_prefix(run);
       if (!text.empty()) text.remove_prefix(writeSpecial(text));
@@ -77,9 +88,26 @@ class Writer {
     out_ += '"';
   }
 
+  /// How many bytes at the start of `text` stand in a document as they are.
+  [[nodiscard]] std::size_t plainRun(std::string_view text) const {
+    std::size_t run = 0;
+    for (; text.size() - run >= sizeof(Word); run += sizeof(Word)) {
+      Word word = 0;
+      std::memcpy(&word, text.data() + run, sizeof(Word));
+      const Word special = specialBytes(word, escapedSlash_);
+      if (special != 0) return run + firstByte(special);
+    }
+    while (run < text.size() && !isSpecial(text[run])) ++run;
+    return run;
+  }
+
+  [[nodiscard]] bool isSpecial(char byte) const {
+    return byte < ' ' || byte == '"' || byte == '\\' || byte == escapedSlash_ || !isASCII(byte);
+  }
+
   /// Writes the character that `text` begins with and gives the number of bytes it took there.
   std::size_t writeSpecial(std::string_view text) {
-    if (treatment(text.front()) == Treatment::escaped) {
+    if (isASCII(text.front())) {
       writeEscape(text.front());
       return 1;
     }
@@ -121,18 +149,14 @@ class Writer {
     }
   }
 
-  [[nodiscard]] Treatment treatment(char byte) const {
-    return treatments_[static_cast<unsigned char>(byte)];
-  }
-
-  const Treatments& treatments_;
+  char escapedSlash_;  ///< a slash when it is escaped, else a character that always is
   std::string out_;
 };
 
 }  // namespace
 
-std::string write(const Value& value, Slashes slashes) {
-  Writer writer(slashes);
+std::string write(const Value& value, Slashes slashes, std::string reused) {
+  Writer writer(slashes, std::move(reused));
   writer.write(value);
   return writer.take();
 }
