@@ -3,10 +3,21 @@
 #include "support/OS/Descriptor.h"
 #include "support/OS/HomeDirectory.h"
 
-#include <array>
-#include <ctime>
+#include <cstdint>
 
 namespace quillstead::TelemetryLine {
+
+namespace {
+
+/// `number` with leading zeros up to `digits` digits, and what stands behind it.
+void appendNumber(std::string& text, std::int64_t number, std::size_t digits, char separator) {
+  const std::string plain = std::to_string(number);
+  if (plain.size() < digits) text.append(digits - plain.size(), '0');
+  text += plain;
+  text += separator;
+}
+
+}  // namespace
 
 std::string path(const OS::Environment& environment) {
   if (const auto log = environment.value("QUILLSTEAD_HOOK_LOG")) return std::string(*log);
@@ -15,16 +26,18 @@ std::string path(const OS::Environment& environment) {
 }
 
 std::string timestamp(std::chrono::system_clock::time_point now) {
-  const auto second = std::chrono::floor<std::chrono::seconds>(now);
-  const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(now - second).count();
-  const std::time_t time = std::chrono::system_clock::to_time_t(second);
-  std::tm utc{};
-  gmtime_r(&time, &utc);
-
-  std::array<char, 32> text{};
-  const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &utc);
-  const std::string thousandths = std::to_string(1000 + milliseconds);
-  return std::string(text.data(), length) + "." + thousandths.substr(1) + "+00:00";
+  const auto day = std::chrono::floor<std::chrono::days>(now);
+  const std::chrono::year_month_day date(day);
+  const std::chrono::hh_mm_ss time(std::chrono::floor<std::chrono::milliseconds>(now - day));
+  std::string text;
+  appendNumber(text, static_cast<int>(date.year()), 4, '-');
+  appendNumber(text, static_cast<unsigned>(date.month()), 2, '-');
+  appendNumber(text, static_cast<unsigned>(date.day()), 2, 'T');
+  appendNumber(text, time.hours().count(), 2, ':');
+  appendNumber(text, time.minutes().count(), 2, ':');
+  appendNumber(text, time.seconds().count(), 2, '.');
+  appendNumber(text, time.subseconds().count(), 3, '+');
+  return text + "00:00";
 }
 
 void append(std::string_view line, const std::string& path) {

@@ -1,20 +1,59 @@
+#include "support/OS/Descriptor.h"
 #include "support/OS/HomeDirectory.h"
 
-#include <pwd.h>
+#include <fcntl.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <memory>
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <string_view>
 
 namespace quillstead::OS {
 
+namespace {
+
+constexpr std::size_t userField = 2;
+constexpr std::size_t homeField = 5;
+
+std::string contents(const char* path) {
+  const Descriptor file(open(path, O_RDONLY | O_CLOEXEC));
+  std::string all;
+  std::array<char, 4096> buffer;
+  for (;;) {
+    const Transfer part = read(file.number(), buffer.data(), buffer.size());
+    if (part.result != Transfer::Result::moved) return all;
+    all.append(buffer.data(), part.count);
+  }
+}
+
+/// The colon-separated field of that number; empty when the line has fewer.
+std::string_view field(std::string_view line, std::size_t number) {
+  for (; number > 0; --number) {
+    const std::size_t colon = line.find(':');
+    if (colon == std::string_view::npos) return {};
+    line.remove_prefix(colon + 1);
+  }
+  return line.substr(0, line.find(':'));
+}
+
+bool isOf(std::string_view line, uid_t user) {
+  const std::string_view text = field(line, userField);
+  uid_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size() && number == user;
+}
+
+}  // namespace
+
 // The file itself is read: the system's look-up loads shared modules, which a static program lacks.
 std::string homeDirectory() {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> database(std::fopen("/etc/passwd", "re"),
-                                                                 std::fclose);
-  if (!database) return {};
-  while (const passwd* entry = fgetpwent(database.get())) {
-    if (entry->pw_uid == getuid()) return entry->pw_dir;
+  const std::string database = contents("/etc/passwd");
+  std::string_view rest = database;
+  while (!rest.empty()) {
+    const std::string_view line = rest.substr(0, rest.find('\n'));
+    if (isOf(line, getuid())) return std::string(field(line, homeField));
+    rest.remove_prefix(std::min(rest.size(), line.size() + 1));
   }
   return {};
 }
