@@ -117,16 +117,18 @@ Clock::time_point endOf(Seconds leash) {
 class Supervisor {
  public:
   Supervisor(Started child, const Task& task, const OS::ExitWatch& watch)
-      : process_(child.process), streams_(std::move(child.streams)), task_(task), watch_(watch) {
-    closeInputWhenWritten();
-  }
+      : process_(child.process), streams_(std::move(child.streams)), task_(task), watch_(watch) {}
 
   ChildOutcome supervise() {
     const Clock::time_point end = endOf(task_.leash);
-    while (!hasEnded()) {
+    feed();  // an empty pipe takes most inputs whole
+    while (!hasEnded_) {
       const auto remaining = end - Clock::now();
-      if (remaining <= Clock::duration::zero()) return killed();
-      carry(remaining);
+      if (remaining > Clock::duration::zero()) {
+        carry(remaining);
+      } else if (!reap()) {
+        return killed();
+      }
     }
     while (streams_.output.isOpen() || streams_.error.isOpen()) carry(std::nullopt);
     return Exited{exitStatus(), std::move(output_), std::move(error_)};
@@ -150,7 +152,7 @@ class Supervisor {
     if (entries[errorEntry].revents != 0) drain(streams_.error, error_);
     if (entries[exitEntry].revents != 0) {
       watch_.acknowledge();
-      mayHaveEnded_ = true;
+      reap();
     }
     if (!output_.empty() && !firstOutputTold_) {
       firstOutputTold_ = true;
@@ -164,19 +166,13 @@ class Supervisor {
     return {.fd = isFull ? -1 : stream.number(), .events = POLLIN, .revents = 0};
   }
 
+  /// Writes what the child takes now, and closes its input when that was all or it takes no more.
   void feed() {
-    const OS::Transfer written = OS::write(streams_.input.number(), task_.input.substr(written_));
-    if (written.result == OS::Transfer::Result::notReady) return;
-    if (written.result == OS::Transfer::Result::moved) {
-      written_ += written.count;
-      closeInputWhenWritten();
-    } else {
-      streams_.input.close();
-    }
-  }
-
-  void closeInputWhenWritten() {
-    if (written_ == task_.input.size()) streams_.input.close();
+    const OS::Transfer part = OS::write(streams_.input.number(), task_.input.substr(written_));
+    if (part.result == OS::Transfer::Result::notReady) return;
+    written_ += part.count;
+    const bool isWritten = written_ == task_.input.size();
+    if (isWritten || part.result != OS::Transfer::Result::moved) streams_.input.close();
   }
 
   /// Reads once from a stream that has something, or closes it when it has ended.
@@ -191,19 +187,14 @@ class Supervisor {
     return part.result;
   }
 
-  /// Asks the system only when a child's end was reported, and before a leash is declared spent.
-  bool hasEnded() {
-    if (!hasEnded_ && mayHaveEnded_) hasEnded_ = reap();
-    mayHaveEnded_ = false;
-    return hasEnded_;
-  }
-
+  /// Whether the child has ended by now; takes its status when it has.
   bool reap() {
     pid_t reaped = 0;
     do {
       reaped = waitpid(process_, &waitStatus_, WNOHANG);
     } while (reaped < 0 && errno == EINTR);
-    return reaped != 0;
+    hasEnded_ = reaped == process_;
+    return hasEnded_;
   }
 
   [[nodiscard]] std::int32_t exitStatus() const {
@@ -229,7 +220,6 @@ class Supervisor {
   std::string output_;
   std::string error_;
   bool firstOutputTold_ = false;
-  bool mayHaveEnded_ = true;
   bool hasEnded_ = false;
   int waitStatus_ = 0;
 };

@@ -113,8 +113,7 @@ Descriptor openForAppending(const char* path) {
 }
 
 bool makeNonBlocking(const Descriptor& descriptor) {
-  const int flags = fcntl(descriptor.number(), F_GETFL);
-  return flags >= 0 && fcntl(descriptor.number(), F_SETFL, flags | O_NONBLOCK) == 0;
+  return fcntl(descriptor.number(), F_SETFL, O_NONBLOCK) == 0;
 }
 
 }  // namespace quillstead::OS

@@ -69,7 +69,7 @@ std::optional<Pipe> makePipe();
 /// refused).
 Descriptor openForAppending(const char* path);
 
-/// False when the descriptor is not open.
+/// For an end of a pipe of ours, which has no other flags to keep. False when it is not open.
 bool makeNonBlocking(const Descriptor& descriptor);
 
 }  // namespace quillstead::OS
