@@ -10,8 +10,8 @@
 /// What the two stamps at the pre-tool slot share: one sequence from the payload to the answer.
 namespace quillstead::PretoolAnswer {
 
-/// Gives the answer document to a payload's bytes, in whose memory it may be written; absent when the
-/// call is to be let through as it is.
+/// Gives the answer document to a payload's bytes, in whose memory it may be written; absent when
+/// the call is to be let through as it is.
 using AnswerTo = std::optional<std::string> (*)(std::string input);
 
 /// Puts the belt on, reads the payload, and prints the answer, or `{}` to let the call through.

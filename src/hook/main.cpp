@@ -2,8 +2,6 @@
 #include "hook/Hook.h"
 #include "support/OS/Environment.h"
 
-#include <unistd.h>
-
 #include <csignal>
 #include <span>
 
@@ -14,6 +12,5 @@ int main(int count, char** arguments) {
   FailOpenBelt::endQuietlyOnFailure();
 
   const std::span<char*> all(arguments, static_cast<std::size_t>(count));
-  const OS::Environment environment(environ);
-  return Hook::run(all.subspan(all.empty() ? 0 : 1), environment);
+  return Hook::run(all.subspan(all.empty() ? 0 : 1), OS::Environment::ofProcess());
 }

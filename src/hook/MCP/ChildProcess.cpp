@@ -1,6 +1,7 @@
 #include "hook/MCP/ChildProcess.h"
 
 #include "support/OS/Descriptor.h"
+#include "support/OS/Environment.h"
 #include "support/OS/ExitWatch.h"
 #include "support/OS/Poll.h"
 #include "support/OS/SpawnAttributes.h"
@@ -16,8 +17,6 @@
 #include <chrono>
 #include <csignal>
 #include <optional>
-
-extern "C" char** environ;  // NOLINT(readability-redundant-declaration): absent from macOS headers
 
 namespace quillstead::ChildProcess {
 
@@ -58,6 +57,7 @@ class SpawnSetUp {
     sigset_t all{};
     sigset_t none{};
     sigfillset(&all);
+    for (const int unchangeable : {SIGKILL, SIGSTOP}) sigdelset(&all, unchangeable);
     sigemptyset(&none);
     posix_spawnattr_setsigdefault(&attributes_, &all);
     posix_spawnattr_setsigmask(&attributes_, &none);
@@ -73,9 +73,10 @@ class SpawnSetUp {
   [[nodiscard]] std::optional<pid_t> spawn(const std::string& executable) const {
     if (!usable_) return std::nullopt;
     const std::array<char*, 2> arguments{const_cast<char*>(executable.c_str()), nullptr};
+    auto* const environment = const_cast<char* const*>(OS::Environment::ofProcess().entries());
     pid_t process = 0;
     const int error = posix_spawn(&process, executable.c_str(), &actions_, &attributes_,
-                                  arguments.data(), environ);
+                                  arguments.data(), environment);
     return error == 0 ? std::optional(process) : std::nullopt;
   }
 
@@ -198,7 +199,8 @@ class Supervisor {
   }
 
   [[nodiscard]] std::int32_t exitStatus() const {
-    return WIFSIGNALED(waitStatus_) ? -WTERMSIG(waitStatus_) : WEXITSTATUS(waitStatus_);
+    int status = waitStatus_;  // a copy, since Darwin's macros take no constant
+    return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
   }
 
   ChildOutcome killed() {

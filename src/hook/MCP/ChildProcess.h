@@ -32,7 +32,7 @@ namespace ChildProcess {
 
 /// Of each of its streams, the hook keeps this many bytes; a child that writes more is left waiting
 /// for its leash to run out.
-inline constexpr std::size_t longestOutput = std::size_t{32} * 1024 * 1024;
+inline constexpr std::size_t longestOutput = std::size_t{8} * 1024 * 1024;
 
 struct Task {
   std::string executable;  ///< a path, relative to the current directory when it is relative

@@ -18,12 +18,24 @@ bool isToolCallID(const JSON::Value* id) {
   return value >= 2 && value < 3;
 }
 
+/// A response holds some dozens of values; one with more than this is not worth the memory it
+/// takes.
+constexpr std::size_t mostValues = 1'000'000;
+
+/// False when no member of what the line holds can be called "id", however it is spelled: reading
+/// such a line would only take time.
+bool mayHaveID(std::string_view line) {
+  return line.find("\"id\"") != std::string_view::npos ||
+         line.find('\\') != std::string_view::npos || line.find('\0') != std::string_view::npos;
+}
+
 /// The first response to the tool call among the lines that the server wrote.
 std::optional<JSON::Object> toolCallResponse(std::string_view output) {
   while (!output.empty()) {
     const std::string_view line = output.substr(0, output.find('\n'));
     output.remove_prefix(std::min(line.size() + 1, output.size()));
-    std::optional<JSON::Value> document = JSON::read(line);
+    if (!mayHaveID(line)) continue;
+    std::optional<JSON::Value> document = JSON::read(line, mostValues);
     JSON::Object* const message = document ? document->object() : nullptr;
     if (message && isToolCallID(message->find("id"))) return std::move(*message);
   }

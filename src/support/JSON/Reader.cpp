@@ -14,7 +14,8 @@ namespace {
 /// ends and takes them; an object's keys wait there as texts, each before its value.
 class Builder {
  public:
-  explicit Builder(std::size_t documentSize) : bytesLeft_(documentSize) {}
+  Builder(std::size_t documentSize, std::size_t mostValues)
+      : bytesLeft_(documentSize), valuesLeft_(mostValues) {}
 
   static constexpr std::size_t max_object_size = static_cast<std::size_t>(-1);
   static constexpr std::size_t max_array_size = static_cast<std::size_t>(-1);
@@ -33,7 +34,7 @@ class Builder {
   static bool on_comment_part(Characters, Error&) { return true; }
   static bool on_comment(Characters, Error&) { return true; }
 
-  bool on_object_end(std::size_t count, Error&) {
+  bool on_object_end(std::size_t count, Error& error) {
     std::vector<Member> members;
     members.reserve(count);
     const std::size_t first = values_.size() - 2 * count;
@@ -41,37 +42,28 @@ class Builder {
       members.push_back({std::move(*values_[at].text()), std::move(values_[at + 1])});
     }
     values_.resize(first);
-    values_.emplace_back(Object(std::move(members)));
-    return true;
+    return add(Object(std::move(members)), error);
   }
 
-  bool on_array_end(std::size_t count, Error&) {
+  bool on_array_end(std::size_t count, Error& error) {
     const auto first = values_.end() - static_cast<std::ptrdiff_t>(count);
     Array elements(std::make_move_iterator(first), std::make_move_iterator(values_.end()));
     values_.erase(first, values_.end());
-    values_.emplace_back(std::move(elements));
-    return true;
+    return add(std::move(elements), error);
   }
 
   bool on_key_part(Characters part, std::size_t, Error&) { return gather(part); }
-  bool on_key(Characters part, std::size_t, Error&) { return finishText(part); }
+  bool on_key(Characters part, std::size_t, Error& error) { return add(finish(part), error); }
   bool on_string_part(Characters part, std::size_t, Error&) { return gather(part); }
-  bool on_string(Characters part, std::size_t, Error&) { return finishText(part); }
+  bool on_string(Characters part, std::size_t, Error& error) { return add(finish(part), error); }
 
   bool on_number_part(Characters part, Error&) { return gather(part); }
-  bool on_int64(std::int64_t, Characters part, Error&) { return finishNumber(part); }
-  bool on_uint64(std::uint64_t, Characters part, Error&) { return finishNumber(part); }
-  bool on_double(double, Characters part, Error&) { return finishNumber(part); }
+  bool on_int64(std::int64_t, Characters part, Error& error) { return addNumber(part, error); }
+  bool on_uint64(std::uint64_t, Characters part, Error& error) { return addNumber(part, error); }
+  bool on_double(double, Characters part, Error& error) { return addNumber(part, error); }
 
-  bool on_bool(bool boolean, Error&) {
-    values_.emplace_back(boolean);
-    return true;
-  }
-
-  bool on_null(Error&) {
-    values_.emplace_back(nullptr);
-    return true;
-  }
+  bool on_bool(bool boolean, Error& error) { return add(boolean, error); }
+  bool on_null(Error& error) { return add(nullptr, error); }
 
  private:
   /// A long text gets room for all that the document can still hold, instead of being moved again
@@ -91,25 +83,29 @@ class Builder {
     return std::exchange(pending_, {});
   }
 
-  bool finishText(Characters part) {
-    values_.emplace_back(finish(part));
-    return true;
+  bool addNumber(Characters part, Error& error) {
+    return add(Number::fromText(finish(part)), error);
   }
 
-  bool finishNumber(Characters part) {
-    values_.emplace_back(Number::fromText(finish(part)));
+  bool add(Value value, Error& error) {
+    if (valuesLeft_-- == 0) {
+      error = boost::json::error::array_too_large;
+      return false;
+    }
+    values_.push_back(std::move(value));
     return true;
   }
 
   std::vector<Value> values_;
   std::string pending_;  ///< what has come of a text or number that the parser hands over in parts
-  std::size_t bytesLeft_;  ///< at least what the rest of the document takes when decoded
+  std::size_t bytesLeft_;   ///< at least what the rest of the document takes when decoded
+  std::size_t valuesLeft_;  ///< how many more values the document may hold
 };
 
-std::optional<Value> readUTF8(std::string_view bytes) {
+std::optional<Value> readUTF8(std::string_view bytes, std::size_t mostValues) {
   boost::json::parse_options options;
   options.max_depth = maximumDepth;
-  boost::json::basic_parser<Builder> parser(options, bytes.size());
+  boost::json::basic_parser<Builder> parser(options, bytes.size(), mostValues);
   boost::json::error_code error;
   const std::size_t consumed = parser.write_some(false, bytes.data(), bytes.size(), error);
   if (error || consumed != bytes.size()) return std::nullopt;
@@ -121,13 +117,13 @@ std::optional<Value> readUTF8(std::string_view bytes) {
 
 }  // namespace
 
-std::optional<Value> read(std::string_view bytes) {
+std::optional<Value> read(std::string_view bytes, std::size_t mostValues) {
   const auto [encoding, markLength] = detectEncoding(bytes);
   bytes.remove_prefix(markLength);
-  if (encoding == Encoding::utf8) return readUTF8(bytes);
+  if (encoding == Encoding::utf8) return readUTF8(bytes, mostValues);
 
   const std::optional<std::string> utf8 = toUTF8(bytes, encoding);
-  return utf8 ? readUTF8(*utf8) : std::nullopt;
+  return utf8 ? readUTF8(*utf8, mostValues) : std::nullopt;
 }
 
 }  // namespace quillstead::JSON

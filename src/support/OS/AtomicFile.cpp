@@ -36,6 +36,9 @@ bool writeNew(const Descriptor& directory, const std::string& name, std::string_
 }  // namespace
 
 Outcome create(const Descriptor& directory, const std::string& name, std::string_view bytes) {
+  if (faccessat(directory.number(), name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
+    return Outcome::exists;  // spares the writing; the renaming below decides
+  }
   const std::string temporary = temporaryName();
   int error = 0;
   if (!writeNew(directory, temporary, bytes)) {

@@ -5,8 +5,10 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 
 namespace quillstead::OS {
 
@@ -30,6 +32,9 @@ void waitForRoom(int descriptor) {
   poll(&room, 1, -1);
 }
 
+/// macOS refuses to move more than this at once.
+constexpr std::size_t mostAtOnce = INT_MAX;
+
 /// `number`, or a copy above the standard streams' numbers when it is one of those.
 Descriptor aboveStandardStreams(int number) {
   Descriptor descriptor(number);
@@ -45,11 +50,12 @@ void Descriptor::close() {
 }
 
 Transfer read(int descriptor, char* buffer, std::size_t capacity) {
-  return transfer([&] { return ::read(descriptor, buffer, capacity); });
+  return transfer([&] { return ::read(descriptor, buffer, std::min(capacity, mostAtOnce)); });
 }
 
 Transfer write(int descriptor, std::string_view bytes) {
-  return transfer([&] { return ::write(descriptor, bytes.data(), bytes.size()); });
+  return transfer(
+      [&] { return ::write(descriptor, bytes.data(), std::min(bytes.size(), mostAtOnce)); });
 }
 
 bool writeAll(int descriptor, std::string_view bytes) {
@@ -71,6 +77,7 @@ bool writeAll(int descriptor, std::string_view bytes) {
 }
 
 bool writeLine(int descriptor, std::string_view text) {
+  if (text.size() >= mostAtOnce) return writeAll(descriptor, text) && writeAll(descriptor, "\n");
   while (!text.empty()) {
     const std::array<iovec, 2> pieces{iovec{const_cast<char*>(text.data()), text.size()},
                                       iovec{const_cast<char*>("\n"), 1}};

@@ -26,9 +26,7 @@ Listing openListing(const Descriptor& directory) {
   return listing;
 }
 
-bool mayBeFile(const dirent& entry) {
-  return entry.d_type == DT_REG || entry.d_type == DT_UNKNOWN;
-}
+bool mayBeFile(const dirent& entry) { return entry.d_type == DT_REG || entry.d_type == DT_UNKNOWN; }
 
 bool isDirectory(const std::string& path) {
   struct stat status {};
@@ -63,6 +61,7 @@ bool forEachFile(const Descriptor& directory, std::string_view suffix,
 }
 
 bool makeDirectories(const std::string& path, mode_t mode) {
+  if (isDirectory(path)) return true;
   for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
        slash = path.find('/', slash + 1)) {
     mkdir(path.substr(0, slash).c_str(), mode);  // whether it helped shows at the end

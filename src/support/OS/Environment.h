@@ -9,11 +9,16 @@ namespace quillstead::OS {
 /// for it. The strings belong to the process and outlive every use.
 class Environment {
  public:
+  /// The environment of this process.
+  static Environment ofProcess();
+
   /// `entries`: "NAME=value" strings, the list ended by a null pointer.
   explicit Environment(const char* const* entries) : entries_(entries) {}
 
   /// The value of the first entry of that name; absent when there is none, empty when it is empty.
   [[nodiscard]] std::optional<std::string_view> value(std::string_view name) const;
+
+  [[nodiscard]] const char* const* entries() const { return entries_; }
 
  private:
   const char* const* entries_;

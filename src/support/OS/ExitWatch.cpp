@@ -48,8 +48,10 @@ ExitWatch::~ExitWatch() {
 }
 
 void ExitWatch::acknowledge() const {
-  std::array<char, 64> noted{};
-  while (read(descriptor(), noted.data(), noted.size()).result == Transfer::Result::moved) {
+  // Read on only behind a full buffer: there must be no wait even where the pipe could not be made
+  // non-blocking.
+  std::array<char, 4096> noted;
+  while (read(descriptor(), noted.data(), noted.size()).count == noted.size()) {
   }
 }
 

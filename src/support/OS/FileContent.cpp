@@ -20,6 +20,7 @@ NoContent reasonNotOpened(int error) {
     case ELOOP:
       return NoContent::symbolicLink;
     case ENXIO:
+    case EOPNOTSUPP:  // a socket, on macOS
     case ENODEV:
       return NoContent::notAFile;
     default:

@@ -20,7 +20,7 @@ enum class NoContent {
   symbolicLink,  ///< the name is one; it was not followed
   notAFile,      ///< a directory, a pipe, a device
   tooLarge,
-  unreadable,    ///< no permission, or an error while reading
+  unreadable,  ///< no permission, or an error while reading
 };
 
 /// Reads the whole file `name` in `directory` when it is a regular file of at most `limit` bytes.

@@ -4,8 +4,9 @@ namespace quillstead::OS {
 
 FileStamp fileStamp(const struct stat& status) {
   constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
-  return {.size = status.st_size,
-          .modified = status.st_mtimespec.tv_sec * nanosecondsPerSecond + status.st_mtimespec.tv_nsec};
+  return {
+      .size = status.st_size,
+      .modified = status.st_mtimespec.tv_sec * nanosecondsPerSecond + status.st_mtimespec.tv_nsec};
 }
 
 }  // namespace quillstead::OS

@@ -1,5 +1,6 @@
 #include "support/OS/OwnExecutable.h"
 
+#include <crt_externs.h>
 #include <libproc.h>
 #include <mach-o/dyld.h>
 #include <unistd.h>
@@ -17,7 +18,9 @@ std::optional<std::string> ownExecutable() {
   // Longer than the buffer: the kernel knows the path of the main executable too.
   std::array<char, PROC_PIDPATHINFO_MAXSIZE> longPath{};
   if (proc_pidpath(getpid(), longPath.data(), longPath.size()) > 0) return longPath.data();
-  return std::nullopt;
+
+  const char* const firstArgument = **_NSGetArgv();
+  return firstArgument && *firstArgument ? std::optional<std::string>(firstArgument) : std::nullopt;
 }
 
 }  // namespace quillstead::OS

@@ -1,7 +1,9 @@
 #include "support/OS/Poll.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
+#include <thread>
 
 namespace quillstead::OS {
 
@@ -11,8 +13,14 @@ void waitForEvents(std::span<pollfd> descriptors, std::optional<std::chrono::nan
     const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(*atMost).count();
     limit = static_cast<int>(std::min<long long>(milliseconds, INT_MAX));
   }
-  if (poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), limit) > 0) return;
-  for (pollfd& descriptor : descriptors) descriptor.revents = 0;
+  const int ready = poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), limit);
+  if (ready > 0) return;
+  const bool isBlind = ready < 0 && errno != EINTR;
+  if (isBlind) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  for (pollfd& entry : descriptors) {
+    entry.revents = 0;
+    if (isBlind && entry.fd >= 0) entry.revents = entry.events;
+  }
 }
 
 }  // namespace quillstead::OS
