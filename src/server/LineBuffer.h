@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace quillstead {
+
+/// Takes bytes as they come and gives the lines they hold.
+class LineBuffer {
+ public:
+  /// A line longer than this is not kept.
+  explicit LineBuffer(std::size_t longestLine) : longestLine_(longestLine) {}
+
+  struct TooLong {};  ///< in the place of a line that was not kept
+  using Line = std::variant<std::string, TooLong>;
+
+  void add(std::string_view bytes) { bytes_.append(bytes); }
+
+  /// The next whole line, without its line feed; absent until there is one.
+  std::optional<Line> take();
+
+  /// What is left after the end of input, when it is anything.
+  std::optional<Line> takeRest();
+
+ private:
+  Line finished(std::size_t end);
+
+  std::size_t longestLine_;
+  std::string bytes_;
+  std::size_t start_ = 0;     ///< where the next line begins in `bytes_`
+  std::size_t searched_ = 0;  ///< no line feed lies between `start_` and here
+  bool overlong_ = false;     ///< the beginning of the current line was dropped
+};
+
+}  // namespace quillstead

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "server/Store/Scope.h"
+
+#include <string>
+
+/// What the user's rules.md files say.
+namespace quillstead::Rules {
+
+/// The personal rules, then the project's, a blank line between; empty when there are none. Safe to
+/// stand in a fence. A file that cannot be used is named with the reason instead.
+std::string read(const Scope& scope);
+
+}  // namespace quillstead::Rules

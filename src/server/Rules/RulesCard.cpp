@@ -1,0 +1,99 @@
+#include "server/Rules/RulesCard.h"
+
+#include "server/Rules/RuleBorders.h"
+#include "server/Rules/RulesIndex.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <vector>
+
+namespace quillstead::RulesCard {
+
+namespace {
+
+constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max() / 2;
+
+/// The part of a tight block that its index may claim before the rules are cut short: one in four.
+constexpr std::size_t indexShare = 4;
+
+struct Head {
+  Kind kind;
+  std::string text;
+};
+
+std::size_t less(std::size_t size, std::size_t taken) { return size > taken ? size - taken : 0; }
+
+std::string leftOut(std::size_t count) {
+  return "\n\n(" + std::to_string(count) + (count == 1 ? " more rule was" : " more rules were") +
+         " left out here; the tool `rules_get` gives all of them.)";
+}
+
+/// As many whole rules as fit, with the line that tells how many do not.
+std::optional<std::string> cut(std::string_view rules, std::size_t limit) {
+  const std::vector<std::size_t> borders = RuleBorders::of(rules);
+  for (std::size_t kept = less(borders.size(), 1); kept > 0; --kept) {
+    const std::string note = leftOut(borders.size() - kept);
+    const std::size_t length = borders[kept - 1];
+    if (length + note.size() <= limit) return std::string(rules.substr(0, length)) + note;
+  }
+  return std::nullopt;
+}
+
+Head pointer(std::string_view rules, std::size_t limit) {
+  const std::array<std::string, 3> wordings{
+      "The user's rules (" + std::to_string(rules.size()) +
+          " bytes) do not fit here. The tool `rules_get`, called without arguments, gives them.",
+      "The user's rules do not fit here; `rules_get` gives them.", "Rules: see `rules_get`."};
+  for (const std::string& wording : wordings) {
+    if (wording.size() <= limit) return {Kind::pointer, wording};
+  }
+  return {Kind::nothing, {}};
+}
+
+/// `limit`: bytes for the text between the fences.
+Head headWithin(std::string_view rules, std::size_t limit) {
+  if (rules.size() <= limit) return {Kind::whole, std::string(rules)};
+  if (auto text = cut(rules, limit)) return {Kind::cut, std::move(*text)};
+  return pointer(rules, limit);
+}
+
+}  // namespace
+
+Card made(std::string_view rules, const Titles& titles, const Ceilings& ceilings) {
+  const std::size_t room = less(ceilings.block.value_or(unlimited), RulesBlock::fenceSize);
+  const std::size_t headRoom = less(ceilings.head.value_or(unlimited), RulesBlock::fenceSize);
+
+  // Rules that fit beside a small index are not cut for the sake of a large one.
+  const std::size_t wanted = RulesIndex::rendered(titles, RulesIndex::ordinaryLimit).size();
+  const std::size_t reserved =
+      wanted == 0 ? 0 : std::min(wanted + RulesBlock::lineBeforeIndex, room / indexShare);
+  Head head = headWithin(rules, std::min(headRoom, less(room, reserved)));
+  if (head.kind != Kind::whole && rules.size() <= std::min(headRoom, room)) {
+    // Without its index the block holds all rules: they come first.
+    head = {Kind::whole, std::string(rules)};
+  }
+
+  const std::size_t left = less(room, head.text.size() + RulesBlock::lineBeforeIndex);
+  const bool fits = RulesBlock::fenceSize <=
+                    std::min(ceilings.block.value_or(unlimited), ceilings.head.value_or(unlimited));
+  const std::string index =
+      fits ? RulesIndex::rendered(titles, std::min(left, RulesIndex::ordinaryLimit)) : "";
+  return {.kind = head.kind, .block = RulesBlock::fenced(head.text, index)};
+}
+
+std::string_view nameOf(Kind kind) {
+  switch (kind) {
+    case Kind::whole:
+      return "whole";
+    case Kind::cut:
+      return "cut";
+    case Kind::pointer:
+      return "pointer";
+    case Kind::nothing:
+      break;
+  }
+  return "nothing";
+}
+
+}  // namespace quillstead::RulesCard

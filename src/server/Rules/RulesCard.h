@@ -1,0 +1,38 @@
+#pragma once
+
+#include "server/Index/Index.h"
+#include "server/Rules/RulesBlock.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The rules in as little room as a harness gives them.
+namespace quillstead::RulesCard {
+
+/// Bytes; absent is no limit.
+struct Ceilings {
+  std::optional<std::size_t> block;  ///< of all of the block
+  std::optional<std::size_t> head;   ///< of the block as it would be without its index
+};
+
+/// How much of the rules a card tells.
+enum class Kind {
+  whole,
+  cut,      ///< rules were left out at the end, and a line says so
+  pointer,  ///< no rule fits; it only tells how to get them
+  nothing,  ///< not even that fits
+};
+
+struct Card {
+  Kind kind;
+  RulesBlock block;  ///< within the ceilings, whatever they are
+};
+
+Card made(std::string_view rules, const Titles& titles, const Ceilings& ceilings);
+
+/// "whole", "cut", "pointer" or "nothing".
+std::string_view nameOf(Kind kind);
+
+}  // namespace quillstead::RulesCard

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillstead {
+
+/// One piece of memory, as its file tells it.
+struct Card {
+  std::string title;              ///< the first heading; without one, the file's name less ".md"
+  std::vector<std::string> tags;  ///< from the front matter
+  std::string body;  ///< the text below the front matter, without the title when it comes first
+
+  /// `text` is valid UTF-8. Line ends of the body become line feeds.
+  static Card parse(std::string_view text, std::string_view fileName);
+};
+
+/// `text` as one line: every run of white space and control characters one blank, none at the ends.
+std::string onOneLine(std::string_view text);
+
+}  // namespace quillstead

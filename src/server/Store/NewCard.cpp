@@ -1,0 +1,109 @@
+#include "server/Store/NewCard.h"
+
+#include "server/Store/Card.h"
+#include "server/Store/CardName.h"
+#include "server/Store/FrontMatter.h"
+#include "server/Store/Lines.h"
+#include "server/Store/Markdown.h"
+#include "server/Store/StoreFiles.h"
+#include "support/OS/AtomicFile.h"
+#include "support/Text/Text.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+
+namespace quillstead::NewCards {
+
+namespace {
+
+constexpr std::size_t longestTitleFromText = 80;  // characters
+constexpr unsigned mostAttempts = 10'000;
+
+std::string_view firstLine(std::string_view text) {
+  text = Text::trimmed(text);
+  return takeLine(text);
+}
+
+/// The text's own heading when it begins with one.
+std::optional<std::string_view> ownHeading(std::string_view text) {
+  const auto heading = Markdown::heading(firstLine(text));
+  return heading && !heading->empty() ? heading : std::nullopt;
+}
+
+std::string titleOf(const NewCard& card) {
+  if (card.title) {
+    std::string title = onOneLine(*card.title);
+    if (!title.empty()) return title;
+  }
+  if (const auto heading = ownHeading(card.text)) return onOneLine(*heading);
+  const std::string line = onOneLine(firstLine(card.text));
+  const std::string_view shortened = Text::firstCharacters(line, longestTitleFromText);
+  return shortened.size() < line.size() ? std::string(shortened) + "…" : line;
+}
+
+std::string timestamp(std::chrono::system_clock::time_point instant) {
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(instant);
+  std::tm parts{};
+  gmtime_r(&seconds, &parts);
+  std::array<char, sizeof "yyyy-mm-ddThh:mm:ssZ"> text{};
+  const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
+  return {text.data(), length};
+}
+
+void appendField(std::string& text, std::string_view key, const std::optional<std::string>& value) {
+  if (value) text.append(key).append(": ").append(FrontMatter::written(*value)).append("\n");
+}
+
+void appendTags(std::string& text, const std::vector<std::string>& tags) {
+  if (tags.empty()) return;
+  text += "tags: [";
+  for (const std::string& tag : tags) {
+    if (&tag != &tags.front()) text += ", ";
+    text += FrontMatter::written(tag);
+  }
+  text += "]\n";
+}
+
+}  // namespace
+
+std::string composed(const NewCard& card, std::chrono::system_clock::time_point created) {
+  const std::string title = titleOf(card);
+  std::string text = "---\n";
+  appendTags(text, card.tags);
+  text += "created: " + timestamp(created) + "\n";
+  appendField(text, "session", card.session);
+  appendField(text, "subagent", card.subagent);
+  text += "---\n\n";
+
+  const auto heading = ownHeading(card.text);
+  if (!heading || onOneLine(*heading) != title) text += "# " + title + "\n\n";
+  return text.append(Text::trimmed(card.text)).append("\n");
+}
+
+std::variant<AddedCard, NotAdded> add(const Store& store, const NewCard& card) {
+  const std::string text = Text::repaired(composed(card, std::chrono::system_clock::now()));
+  if (text.size() > StoreFiles::largestFile) return NotAdded{"the card is larger than 1 MiB"};
+  const OS::Descriptor cards = StoreFiles::makeCards(store);
+  if (!cards.isOpen()) {
+    return NotAdded{"the directory " + store.root + "/memory cannot be made or opened"};
+  }
+  OS::AtomicFile::removeLeftovers(cards);
+
+  const std::string title = titleOf(card);
+  for (unsigned attempt = 1; attempt <= mostAttempts; ++attempt) {
+    std::string name = CardName::fromTitle(title, attempt);
+    switch (OS::AtomicFile::create(cards, name, text)) {
+      case OS::AtomicFile::Outcome::created:
+        return AddedCard{.title = title, .fileName = std::move(name)};
+      case OS::AtomicFile::Outcome::exists:
+        break;
+      case OS::AtomicFile::Outcome::failed:
+        return NotAdded{"the file " + name + " cannot be written: " + std::strerror(errno)};
+    }
+  }
+  return NotAdded{"too many cards have this title"};
+}
+
+}  // namespace quillstead::NewCards

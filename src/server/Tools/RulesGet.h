@@ -1,0 +1,32 @@
+#pragma once
+
+#include "server/Tools/Arguments.h"
+#include "server/Tools/ToolReply.h"
+#include "support/OS/Environment.h"
+
+#include <string_view>
+
+/// The tool "rules_get": the rules that always hold, and what memory has.
+namespace quillstead::RulesGet {
+
+inline constexpr std::string_view description =
+    "The rules that always hold for this user and project, and the titles of the cards in "
+    "memory.";
+inline constexpr std::string_view schema = R"json({
+  "type": "object",
+  "properties": {
+    "cwd": {"type": "string",
+            "description": "Working directory; the nearest .quillstead above it is the project's"},
+    "session_id": {"type": "string"},
+    "transcript_path": {"type": "string"},
+    "card": {"type": "boolean", "description": "Give the rules as a card that may be cut"},
+    "card_ceiling": {"type": "integer", "minimum": 1,
+                     "description": "Most bytes of the card"},
+    "card_head_ceiling": {"type": "integer", "minimum": 1,
+                          "description": "Most bytes of the card without its index of titles"}
+  }
+})json";
+
+ToolOutcome run(Arguments& arguments, const OS::Environment& environment);
+
+}  // namespace quillstead::RulesGet
