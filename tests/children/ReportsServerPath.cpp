@@ -1,0 +1,10 @@
+// Prints where the hook's code, running in this program, expects the memory server.
+#include "hook/MCP/MCPBinary.h"
+#include "support/OS/Descriptor.h"
+
+#include <unistd.h>
+
+int main() {
+  using namespace quillstead;
+  OS::writeAll(STDOUT_FILENO, MCPBinary::resolve(OS::Environment::ofProcess()));
+}

@@ -1,0 +1,6 @@
+// Neither reads nor writes, and never ends by itself.
+#include <unistd.h>
+
+int main() {
+  for (;;) pause();
+}

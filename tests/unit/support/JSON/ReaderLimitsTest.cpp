@@ -1,0 +1,161 @@
+#include "support/JSON/Reader.h"
+#include "support/JSON/Writer.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <vector>
+
+namespace quillstead::JSON {
+namespace {
+
+std::string times(std::size_t count, std::string_view text) {
+  const std::size_t size = count * text.size();
+  std::string all(text);
+  while (all.size() < size) all += all;
+  all.resize(size);
+  return all;
+}
+
+struct Nesting {
+  const char* name;
+  std::function<std::string(std::size_t depth)> document;
+};
+
+/// Arrays at even depths, objects at odd ones.
+std::string mixture(std::size_t depth) {
+  std::string opening;
+  std::string closing;
+  for (std::size_t i = 0; i < depth; ++i) {
+    opening += i % 2 == 0 ? "[" : "{\"a\":";
+    closing.insert(closing.begin(), i % 2 == 0 ? ']' : '}');
+  }
+  return opening + (depth % 2 == 0 ? "1" : "") + closing;
+}
+
+const std::vector<Nesting> nestings{
+    {"arrays", [](std::size_t depth) { return times(depth, "[") + times(depth, "]"); }},
+    {"arrays with values around",
+     [](std::size_t depth) { return times(depth, "[1,") + "2" + times(depth, ",{}]"); }},
+    {"objects",
+     [](std::size_t depth) { return times(depth - 1, "{\"a\":") + "{}" + times(depth - 1, "}"); }},
+    {"a mixture", mixture},
+};
+
+TEST(ReaderLimits, ReadsContainersNested512Deep) {
+  EXPECT_EQ(maximumDepth, 512U);
+  for (const std::size_t depth : {1U, 2U, 511U, 512U}) {
+    EXPECT_TRUE(read(nestings[0].document(depth))) << depth;
+    EXPECT_TRUE(read(nestings[2].document(depth))) << depth;
+    EXPECT_TRUE(read(mixture(depth))) << depth;
+  }
+  EXPECT_TRUE(read(nestings[1].document(511)));
+}
+
+TEST(ReaderLimits, RefusesContainersNested513Deep) {
+  for (const Nesting& nesting : nestings) {
+    SCOPED_TRACE(nesting.name);
+    EXPECT_FALSE(read(nesting.document(513)));
+    EXPECT_FALSE(read(nesting.document(5'000)));
+  }
+  EXPECT_FALSE(read(nestings[1].document(512))) << "the innermost braces are the 513th";
+}
+
+TEST(ReaderLimits, RefusesAMillionOpenBracketsInLittleStack) {
+  EXPECT_FALSE(read(times(1'000'000, "[")));
+  EXPECT_FALSE(read(times(1'000'000, "{\"a\":")));
+  EXPECT_FALSE(read(times(1'000'000, "[") + times(1'000'000, "]")));
+}
+
+TEST(ReaderLimits, WritesTheDeepestDocumentsBack) {
+  for (const Nesting& nesting : {nestings[0], nestings[2], nestings[3]}) {
+    SCOPED_TRACE(nesting.name);
+    const std::string document = nesting.document(512);
+    const std::optional<Value> value = read(document);
+    ASSERT_TRUE(value);
+    EXPECT_EQ(write(*value, Slashes::plain), document);
+  }
+}
+
+TEST(ReaderLimits, ReadsHugeFlatDocuments) {
+  constexpr std::size_t count = 50'000;
+  const std::optional<Value> array = read("[" + times(count, "1234,") + "1]");
+  ASSERT_TRUE(array && array->array());
+  EXPECT_EQ(array->array()->size(), count + 1);
+
+  std::string members = "{\"first\":0";
+  for (std::size_t i = 0; i < count; ++i) members += ",\"k" + std::to_string(i) + "\":[]";
+  const std::optional<Value> object = read(members + "}");
+  ASSERT_TRUE(object && object->object());
+  EXPECT_EQ(object->object()->size(), count + 1);
+  EXPECT_EQ(write(*object, Slashes::plain), members + "}");
+}
+
+TEST(ReaderLimits, ReadsATextOfMegabytes) {
+  const std::string text = times(500'000, "a\xC3\xA9/ ");
+  const std::optional<Value> value = read("[\"" + text + "\"]");
+  ASSERT_TRUE(value && value->array());
+  EXPECT_EQ(*value->array()->front().text(), text);
+}
+
+TEST(ReaderLimits, KeepsTheLastOfAHundredThousandRepeatedKeys) {
+  std::string document = "{\"before\":0";
+  for (int i = 0; i < 100'000; ++i) document += ",\"k\":" + std::to_string(i);
+  const std::optional<Value> value = read(document + ",\"after\":1}");
+  ASSERT_TRUE(value);
+  EXPECT_EQ(write(*value, Slashes::plain), R"({"before":0,"k":99999,"after":1})");
+}
+
+TEST(ReaderLimits, KeepsTheLastValuesOfManyKeysRepeated) {
+  constexpr int count = 10'000;
+  std::string document = "{\"k0\":0";
+  std::string expected = "{\"k0\":70000";
+  for (int i = 1; i < count; ++i) document += ",\"k" + std::to_string(i) + "\":0";
+  for (int i = 0; i < count; ++i) {
+    document += ",\"k" + std::to_string(i) + "\":" + std::to_string(70'000 + i);
+    if (i > 0) expected += ",\"k" + std::to_string(i) + "\":" + std::to_string(70'000 + i);
+  }
+  const std::optional<Value> value = read(document + "}");
+  ASSERT_TRUE(value);
+  EXPECT_EQ(write(*value, Slashes::plain), expected + "}");
+}
+
+TEST(ReaderLimits, ReadsMillionsOfValuesUnlessToldOtherwise) {
+  const std::optional<Value> value = read("[" + times(2'000'000, "1,") + "1]");
+  ASSERT_TRUE(value && value->array());
+  EXPECT_EQ(value->array()->size(), 2'000'001U);
+}
+
+TEST(ReaderLimits, RefusesMoreValuesThanAllowedKeysAndContainersCounted) {
+  const std::string document = R"({"a":[1,2],"b":{}})";  // the object, two keys, four values
+  EXPECT_TRUE(read(document, 7));
+  EXPECT_FALSE(read(document, 6));
+  EXPECT_FALSE(read("[]", 0));
+}
+
+TEST(ReaderLimits, KeepsNumbersOfAThousandDigitsAsTheyAre) {
+  for (const std::string& number :
+       {"1" + times(999, "7"), "-" + times(1000, "9"), "0." + times(1000, "3"),
+        times(1000, "5") + "." + times(1000, "1") + "e-1000", "1" + times(1000, "0"),
+        "0." + times(1000, "0") + "1", "1e" + times(1000, "0") + "1"}) {
+    SCOPED_TRACE(number);
+    const std::optional<Value> value = read("[" + number + "]");
+    ASSERT_TRUE(value);
+    EXPECT_EQ(write(*value, Slashes::plain), "[" + number + "]");
+  }
+}
+
+TEST(ReaderLimits, KeepsExponentsOf32BitsAndRefusesLongerOnes) {
+  for (const std::string_view exponent : {"2147483647", "-2147483647", "+2147483647"}) {
+    const std::string document = "[1e" + std::string(exponent) + "]";
+    const std::optional<Value> value = read(document);
+    ASSERT_TRUE(value) << document;
+    EXPECT_EQ(write(*value, Slashes::plain), document);
+  }
+  for (const std::string_view exponent : {"2147483649", "-2147483649", "99999999999"}) {
+    EXPECT_FALSE(read("[1e" + std::string(exponent) + "]")) << exponent;
+  }
+}
+
+}  // namespace
+}  // namespace quillstead::JSON
