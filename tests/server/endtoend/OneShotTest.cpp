@@ -1,0 +1,123 @@
+#include "server/endtoend/ProgramRun.h"
+#include "server/helpers/MemoryStage.h"
+#include "unit/helpers/JSONValues.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillstead::servertest {
+
+namespace {
+
+using ::testing::HasSubstr;
+
+constexpr std::string_view handshake =
+    R"({"jsonrpc":"2.0","id":1,"method":"initialize","params":{"protocolVersion":"2024-11-05",)"
+    R"("capabilities":{},"clientInfo":{"name":"codex","version":"1"}}})";
+
+ProgramEnd served(const MemoryStage& stage, const std::string& input) {
+  return ProgramRun({.executable = serverProgram(),
+                     .arguments = {},
+                     .environment = stage.environment(),
+                     .input = input})
+      .finish();
+}
+
+std::vector<std::string> linesOf(const std::string& output) {
+  std::vector<std::string> lines;
+  std::size_t begin = 0;
+  for (std::size_t end = output.find('\n'); end != std::string::npos;
+       end = output.find('\n', begin)) {
+    lines.push_back(output.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  EXPECT_EQ(begin, output.size()) << "a line without its end";
+  return lines;
+}
+
+TEST(OneShot, AnswersBothRequestsBeforeItExits) {
+  const MemoryStage stage;
+  stage.writeProjectCard("a.md", "# A\n\nheron");
+  const std::string arguments = R"({"prompt":"heron","cwd":)" + jsonText(stage.project()) + "}";
+  const std::string requests =
+      std::string(handshake) + "\n" + callRequest(2, "memory_get_relevant", arguments);
+  for (const std::string& input : {requests + "\n", requests}) {
+    const ProgramEnd end = served(stage, input);
+    EXPECT_EQ(end.status, 0);
+    EXPECT_EQ(end.error, "");
+    const std::vector<std::string> lines = linesOf(end.output);
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_THAT(lines[0], HasSubstr(R"("protocolVersion":"2024-11-05")"));
+    EXPECT_THAT(answerIn(lines[1]).text, HasSubstr("## A\n"));
+  }
+}
+
+TEST(OneShot, EndsWellWithoutAnyRequest) {
+  const MemoryStage stage;
+  for (const char* const input : {"", "\n", "\n\n  \n"}) {
+    const ProgramEnd end = served(stage, input);
+    EXPECT_EQ(end.status, 0);
+    EXPECT_EQ(end.output, "");
+  }
+}
+
+TEST(OneShot, AnswersEverythingBetweenGarbage) {
+  const MemoryStage stage;
+  std::string input;
+  constexpr int count = 200;
+  for (int number = 0; number < count; ++number) {
+    input +=
+        "{garbage\n" +
+        callRequest(number, "memory_add", R"({"text":"Fact )" + std::to_string(number) + R"("})") +
+        "\n\xFF\xFE\n";
+  }
+  const ProgramEnd end = served(stage, input);
+  EXPECT_EQ(end.status, 0);
+  const std::vector<std::string> lines = linesOf(end.output);
+  ASSERT_EQ(lines.size(), 3U * count);
+  for (std::size_t number = 0; number < count; ++number) {
+    EXPECT_FALSE(answerIn(lines[3 * number + 1]).isError);
+  }
+}
+
+TEST(OneShot, WorksWithoutAUsableHome) {
+  MemoryStage stage;
+  stage.set("XDG_CACHE_HOME", stage.path("cache"));
+  stage.set("QUILLSTEAD_HOME", stage.path("chosen"));
+  stage.writeProjectCard("a.md", "# A\n\nheron");
+  const std::string request =
+      callRequest(2, "rules_get", R"({"cwd":)" + jsonText(stage.project()) + "}");
+  for (const bool isSet : {true, false}) {
+    if (isSet) {
+      stage.set("HOME", "");
+    } else {
+      stage.unset("HOME");
+    }
+    const ProgramEnd end = served(stage, request);
+    EXPECT_EQ(end.status, 0);
+    EXPECT_THAT(end.output, HasSubstr("Memory holds 1 card"));
+  }
+}
+
+TEST(OneShot, TellsItsVersionAndUse) {
+  const MemoryStage stage;
+  const auto told = [&](const std::string& argument) {
+    return ProgramRun({.executable = serverProgram(),
+                       .arguments = {argument},
+                       .environment = stage.environment(),
+                       .input = {}})
+        .finish();
+  };
+  EXPECT_THAT(told("--version").output, ::testing::MatchesRegex("quillstead-mcp [0-9.]+\n"));
+  EXPECT_THAT(told("--help").output, HasSubstr("takes no arguments"));
+  EXPECT_EQ(told("--wrong").status, 2);
+  EXPECT_EQ(told("--wrong").output, "");
+}
+
+}  // namespace
+
+}  // namespace quillstead::servertest

@@ -1,0 +1,51 @@
+#include "server/Store/Card.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string_view>
+
+namespace quillstead {
+
+namespace {
+
+TEST(Card, TakesItsTitleFromTheFirstHeading) {
+  struct Case {
+    std::string_view text;
+    std::string_view title;
+    std::string_view body;
+  };
+  for (const Case& one : {Case{"# T\n\nbody\n", "T", "body"},
+                          {"before\n## Later\nafter", "Later", "before\n## Later\nafter"},
+                          {"```\n# code\n```\n# Real\n", "Real", "```\n# code\n```\n# Real"},
+                          {"#\n# Second\nb", "Second", "#\n# Second\nb"},
+                          {"no heading", "file", "no heading"},
+                          {"", "file", ""},
+                          {"---\ntags: a\n---\n# T\r\n\r\none\r\ntwo\r\n", "T", "one\ntwo"},
+                          {"# Ein   Ölfleck\t\n", "Ein Ölfleck", ""}}) {
+    SCOPED_TRACE(one.text);
+    const Card card = Card::parse(one.text, "file.md");
+    EXPECT_EQ(card.title, one.title);
+    EXPECT_EQ(card.body, one.body);
+  }
+}
+
+TEST(Card, ReadsItsTags) {
+  EXPECT_THAT(Card::parse("---\ntags: [x, y]\n---\n# T\n", "f.md").tags,
+              ::testing::ElementsAre("x", "y"));
+}
+
+TEST(Card, PutsTextOnOneLine) {
+  EXPECT_EQ(onOneLine("  a \n\t b\x01"
+                      "c\u2028d "),
+            "a b c d");
+  EXPECT_EQ(onOneLine("\n"), "");
+  EXPECT_EQ(onOneLine("a\xFF"
+                      "b"),
+            "a\uFFFD"
+            "b");
+}
+
+}  // namespace
+
+}  // namespace quillstead

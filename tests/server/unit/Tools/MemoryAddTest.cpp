@@ -1,0 +1,103 @@
+#include "server/helpers/MemoryStage.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace quillstead::servertest {
+
+namespace {
+
+using ::testing::HasSubstr;
+
+TEST(MemoryAdd, WritesACardThatTheNextPromptRecalls) {
+  const MemoryStage stage;
+  const Answer added = stage.call(
+      "memory_add",
+      R"({"text":"Ducks – naïve ones","title":"Ente","tags":["a","b"],"_quillstead_session":"s 1"})");
+  EXPECT_FALSE(added.isError);
+  EXPECT_EQ(added.metaText("quillstead/store"), "project");
+  EXPECT_EQ(added.metaText("quillstead/file"), "ente.md");
+  EXPECT_THAT(
+      unit::contentsOf(stage.path("project/.quillstead/memory/ente.md")),
+      ::testing::MatchesRegex("---\ntags: \\[a, b\\]\ncreated: [0-9TZ:-]+\nsession: s 1\n---\n\n"
+                              "# Ente\n\nDucks – naïve ones\n"));
+  EXPECT_THAT(stage.recalled("ducks"), ::testing::ElementsAre("Ente"));
+}
+
+TEST(MemoryAdd, RecordsWhoAdds) {
+  const MemoryStage stage;
+  (void)stage.call("memory_add", R"({"text":"x","title":"T","_quillstead_subagent":"a7"})");
+  EXPECT_THAT(unit::contentsOf(stage.path("project/.quillstead/memory/t.md")),
+              HasSubstr("\nsubagent: a7\n"));
+}
+
+TEST(MemoryAdd, GoesWhereItIsTold) {
+  MemoryStage stage;
+  EXPECT_EQ(
+      stage.call("memory_add", R"({"text":"a","store":"personal"})").metaText("quillstead/store"),
+      "personal");
+  EXPECT_EQ(unit::contentsOf(stage.path("home/.quillstead/memory/a.md")).substr(0, 4), "---\n");
+
+  const std::string outside = R"("cwd":)" + jsonText(stage.path("home"));
+  EXPECT_EQ(
+      stage.call("memory_add", R"({"text":"b",)" + outside + "}").metaText("quillstead/store"),
+      "personal");
+  const Answer refused =
+      stage.call("memory_add", R"({"text":"c","store":"project",)" + outside + "}");
+  EXPECT_TRUE(refused.isError);
+  EXPECT_THAT(refused.text, HasSubstr("There is no project here"));
+
+  stage.set("QUILLSTEAD_HOME", stage.path("chosen"));
+  (void)stage.call("memory_add", R"({"text":"d","store":"personal"})");
+  EXPECT_TRUE(std::filesystem::exists(stage.path("chosen/memory/d.md")));
+}
+
+TEST(MemoryAdd, LeavesNothingElseBehind) {
+  const MemoryStage stage;
+  (void)stage.call("memory_add", R"({"text":"x"})");
+  int files = 0;
+  for (const auto& entry :
+       std::filesystem::directory_iterator(stage.path("project/.quillstead/memory"))) {
+    EXPECT_EQ(entry.path().filename(), "x.md");
+    ++files;
+  }
+  EXPECT_EQ(files, 1);
+}
+
+TEST(MemoryAdd, SaysWhyItCouldNot) {
+  const MemoryStage stage;
+  stage.write("project/.quillstead/memory", "a file in the way");
+  const Answer answer = stage.call("memory_add", R"({"text":"x"})");
+  EXPECT_TRUE(answer.isError);
+  EXPECT_THAT(answer.text, HasSubstr("Not remembered: the directory"));
+
+  const Answer huge = stage.call(
+      "memory_add", R"({"store":"personal","text":")" + std::string(1'100'000, 'x') + "\"}");
+  EXPECT_TRUE(huge.isError);
+  EXPECT_THAT(huge.text, HasSubstr("larger than 1 MiB"));
+}
+
+TEST(MemoryAdd, RefusesArgumentsOfAWrongKind) {
+  const MemoryStage stage;
+  for (const char* const arguments :
+       {"{}", R"({"text":""})", R"({"text":" \n"})", R"({"text":5})", R"({"text":"a\u0000b"})",
+        R"({"text":"x","title":5})", R"({"text":"x","tags":5})", R"({"text":"x","tags":[5]})",
+        R"({"text":"x","store":"both"})", R"({"text":"x","_quillstead_session":5})"}) {
+    EXPECT_EQ(stage.call("memory_add", arguments).errorCode, -32602) << arguments;
+  }
+  EXPECT_FALSE(std::filesystem::exists(stage.path("project/.quillstead/memory")));
+}
+
+TEST(MemoryAdd, TakesTagsAsOneText) {
+  const MemoryStage stage;
+  (void)stage.call("memory_add", R"({"text":"x","tags":" a , ,b "})");
+  EXPECT_THAT(unit::contentsOf(stage.path("project/.quillstead/memory/x.md")),
+              HasSubstr("tags: [a, b]\n"));
+}
+
+}  // namespace
+
+}  // namespace quillstead::servertest
