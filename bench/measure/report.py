@@ -1,0 +1,266 @@
+"""Measures everything and prints it as Markdown. Run by scripts/bench, which builds what it needs.
+
+    report.py BUILD PEERS     BUILD: the build directory; PEERS: bench/peers with its node modules
+"""
+
+import os
+import platform
+import shutil
+import subprocess
+import sys
+import tempfile
+from dataclasses import dataclass, field
+
+import counts
+import parts
+import payloads
+import runs
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+SIZES = {"0.5 KB": 512, "10 KB": 10_000, "1 MB": 1_000_000, "100 MB": 100_000_000}
+# Rounds of the hook beside its floor, and of both beside the peers.
+ROUNDS = {"0.5 KB": (1000, 20), "10 KB": (1000, 20), "1 MB": (200, 10), "100 MB": (9, 2)}
+RECALL_ROUNDS = (500, 10)
+CARDS = 1000
+HOOK, FLOOR = "quillstead-hook", "floor"
+
+
+@dataclass
+class Place:
+    """Where things are, and what has been found out so far."""
+    build: str
+    peers: str
+    work: str
+    environment: dict
+    targets: list = field(default_factory=list)
+
+    def program(self, name):
+        return os.path.join(self.build, "bench", name)
+
+    def hook(self, *arguments):
+        return [os.path.join(self.build, "bin", HOOK), *arguments]
+
+    def file(self, name, content):
+        path = os.path.join(self.work, name)
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(content)
+        return path
+
+    def alternate(self, rounds, payload, commands, more=None, **ways):
+        return runs.alternate(self.program("TimesRuns"), rounds, payload, commands,
+                              self.environment | (more or {}), self.work, **ways)
+
+    def target(self, what, wanted, figure, met):
+        self.targets.append((what, wanted, figure, "met" if met else "**not met**"))
+
+
+def table(heading, rows):
+    print("\n| " + " | ".join(heading) + " |\n|" + " --- |" * len(heading))
+    for row in rows:
+        print("| " + " | ".join(str(cell) for cell in row) + " |")
+
+
+def shown(seconds):
+    for unit, size in (("s", 1), ("ms", 1e-3), ("µs", 1e-6)):
+        if seconds >= size:
+            return f"{seconds / size:.3g} {unit}"
+    return f"{seconds / 1e-9:.3g} ns"
+
+
+def interpreter(name):
+    """The interpreter itself, not a script that looks for it."""
+    ask = {"python3": ["python3", "-c", "import sys; print(sys.executable)"],
+           "node": ["node", "-p", "process.execPath"]}
+    return subprocess.run(ask[name], stdout=subprocess.PIPE, check=True, text=True).stdout.strip()
+
+
+def stamp_peers(place):
+    script = lambda name: os.path.join(place.peers, name)  # noqa: E731
+    return {"jq": [shutil.which("jq"), "-c", "-f", script("stamp.jq")],
+            "python3": [interpreter("python3"), script("stamp.py")],
+            "node": [interpreter("node"), script("stamp.mjs")]}
+
+
+def time_rows(what, times, floor):
+    return [(what, name, shown(one.median), shown(one.least),
+             f"{runs.ratio(one, floor):.2f}" if len(one.wall) == len(floor.wall) else
+             f"{one.median / floor.median:.0f}")
+            for name, one in times.items()]
+
+
+def pretool(place):
+    rows = []
+    for size, count in SIZES.items():
+        print(f"pre-tool run, {size}", file=sys.stderr)
+        payload = place.file("payload.json", payloads.tool_call(count))
+        pair = {FLOOR: [place.program("CopiesStdin")], HOOK: place.hook(*counts.PRETOOL)}
+        rounds, peer_rounds = ROUNDS[size]
+        times = place.alternate(rounds, payload, pair)
+        rows += time_rows(size, times, times[FLOOR])
+        peers = place.alternate(peer_rounds, payload, {HOOK: pair[HOOK]} | stamp_peers(place))
+        rows += time_rows(size, {n: t for n, t in peers.items() if n != HOOK}, times[FLOOR])
+        if size == "0.5 KB":
+            over_floor = runs.ratio(times[HOOK], times[FLOOR])
+            place.target("pre-tool run, 0.5 KB, wall time over the copying floor", "≤ 1.20",
+                         f"{over_floor:.2f}", over_floor <= 1.2)
+            for name, one in peers.items():
+                if name == HOOK:
+                    continue
+                faster = runs.ratio(one, peers[HOOK])
+                place.target(f"pre-tool run, 0.5 KB, times faster than {name}", "≥ 50",
+                             f"{faster:.0f}", faster >= 50)
+        if size == "100 MB":
+            rows += throughput(place, payload, count, pair)
+    print("\n### Pre-tool run")
+    table(("payload", "program", "median", "least", "times the floor"), rows)
+
+
+def throughput(place, payload, size, pair):
+    """The large payload once more from a file and to nowhere: what the process itself takes."""
+    alone = place.alternate(ROUNDS["100 MB"][0], payload, pair, input_by="file", output_by="null")
+    hook = alone[HOOK]
+    speed, memory = size / hook.median / 1e6, hook.peak_memory / size
+    place.target("100 MB payload from exec to exit, file to /dev/null", "≥ 400 MB/s",
+                 f"{speed:.0f} MB/s (best run {size / hook.least / 1e6:.0f}; "
+                 f"user {shown(hook.user)}, kernel {shown(hook.kernel)})", speed >= 400)
+    place.target("100 MB payload, peak memory over the payload", "≤ 2.2", f"{memory:.2f}",
+                 memory <= 2.2)
+    return time_rows("100 MB, file to /dev/null", alone, alone[FLOOR])
+
+
+def recall(place):
+    print("recall run", file=sys.stderr)
+    server = place.program("AnswersBothTools")
+    payload = place.file("prompt.json", payloads.prompt(place.work))
+    served = {"QUILLSTEAD_MCP_BIN": server}
+    pair = {FLOOR: [place.program("StartsServerTwice"), server], HOOK: place.hook(*counts.RECALL)}
+    rounds, peer_rounds = RECALL_ROUNDS
+    times = place.alternate(rounds, payload, pair, served)
+    over_floor = runs.ratio(times[HOOK], times[FLOOR])
+    place.target("recall run over the two-child floor, minimal server", "≤ 1.12",
+                 f"{over_floor:.2f}", over_floor <= 1.12)
+    peers = {"python3, subprocess": [interpreter("python3"), f"{place.peers}/recall.py", server],
+             "node, official SDK": [interpreter("node"), f"{place.peers}/recall.mjs", server]}
+    rows = time_rows("minimal", times | place.alternate(peer_rounds, payload, peers, served),
+                     times[FLOOR])
+    rows += recall_from_the_real_server(place)
+    print("\n### Recall run")
+    table(("server", "program", "median", "least", "times the floor"), rows)
+
+
+def recall_from_the_real_server(place):
+    server = os.path.join(place.build, "bin", "quillstead-mcp")
+    if not os.path.exists(server):
+        print("quillstead-mcp is not built: its recall run is left out", file=sys.stderr)
+        return []
+    store = os.path.join(place.work, "store")
+    subprocess.run([sys.executable, os.path.join(HERE, "..", "server", "make-store.py"), store,
+                    str(CARDS)], check=True, stdout=subprocess.DEVNULL)
+    served = {"QUILLSTEAD_MCP_BIN": server, "QUILLSTEAD_HOME": store,
+              "XDG_CACHE_HOME": os.path.join(place.work, "cache")}
+    payload = place.file("prompt.json", payloads.prompt(place.work))
+    pair = {FLOOR: [place.program("StartsServerTwice"), server], HOOK: place.hook(*counts.RECALL)}
+    place.alternate(20, payload, pair, served)  # the first ones fill the server's index
+    times = place.alternate(RECALL_ROUNDS[0] // 5, payload, pair, served)
+    return time_rows(f"quillstead-mcp, {CARDS} cards", times, times[FLOOR])
+
+
+def refusal(place):
+    print("refusal run", file=sys.stderr)
+    payload = place.file("prompt.json", payloads.prompt())
+    times = place.alternate(ROUNDS["0.5 KB"][0], payload, {
+        FLOOR: [place.program("CopiesStdin")], HOOK: place.hook(*counts.REFUSAL)})
+    print("\n### Refusal run")
+    table(("payload", "program", "median", "least", "times the floor"),
+          time_rows("0.4 KB", times, times[FLOOR]))
+
+
+def counted(place):
+    """Counts of the runs with small payloads, of the floors beside them and of the peers."""
+    print("counts", file=sys.stderr)
+    rows = []
+    with counts.Bench() as bench:
+        small = payloads.tool_call(512, bench.directory)
+        programs = counts.hook_runs(bench, place.hook()[0], place.program("AnswersBothTools"))
+        floor = bench.place(place.program("CopiesStdin"))
+        two_children = bench.place(place.program("StartsServerTwice"))
+        programs["floor: copies 0.5 KB"] = ([floor], small, {}, b"")
+        programs["floor: starts the server twice"] = (
+            [two_children, "./AnswersBothTools"], small, {}, b"")
+        full = {f"VARIABLE_{number}": "/some/where/or/other" for number in range(50)}
+        programs["pretool, 50 more variables"] = (*programs["pretool"][:2], full, b"")
+        for name, command in stamp_peers(place).items():
+            programs[f"{name}: stamps 0.5 KB"] = (command, small, {}, b"")
+        for name, (command, payload, environment, _) in programs.items():
+            rows.append(count_row(place, bench, name, command, payload, environment))
+    print("\n### Counts")
+    table(("run", "instructions in user space", "system calls, children's too",
+           "page faults, children's too", "peak memory"), rows)
+
+
+def count_row(place, bench, name, command, payload, environment):
+    is_peer = os.path.isabs(command[0])
+    instructions = None if is_peer else bench.least(bench.instructions, command, payload, environment)
+    if name == "pretool":
+        place.target("pre-tool run, 0.5 KB, instructions in user space", "≤ 120,000",
+                     f"{instructions:,}", instructions <= 120_000)
+    variables = {"PATH": "/usr/bin:/bin", "HOME": "/", "QUILLSTEAD_HOOK_LOG": "log"} | environment
+    once = runs.alternate(place.program("TimesRuns"), 5, place.file("counted.json", payload),
+                          {name: command}, variables, bench.directory)[name]
+    return (name, "" if is_peer else f"{instructions:,}",
+            bench.least(bench.system_calls, command, payload, environment),
+            once.page_faults, f"{once.peak_memory / 1e6:.1f} MB")
+
+
+def sizes(place):
+    binary = runs.size_without_symbols(place.hook()[0], place.work)
+    place.target("binary, stripped", "≤ 1.5 MB", f"{binary / 1e6:.2f} MB", binary <= 1.5e6)
+
+
+def in_process(place):
+    print("the parts, in one process", file=sys.stderr)
+    measured = parts.measured(place.program("measures-parts"))
+    rows = [(name, f"{points[0][0]:,} to {points[-1][0]:,}", shown(points[0][1]),
+             shown(points[-1][1]), f"{parts.exponent(points):.2f}")
+            for name, points in measured.items()]
+    print("\n### Parts, in one process")
+    table(("part", "sizes", "smallest", "largest", "fitted exponent"), rows)
+    for kind in ("text", "values"):
+        ours, nothing = dict(measured[f"read/{kind}"]), dict(measured[f"parseIntoNothing/{kind}"])
+        times = [ours[size] / nothing[size] for size in ours]
+        place.target(f"reading JSON over the library's parse into nothing, {kind}", "≤ 2",
+                     f"{min(times):.2f} to {max(times):.2f}", max(times) <= 2)
+    exponents = {name: parts.exponent(points) for name, points in measured.items()
+                 if not name.startswith("parseIntoNothing")}
+    steepest = max(exponents, key=exponents.get)
+    place.target("growth: the largest fitted exponent", "linear: ≤ 1.1, caches allowed for",
+                 f"{exponents[steepest]:.2f} ({steepest})", exponents[steepest] <= 1.1)
+
+
+def machine():
+    with open("/proc/cpuinfo", encoding="utf-8") as lines:
+        model = next((line.split(":")[1].strip() for line in lines if "model name" in line), "?")
+    memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES") / 2**30
+    print(f"{os.cpu_count()} cores of {model}, {memory:.0f} GiB, {platform.system()} "
+          f"{platform.release().split('-')[0]}, load {os.getloadavg()[0]:.1f} at the start.")
+
+
+def main(build, peers):
+    work = tempfile.mkdtemp(prefix="quillstead-bench-")
+    environment = {"PATH": os.environ["PATH"], "HOME": work,
+                   "QUILLSTEAD_HOOK_LOG": os.path.join(work, "log")}
+    place = Place(os.path.abspath(build), os.path.abspath(peers), work, environment)
+    try:
+        machine()
+        for measure in (pretool, recall, refusal, counted, sizes, in_process):
+            measure(place)
+        print("\n### Targets")
+        table(("what", "target", "measured", ""), place.targets)
+    finally:
+        shutil.rmtree(work)
+
+
+if __name__ == "__main__":
+    if len(sys.argv) != 3:
+        sys.exit(__doc__)
+    main(*sys.argv[1:])
