@@ -1,0 +1,38 @@
+// Any bytes as the payload of a prompt. QUILLSTEAD_FUZZ_HARNESS names the adapter, one a program.
+#include "Property.h"
+
+using namespace quillstead;
+
+namespace {
+
+void requireSound(const std::optional<std::string>& field) {
+  if (!field) return;
+  Fuzz::require(!Text::isBlank(*field), "an optional field is not blank");
+  Fuzz::require(Fuzz::isUTF8(*field), "a field is UTF-8");
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+  const std::string_view payload = Fuzz::bytes(data, size);
+  const HarnessAdapter& adapter = *Harnesses::named(QUILLSTEAD_FUZZ_HARNESS);
+  const std::optional<HookInput> input = adapter.parse(payload);
+  const std::optional<JSON::Value> document = JSON::read(payload);
+  const JSON::Object* const object = document ? document->object() : nullptr;
+
+  const bool isRefused =
+      !object || (adapter.name() == "claude-code" && object->find("cursor_version"));
+  Fuzz::require(input.has_value() != isRefused,
+                "every object is taken, but Cursor's by Claude Code");
+  if (!input) return 0;
+
+  const std::string* const prompt = JSON::textOf(object->find("prompt"));
+  Fuzz::require(input->prompt == (prompt ? *prompt : ""), "the prompt comes through as it is");
+  Fuzz::require(Fuzz::isUTF8(input->prompt), "the prompt is UTF-8");
+  requireSound(input->cwd);
+  requireSound(input->sessionID);
+  requireSound(input->transcriptPath);
+  Fuzz::require(Fuzz::contextIn(adapter, adapter.envelope(input->prompt)) == input->prompt,
+                "an answer carries the context unchanged");
+  return 0;
+}
