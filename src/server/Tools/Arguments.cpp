@@ -80,7 +80,7 @@ std::optional<Store::Kind> Arguments::store(std::string_view name) {
   for (const Store::Kind kind : {Store::Kind::project, Store::Kind::personal}) {
     if (*given == nameOf(kind)) return kind;
   }
-  complain(name, R"("project" or "personal"));
+  complain(name, R"("project" or "personal")");
   return std::nullopt;
 }
 

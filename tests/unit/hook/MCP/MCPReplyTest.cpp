@@ -165,6 +165,27 @@ TEST(MCPReply, CarriesTheMetadataFromWhereItWasFound) {
   }
 }
 
+TEST(MCPReply, FindsAnIdHoweverItIsSpelled) {
+  for (const char* id : {R"("id")", R"("\u0069d")", R"("i\u0064")", R"("\u0069\u0064")"}) {
+    EXPECT_EQ(
+        read(std::string("{") + id + R"(:2,"result":{"content":[{"type":"text","text":"A"}]}})"),
+        "[A] {} -")
+        << id;
+  }
+}
+
+TEST(MCPReply, GoesByTheLastOfARepeatedId) {
+  EXPECT_EQ(read(R"({"id":1,"id":2,"result":{"content":[{"type":"text","text":"A"}]}})"),
+            "[A] {} -");
+  EXPECT_EQ(read(R"({"id":2,"id":1,"result":{"content":[{"type":"text","text":"A"}]}})"),
+            "- {} no-envelope");
+}
+
+TEST(MCPReply, TakesAnIdInsideTheResponseForNone) {
+  EXPECT_EQ(read(R"({"params":{"id":2},"result":{"content":[{"type":"text","text":"A"}]}})"),
+            "- {} no-envelope");
+}
+
 TEST(MCPReply, NamesItsTwoReasons) {
   EXPECT_EQ(MCPReply::timeout, "timeout");
   EXPECT_EQ(MCPReply::noEnvelope, "no-envelope");

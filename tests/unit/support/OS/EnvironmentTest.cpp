@@ -33,6 +33,19 @@ TEST(Environment, PassesOverAnEntryWithoutAnEqualsSign) {
   EXPECT_EQ(Environment(entries).value("A"), "1");
 }
 
+TEST(Environment, IsThatOfTheProcessWhenAskedFor) {
+  const unit::ScopedVariable variable("QUILLSTEAD_TEST_MARK", "a mark");
+  EXPECT_EQ(Environment::ofProcess().value("QUILLSTEAD_TEST_MARK"), "a mark");
+}
+
+TEST(Environment, GivesItsEntriesAsTheyCame) {
+  const unit::EnvironmentOf entries{"A=1", "B=2"};
+  const Environment environment = entries;
+  EXPECT_STREQ(environment.entries()[0], "A=1");
+  EXPECT_STREQ(environment.entries()[1], "B=2");
+  EXPECT_EQ(environment.entries()[2], nullptr);
+}
+
 TEST(Environment, HasNothingWhenItIsEmpty) {
   const unit::EnvironmentOf entries{};
   EXPECT_EQ(Environment(entries).value("A"), std::nullopt);

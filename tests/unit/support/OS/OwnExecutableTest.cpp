@@ -1,7 +1,10 @@
 #include "support/OS/CanonicalPath.h"
 #include "support/OS/OwnExecutable.h"
+#include "unit/helpers/Files.h"
+#include "unit/helpers/Process.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -14,6 +17,17 @@ TEST(OwnExecutable, IsTheProgramThatRuns) {
   EXPECT_EQ(std::filesystem::path(*path).filename(), "quillstead-unit-tests");
   EXPECT_TRUE(canonicalPath(*path));
   EXPECT_EQ(path->front(), '/');
+}
+
+TEST(OwnExecutable, IsTheFirstArgumentWhereTheSystemCannotTell) {
+  const std::string commandLine = unit::contentsOf("/proc/self/cmdline");
+  const unit::TemporaryDirectory emptyRoot;
+  const unit::ForkedRun run = unit::inForkedProcess([&] {
+    if (chroot(emptyRoot.path().c_str()) != 0) _exit(77);
+    unit::print(ownExecutable().value_or("absent"));
+  });
+  if (run.status == 77) GTEST_SKIP() << "hiding /proc takes the right to change the root";
+  EXPECT_EQ(run.standardOutput, commandLine.c_str());
 }
 
 }  // namespace
