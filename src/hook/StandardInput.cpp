@@ -1,6 +1,7 @@
 #include "hook/StandardInput.h"
 
 #include "support/OS/Descriptor.h"
+#include "support/OS/LargeMemory.h"
 
 #include <unistd.h>
 
@@ -15,6 +16,7 @@ std::optional<std::string> readAll() {
     const OS::Transfer part = OS::read(STDIN_FILENO, buffer.data(), buffer.size());
     switch (part.result) {
       case OS::Transfer::Result::moved:
+        OS::makeRoom(all, part.count);
         all.append(buffer.data(), part.count);
         break;
       case OS::Transfer::Result::ended:

@@ -111,7 +111,8 @@ TEST_F(StampedInput, KeepsNumbersToTheLetter) {
       "100e-2",
       "0e0",
       "-0e-0",
-      "1e2147483647",
+      "1e2147483648",
+      "-1.5E-99999999999999999999",
       std::string(5'000, '7'),
       "0." + std::string(5'000, '3'),
   };
@@ -123,15 +124,6 @@ TEST_F(StampedInput, KeepsNumbersToTheLetter) {
     EXPECT_NE(expectGivenBack(call, "{" + members + "}").find(members), std::string::npos);
     const std::string array = "[" + members.substr(members.find(':') + 1, 1) + ",-0,1e300,0.10]";
     EXPECT_NE(expectGivenBack(call, R"({"a":)" + array + "}").find(array), std::string::npos);
-  }
-}
-
-TEST_F(StampedInput, LetsACallThroughUnstampedWhenAnExponentIsBeyondThirtyTwoBits) {
-  for (const ToolCall& call : toolCalls()) {
-    for (const std::string number :
-         {"1e2147483648", "1e99999999999", "-1.5E-99999999999999999999"}) {
-      EXPECT_EQ(answerTo(call, call.payload(R"({"n":)" + number + "}")), "{}\n");
-    }
   }
 }
 

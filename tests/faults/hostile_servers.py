@@ -122,7 +122,7 @@ def rules_replies():
     yield "unclosed brackets", b"[" * 5_000_000 + b"\n" + rules(), RULES_ONLY
     yield "a number of a million digits", rules(long=b"9" * 1_000_000), RULES_ONLY
     yield "a fraction of a million digits", rules(long=b"0." + b"9" * 1_000_000), RULES_ONLY
-    yield "an exponent of a million digits", rules(long=b"1e" + b"9" * 1_000_000), SILENT
+    yield "an exponent of a million digits", rules(long=b"1e" + b"9" * 1_000_000), RULES_ONLY
     yield "a hundred thousand keys", rules(
         keys=b"{" + b",".join(b'"%d":0' % number for number in range(100_000)) + b"}"), RULES_ONLY
     yield "one key a hundred thousand times", rules(

@@ -1,117 +1,245 @@
 #include "support/JSON/Reader.h"
 
 #include "support/JSON/Encoding.h"
+#include "support/OS/LargeMemory.h"
+#include "support/Text/Blocks.h"
+#include "support/Text/Text.h"
 
-#include <boost/json/basic_parser_impl.hpp>
-
-#include <iterator>
+#include <charconv>
 
 namespace quillstead::JSON {
 
 namespace {
 
-/// Builds values from the parser's events. Finished values wait on one stack until their container
-/// ends and takes them; an object's keys wait there as texts, each before its value.
-class Builder {
+/// How many bytes at the start of `text` stand in a document for themselves.
+std::size_t plainRun(std::string_view text) {
+  using Text::Blocks::Byte;
+  return Text::Blocks::runWithout(text, [](auto bytes) {
+    return (bytes < Byte{' '}) | (bytes == Byte{'"'}) | (bytes == Byte{'\\'}) |
+           (bytes >= Byte{0x80});
+  });
+}
+
+/// Reads a document from its start to its end, once. Every operation takes what it is named for off
+/// the rest of the document; false, with nothing to be trusted, when that is not what stands there.
+class Parser {
  public:
-  Builder(std::size_t documentSize, std::size_t mostValues)
-      : bytesLeft_(documentSize), valuesLeft_(mostValues) {}
+  Parser(std::string_view document, std::size_t mostValues)
+      : next_(document.data()), end_(next_ + document.size()), valuesLeft_(mostValues) {}
 
-  static constexpr std::size_t max_object_size = static_cast<std::size_t>(-1);
-  static constexpr std::size_t max_array_size = static_cast<std::size_t>(-1);
-  static constexpr std::size_t max_key_size = static_cast<std::size_t>(-1);
-  static constexpr std::size_t max_string_size = static_cast<std::size_t>(-1);
-
-  using Error = boost::json::error_code;
-  using Characters = boost::json::string_view;
-
-  Value take() { return std::move(values_.back()); }
-
-  static bool on_document_begin(Error&) { return true; }
-  static bool on_document_end(Error&) { return true; }
-  static bool on_object_begin(Error&) { return true; }
-  static bool on_array_begin(Error&) { return true; }
-  static bool on_comment_part(Characters, Error&) { return true; }
-  static bool on_comment(Characters, Error&) { return true; }
-
-  bool on_object_end(std::size_t count, Error& error) {
-    std::vector<Member> members;
-    members.reserve(count);
-    const std::size_t first = values_.size() - 2 * count;
-    for (std::size_t at = first; at < values_.size(); at += 2) {
-      members.push_back({std::move(*values_[at].text()), std::move(values_[at + 1])});
-    }
-    values_.resize(first);
-    return add(Object(std::move(members)), error);
+  bool document(Value& value) {
+    skipWhiteSpace();
+    if (!startsWith('{') && !startsWith('[')) return false;
+    if (!any(value)) return false;
+    skipWhiteSpace();
+    return next_ == end_;
   }
-
-  bool on_array_end(std::size_t count, Error& error) {
-    const auto first = values_.end() - static_cast<std::ptrdiff_t>(count);
-    Array elements(std::make_move_iterator(first), std::make_move_iterator(values_.end()));
-    values_.erase(first, values_.end());
-    return add(std::move(elements), error);
-  }
-
-  bool on_key_part(Characters part, std::size_t, Error&) { return gather(part); }
-  bool on_key(Characters part, std::size_t, Error& error) { return add(finish(part), error); }
-  bool on_string_part(Characters part, std::size_t, Error&) { return gather(part); }
-  bool on_string(Characters part, std::size_t, Error& error) { return add(finish(part), error); }
-
-  bool on_number_part(Characters part, Error&) { return gather(part); }
-  bool on_int64(std::int64_t, Characters part, Error& error) { return addNumber(part, error); }
-  bool on_uint64(std::uint64_t, Characters part, Error& error) { return addNumber(part, error); }
-  bool on_double(double, Characters part, Error& error) { return addNumber(part, error); }
-
-  bool on_bool(bool boolean, Error& error) { return add(boolean, error); }
-  bool on_null(Error& error) { return add(nullptr, error); }
 
  private:
-  /// A long text gets room for all that the document can still hold, instead of being moved again
-  /// and again as it grows. Memory that is never written to costs nothing.
-  bool gather(Characters part) {
-    constexpr std::size_t longText = 65'536;
-    const std::size_t size = pending_.size() + part.size();
-    if (size > longText && size > pending_.capacity()) pending_.reserve(std::max(size, bytesLeft_));
-    pending_.append(part.data(), part.size());
-    return true;
-  }
-
-  std::string finish(Characters part) {
-    gather(part);
-    bytesLeft_ -= std::min(bytesLeft_, pending_.size());
-    if (pending_.capacity() > 2 * pending_.size()) pending_.shrink_to_fit();
-    return std::exchange(pending_, {});
-  }
-
-  bool addNumber(Characters part, Error& error) {
-    return add(Number::fromText(finish(part)), error);
-  }
-
-  bool add(Value value, Error& error) {
-    if (valuesLeft_-- == 0) {
-      error = boost::json::error::array_too_large;
-      return false;
+  bool any(Value& value) {
+    if (next_ == end_ || valuesLeft_-- == 0) return false;
+    switch (*next_) {
+      case '{':
+        return object(value);
+      case '[':
+        return array(value);
+      case '"':
+        return text(value);
+      case 't':
+        value.emplace(true);
+        return skip("true");
+      case 'f':
+        value.emplace(false);
+        return skip("false");
+      case 'n':
+        value = Value(nullptr);
+        return skip("null");
+      default:
+        return number(value);
     }
-    values_.push_back(std::move(value));
+  }
+
+  bool object(Value& value) {
+    if (depth_++ == maximumDepth) return false;
+    std::vector<Member> members;
+    skip('{');
+    skipWhiteSpace();
+    if (!skip('}')) {
+      members.reserve(usualMembers);
+      do {
+        if (!member(members.emplace_back())) return false;
+      } while (skip(','));
+      if (!skip('}')) return false;
+    }
+    --depth_;
+    value.emplace(Object(std::move(members)));
     return true;
   }
 
-  std::vector<Value> values_;
-  std::string pending_;  ///< what has come of a text or number that the parser hands over in parts
-  std::size_t bytesLeft_;   ///< at least what the rest of the document takes when decoded
-  std::size_t valuesLeft_;  ///< how many more values the document may hold
+  bool member(Member& member) {
+    skipWhiteSpace();
+    if (valuesLeft_-- == 0 || !text(member.key)) return false;
+    skipWhiteSpace();
+    return skip(':') && element(member.value);
+  }
+
+  bool array(Value& value) {
+    if (depth_++ == maximumDepth) return false;
+    Array elements;
+    skip('[');
+    skipWhiteSpace();
+    if (!skip(']')) {
+      do {
+        if (!element(elements.emplace_back())) return false;
+      } while (skip(','));
+      if (!skip(']')) return false;
+    }
+    --depth_;
+    value.emplace(std::move(elements));
+    return true;
+  }
+
+  /// A value with the white space around it.
+  bool element(Value& value) {
+    skipWhiteSpace();
+    if (!any(value)) return false;
+    skipWhiteSpace();
+    return true;
+  }
+
+  bool text(Value& value) { return text(value.emplace(std::string())); }
+
+  bool text(std::string& decoded) {
+    if (!skip('"')) return false;
+    plainCharacters(decoded);
+    while (!skip('"')) {
+      if (!(startsWith('\\') ? escape(decoded) : characterBeyondASCII(decoded))) return false;
+      plainCharacters(decoded);
+    }
+    return true;
+  }
+
+  void plainCharacters(std::string& decoded) {
+    const std::size_t run = plainRun(rest());
+    OS::makeRoom(decoded, run, decoded.size() + rest().size());
+    decoded.append(next_, run);
+    next_ += run;
+  }
+
+  bool characterBeyondASCII(std::string& decoded) {
+    if (next_ == end_) return false;
+    const Text::Decoded character = Text::decodeFirst(rest());
+    if (!character.valid || character.character < 0x80) return false;
+    decoded.append(next_, character.length);
+    next_ += character.length;
+    return true;
+  }
+
+  bool escape(std::string& decoded) {
+    if (end_ - next_ < 2) return false;
+    const char letter = next_[1];
+    if (letter == 'u') return escapedCharacter(decoded);
+    const char meaning = meaningOf(letter);
+    if (meaning == 0) return false;
+    decoded += meaning;
+    next_ += 2;
+    return true;
+  }
+
+  /// Of a letter behind a backslash; 0 when it has none.
+  static char meaningOf(char letter) {
+    switch (letter) {
+      case 'b':
+        return '\b';
+      case 'f':
+        return '\f';
+      case 'n':
+        return '\n';
+      case 'r':
+        return '\r';
+      case 't':
+        return '\t';
+      case '"':
+      case '\\':
+      case '/':
+        return letter;
+      default:
+        return 0;
+    }
+  }
+
+  /// Of a character beyond U+FFFF both halves.
+  bool escapedCharacter(std::string& decoded) {
+    std::uint32_t character = 0;
+    if (!escapedUnit(character)) return false;
+    if (character >= 0xD800 && character <= 0xDBFF) {
+      std::uint32_t low = 0;
+      if (!escapedUnit(low) || low < 0xDC00 || low > 0xDFFF) return false;
+      character = 0x10000 + ((character - 0xD800) << 10U) + (low - 0xDC00);
+    }
+    return Text::appendCharacter(decoded, character);
+  }
+
+  bool escapedUnit(std::uint32_t& unit) {
+    constexpr std::ptrdiff_t digits = 4;
+    if (!skip("\\u") || end_ - next_ < digits) return false;
+    const char* const first = next_;
+    next_ += digits;
+    return std::from_chars(first, next_, unit, 16).ptr == next_;
+  }
+
+  bool number(Value& value) {
+    const char* const first = next_;
+    skip('-');
+    if (!skip('0') && !digits()) return false;
+    if (skip('.') && !digits()) return false;
+    if ((skip('e') || skip('E')) && !exponent()) return false;
+    value.emplace(Number::fromText(std::string(first, next_)));
+    return true;
+  }
+
+  bool exponent() {
+    if (!skip('+')) skip('-');
+    return digits();
+  }
+
+  bool digits() {
+    const char* const first = next_;
+    while (next_ != end_ && *next_ >= '0' && *next_ <= '9') ++next_;
+    return next_ != first;
+  }
+
+  void skipWhiteSpace() {
+    while (skip(' ') || skip('\n') || skip('\r') || skip('\t')) {
+    }
+  }
+
+  bool skip(char byte) {
+    if (!startsWith(byte)) return false;
+    ++next_;
+    return true;
+  }
+
+  bool skip(std::string_view word) {
+    if (!rest().starts_with(word)) return false;
+    next_ += word.size();
+    return true;
+  }
+
+  [[nodiscard]] bool startsWith(char byte) const { return next_ != end_ && *next_ == byte; }
+  [[nodiscard]] std::string_view rest() const { return {next_, end_}; }
+
+  static constexpr std::size_t usualMembers = 4;
+
+  const char* next_;
+  const char* end_;
+  std::size_t depth_ = 0;
+  std::size_t valuesLeft_;  ///< how many more values the document may hold, keys counted too
 };
 
 std::optional<Value> readUTF8(std::string_view bytes, std::size_t mostValues) {
-  boost::json::parse_options options;
-  options.max_depth = maximumDepth;
-  boost::json::basic_parser<Builder> parser(options, bytes.size(), mostValues);
-  boost::json::error_code error;
-  const std::size_t consumed = parser.write_some(false, bytes.data(), bytes.size(), error);
-  if (error || consumed != bytes.size()) return std::nullopt;
-
-  Value value = parser.handler().take();
-  if (!value.object() && !value.array()) return std::nullopt;
+  std::optional<Value> value(std::in_place);
+  if (!Parser(bytes, mostValues).document(*value)) value.reset();
   return value;
 }
 

@@ -17,9 +17,9 @@ inline constexpr std::size_t maximumDepth = 512;
 /// The bytes are UTF-8, or UTF-16 or UTF-32 in either byte order, with or without a byte order
 /// mark. Absent when they are not exactly one well-formed document: a top-level scalar, bytes after
 /// the document other than white space, invalid UTF-8, a surrogate escape without its partner,
-/// nesting deeper than `maximumDepth`, an exponent that does not fit 32 bits, or more values than
-/// `mostValues`, keys counted too. (A value takes some twenty times the memory of the two bytes
-/// that it may be in the document: limit them where the document's writer is not trusted.)
+/// nesting deeper than `maximumDepth`, or more values than `mostValues`, keys counted too. (A value
+/// takes some twenty times the memory of the two bytes that it may be in the document: limit them
+/// where the document's writer is not trusted.)
 std::optional<Value> read(std::string_view bytes,
                           std::size_t mostValues = std::numeric_limits<std::size_t>::max());
 

@@ -90,6 +90,13 @@ class Value {
   [[nodiscard]] std::string* text() { return std::get_if<std::string>(&data_); }
   [[nodiscard]] Object* object() { return std::get_if<Object>(&data_); }
 
+  /// Becomes `content`, which is a bool, `Number`, text, `Array` or `Object`, without a value of
+  /// its own in between.
+  template <typename Content>
+  Content& emplace(Content content) {
+    return data_.template emplace<Content>(std::move(content));
+  }
+
  private:
   std::variant<std::monostate, bool, Number, std::string, Array, Object> data_;
 };

@@ -1,10 +1,8 @@
 #include "support/JSON/Writer.h"
 
+#include "support/Text/Blocks.h"
 #include "support/Text/Text.h"
 
-#include <bit>
-#include <cstdint>
-#include <cstring>
 #include <utility>
 
 namespace quillstead::JSON {
@@ -12,29 +10,6 @@ namespace quillstead::JSON {
 namespace {
 
 bool isASCII(char character) { return static_cast<unsigned char>(character) < 0x80; }
-
-// Eight bytes of a text are looked at in one word: the first that has its top bit set in the result
-// is the first special one. (Those behind it may be set without being special.)
-using Word = std::uint64_t;
-static_assert(std::endian::native == std::endian::little, "the first byte is the lowest");
-
-constexpr Word inEveryByte(char byte) {
-  return static_cast<Word>(static_cast<unsigned char>(byte)) * 0x0101'0101'0101'0101;
-}
-
-constexpr Word below(Word word, char limit) { return (word - inEveryByte(limit)) & ~word; }
-
-constexpr Word equal(Word word, char byte) { return below(word ^ inEveryByte(byte), 1); }
-
-constexpr Word specialBytes(Word word, char escapedSlash) {
-  const Word found =
-      word | below(word, ' ') | equal(word, '"') | equal(word, '\\') | equal(word, escapedSlash);
-  return found & inEveryByte('\x80');
-}
-
-std::size_t firstByte(Word marked) {
-  return static_cast<std::size_t>(std::countr_zero(marked)) / 8;
-}
 
 class Writer {
  public:
@@ -90,19 +65,11 @@ class Writer {
 
   /// How many bytes at the start of `text` stand in a document as they are.
   [[nodiscard]] std::size_t plainRun(std::string_view text) const {
-    std::size_t run = 0;
-    for (; text.size() - run >= sizeof(Word); run += sizeof(Word)) {
-      Word word = 0;
-      std::memcpy(&word, text.data() + run, sizeof(Word));
-      const Word special = specialBytes(word, escapedSlash_);
-      if (special != 0) return run + firstByte(special);
-    }
-    while (run < text.size() && !isSpecial(text[run])) ++run;
-    return run;
-  }
-
-  [[nodiscard]] bool isSpecial(char byte) const {
-    return byte < ' ' || byte == '"' || byte == '\\' || byte == escapedSlash_ || !isASCII(byte);
+    using Text::Blocks::Byte;
+    return Text::Blocks::runWithout(text, [this](auto bytes) {
+      return (bytes < Byte{' '}) | (bytes == Byte{'"'}) | (bytes == Byte{'\\'}) |
+             (bytes == escapedSlash_) | (bytes >= Byte{0x80});
+    });
   }
 
   /// Writes the character that `text` begins with and gives the number of bytes it took there.
@@ -149,7 +116,8 @@ class Writer {
     }
   }
 
-  char escapedSlash_;  ///< a slash when it is escaped, else a character that always is
+  Text::Blocks::Byte
+      escapedSlash_;  ///< a slash when it is escaped, else a character that always is
   std::string out_;
 };
 

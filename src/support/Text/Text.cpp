@@ -1,5 +1,7 @@
 #include "support/Text/Text.h"
 
+#include "support/Text/Blocks.h"
+
 #include <utf8proc.h>
 
 #include <array>
@@ -53,6 +55,11 @@ std::size_t incompleteLength(std::string_view bytes) {
   return thirdContinues ? 3 : 2;
 }
 
+/// How many bytes at the start of `text` are ASCII.
+std::size_t asciiRun(std::string_view text) {
+  return Blocks::runWithout(text, [](auto bytes) { return bytes >= Blocks::Byte{0x80}; });
+}
+
 }  // namespace
 
 Decoded decodeFirst(std::string_view bytes) {
@@ -74,11 +81,12 @@ bool appendCharacter(std::string& text, std::uint32_t character) {
 }
 
 std::string repaired(std::string bytes) {
-  std::size_t valid = 0;
+  std::size_t valid = asciiRun(bytes);
   while (valid < bytes.size()) {
     const Decoded decoded = decodeFirst(std::string_view(bytes).substr(valid));
     if (!decoded.valid) break;
     valid += decoded.length;
+    valid += asciiRun(std::string_view(bytes).substr(valid));
   }
   if (valid == bytes.size()) return bytes;
 
