@@ -13,11 +13,16 @@ namespace {
 
 /// How many bytes at the start of `text` stand in a document for themselves.
 std::size_t plainRun(std::string_view text) {
-  using Text::Blocks::Byte;
-  return Text::Blocks::runWithout(text, [](auto bytes) {
+  namespace Blocks = Text::Blocks;
+  using Blocks::Byte;
+  return Blocks::bytesBefore(text, [](Blocks::Block bytes) {
     return (bytes < Byte{' '}) | (bytes == Byte{'"'}) | (bytes == Byte{'\\'}) |
            (bytes >= Byte{0x80});
   });
+}
+
+bool isWhiteSpace(char byte) {
+  return byte <= ' ' && (byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t');
 }
 
 /// Reads a document from its start to its end, once. Every operation takes what it is named for off
@@ -210,8 +215,7 @@ class Parser {
   }
 
   void skipWhiteSpace() {
-    while (skip(' ') || skip('\n') || skip('\r') || skip('\t')) {
-    }
+    while (next_ != end_ && isWhiteSpace(*next_)) ++next_;
   }
 
   bool skip(char byte) {

@@ -65,8 +65,9 @@ class Writer {
 
   /// How many bytes at the start of `text` stand in a document as they are.
   [[nodiscard]] std::size_t plainRun(std::string_view text) const {
-    using Text::Blocks::Byte;
-    return Text::Blocks::runWithout(text, [this](auto bytes) {
+    namespace Blocks = Text::Blocks;
+    using Blocks::Byte;
+    return Blocks::bytesBefore(text, [this](Blocks::Block bytes) {
       return (bytes < Byte{' '}) | (bytes == Byte{'"'}) | (bytes == Byte{'\\'}) |
              (bytes == escapedSlash_) | (bytes >= Byte{0x80});
     });

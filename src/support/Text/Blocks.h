@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -13,23 +14,32 @@ namespace quillstead::Text::Blocks {
 using Byte = unsigned char;
 using Block [[gnu::vector_size(16)]] = Byte;
 
-/// How many bytes at the start of `text` are not found by the test. It is given one byte, or a
-/// block of them, and made of comparisons joined by `|`:
-/// `[](auto bytes) { return (bytes == Byte{'"'}) | (bytes < Byte{' '}); }`.
+/// How many bytes of `block` come before the first one that is found.
 template <typename Test>
-std::size_t runWithout(std::string_view text, Test found) {
-  std::size_t run = 0;
-  for (; text.size() - run >= sizeof(Block); run += sizeof(Block)) {
-    Block block;
-    std::memcpy(&block, text.data() + run, sizeof block);
-    // A comparison of blocks sets every bit of the bytes for which it holds.
-    const auto [low, high] = std::bit_cast<std::array<std::uint64_t, 2>>(found(block));
-    if (low != 0) return run + static_cast<std::size_t>(std::countr_zero(low)) / 8;
-    if (high != 0) return run + 8 + static_cast<std::size_t>(std::countr_zero(high)) / 8;
-  }
+std::size_t bytesBefore(Block block, Test found) {
   static_assert(std::endian::native == std::endian::little, "the first byte is the lowest");
-  while (run < text.size() && !found(static_cast<Byte>(text[run]))) ++run;
-  return run;
+  // A comparison of blocks sets every bit of the bytes for which it holds.
+  const auto [first, second] = std::bit_cast<std::array<std::uint64_t, 2>>(found(block));
+  if (first != 0) return static_cast<std::size_t>(std::countr_zero(first)) / 8;
+  return sizeof first + static_cast<std::size_t>(std::countr_zero(second)) / 8;
+}
+
+/// How many bytes at the start of `text` come before the first one that is found. The test is given
+/// a block and made of comparisons joined by `|`:
+/// `[](Block bytes) { return (bytes == Byte{'"'}) | (bytes < Byte{' '}); }`.
+template <typename Test>
+std::size_t bytesBefore(std::string_view text, Test found) {
+  std::size_t before = 0;
+  Block block;
+  for (; text.size() - before >= sizeof block; before += sizeof block) {
+    std::memcpy(&block, text.data() + before, sizeof block);
+    const std::size_t inBlock = bytesBefore(block, found);
+    if (inBlock < sizeof block) return before + inBlock;
+  }
+  const std::size_t left = text.size() - before;
+  block = Block{};
+  if (left > 0) std::memcpy(&block, text.data() + before, left);
+  return before + std::min(left, bytesBefore(block, found));
 }
 
 }  // namespace quillstead::Text::Blocks

@@ -57,7 +57,7 @@ std::size_t incompleteLength(std::string_view bytes) {
 
 /// How many bytes at the start of `text` are ASCII.
 std::size_t asciiRun(std::string_view text) {
-  return Blocks::runWithout(text, [](auto bytes) { return bytes >= Blocks::Byte{0x80}; });
+  return Blocks::bytesBefore(text, [](Blocks::Block bytes) { return bytes >= Blocks::Byte{0x80}; });
 }
 
 }  // namespace

@@ -7,36 +7,36 @@
 namespace quillstead::Text::Blocks {
 namespace {
 
-std::size_t runWithoutQuotesAndControls(std::string_view text) {
-  return runWithout(text, [](auto bytes) { return (bytes == Byte{'"'}) | (bytes < Byte{' '}); });
+std::size_t bytesBeforeQuoteOrControl(std::string_view text) {
+  return bytesBefore(text, [](Block bytes) { return (bytes == Byte{'"'}) | (bytes < Byte{' '}); });
 }
 
-TEST(RunWithout, EndsAtTheFirstByteFoundWhereverItStands) {
+TEST(BytesBefore, EndsAtTheFirstByteFoundWhereverItStands) {
   for (std::size_t size = 1; size <= 70; ++size) {
     for (std::size_t place = 0; place < size; ++place) {
       for (const char found : {'"', '\0', '\x1F'}) {
         std::string text(size, 'a');
         text[place] = found;
-        EXPECT_EQ(runWithoutQuotesAndControls(text), place) << "of " << size;
+        EXPECT_EQ(bytesBeforeQuoteOrControl(text), place) << "of " << size;
         text.back() = '"';
-        EXPECT_EQ(runWithoutQuotesAndControls(text), place) << "of " << size;
+        EXPECT_EQ(bytesBeforeQuoteOrControl(text), place) << "of " << size;
       }
     }
   }
 }
 
-TEST(RunWithout, IsTheWholeTextWhenNothingIsFound) {
+TEST(BytesBefore, IsTheWholeTextWhenNothingIsFound) {
   for (std::size_t size = 0; size <= 70; ++size) {
-    EXPECT_EQ(runWithoutQuotesAndControls(std::string(size, 'a')), size);
+    EXPECT_EQ(bytesBeforeQuoteOrControl(std::string(size, 'a')), size);
   }
 }
 
-TEST(RunWithout, ComparesBytesAsNumbersFrom0To255) {
+TEST(BytesBefore, ComparesBytesAsNumbersFrom0To255) {
   for (unsigned limit = 0; limit < 256; ++limit) {
     const std::string text(17, static_cast<char>(limit));
     const std::size_t whole = text.size();
-    EXPECT_EQ(runWithoutQuotesAndControls(text), limit < ' ' || limit == '"' ? 0 : whole) << limit;
-    EXPECT_EQ(runWithout(text, [](auto bytes) { return bytes >= Byte{0x80}; }),
+    EXPECT_EQ(bytesBeforeQuoteOrControl(text), limit < ' ' || limit == '"' ? 0 : whole) << limit;
+    EXPECT_EQ(bytesBefore(text, [](Block bytes) { return bytes >= Byte{0x80}; }),
               limit >= 0x80 ? 0 : whole)
         << limit;
   }
