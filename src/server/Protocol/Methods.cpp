@@ -18,9 +18,8 @@ constexpr std::array<std::string_view, 4> versions{"2024-11-05", "2025-03-26", "
 
 constexpr std::string_view instructions =
     "Memory kept as plain Markdown files: rules that always hold, and cards, one piece of "
-    "knowledge "
-    "each. Call memory_get_relevant with what you are about to do, grab for one whole card, and "
-    "memory_add for what will be worth knowing in later sessions.";
+    "knowledge each. Call memory_get_relevant with what you are about to do, grab for one whole "
+    "card, and memory_add for what will be worth knowing in later sessions.";
 
 JSON::Value initialize(const JSON::Value& id, const JSON::Object& parameters) {
   const std::string* const wanted = JSON::textOf(parameters.find("protocolVersion"));

@@ -58,9 +58,11 @@ Head headWithin(std::string_view rules, std::size_t limit) {
   return pointer(rules, limit);
 }
 
-}  // namespace
+/// What comes short when rules and index do not both fit.
+enum class Shortened { index, rules };
 
-Card made(std::string_view rules, const Titles& titles, const Ceilings& ceilings) {
+Card within(std::string_view rules, const Titles& titles, const Ceilings& ceilings,
+            Shortened shortened) {
   const std::size_t room = less(ceilings.block.value_or(unlimited), RulesBlock::fenceSize);
   const std::size_t headRoom = less(ceilings.head.value_or(unlimited), RulesBlock::fenceSize);
 
@@ -69,10 +71,8 @@ Card made(std::string_view rules, const Titles& titles, const Ceilings& ceilings
   const std::size_t reserved =
       wanted == 0 ? 0 : std::min(wanted + RulesBlock::lineBeforeIndex, room / indexShare);
   Head head = headWithin(rules, std::min(headRoom, less(room, reserved)));
-  if (head.kind != Kind::whole && rules.size() <= std::min(headRoom, room)) {
-    // Without its index the block holds all rules: they come first.
-    head = {Kind::whole, std::string(rules)};
-  }
+  const bool fitsAlone = rules.size() <= std::min(headRoom, room);
+  if (shortened == Shortened::index && fitsAlone) head = {Kind::whole, std::string(rules)};
 
   const std::size_t left = less(room, head.text.size() + RulesBlock::lineBeforeIndex);
   const bool fits = RulesBlock::fenceSize <=
@@ -80,6 +80,19 @@ Card made(std::string_view rules, const Titles& titles, const Ceilings& ceilings
   const std::string index =
       fits ? RulesIndex::rendered(titles, std::min(left, RulesIndex::ordinaryLimit)) : "";
   return {.kind = head.kind, .block = RulesBlock::fenced(head.text, index)};
+}
+
+}  // namespace
+
+Card made(std::string_view rules, const Titles& titles, const Ceilings& ceilings) {
+  if (ceilings.head && !ceilings.block) {
+    // Who asks for the head alone to be short may take head and index apart, but also the block
+    // whole or not at all. So all of it stays within that size where this leaves both something.
+    const Ceilings same{.block = ceilings.head, .head = ceilings.head};
+    Card card = within(rules, titles, same, Shortened::rules);
+    if (card.block.indexSpan && (card.kind == Kind::whole || card.kind == Kind::cut)) return card;
+  }
+  return within(rules, titles, ceilings, Shortened::index);
 }
 
 std::string_view nameOf(Kind kind) {

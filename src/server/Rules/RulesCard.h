@@ -30,6 +30,8 @@ struct Card {
   RulesBlock block;  ///< within the ceilings, whatever they are
 };
 
+/// With a ceiling for the head alone, the whole block stays within it when that leaves room for
+/// rules and index.
 Card made(std::string_view rules, const Titles& titles, const Ceilings& ceilings);
 
 /// "whole", "cut", "pointer" or "nothing".

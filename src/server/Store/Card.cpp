@@ -24,6 +24,14 @@ std::optional<std::string_view> firstHeading(std::string_view text) {
   return std::nullopt;
 }
 
+std::string titleFrom(std::string_view fileName) {
+  const bool complete = fileName.ends_with(StoreFiles::cardSuffix);
+  const std::string_view stem =
+      fileName.substr(0, fileName.size() - (complete ? StoreFiles::cardSuffix.size() : 0));
+  std::string title = onOneLine(Text::repaired(std::string(stem)));
+  return title.empty() ? std::string(fileName) : title;
+}
+
 /// `text`, not blank, without its first line when that is the heading `title`.
 std::string_view withoutTitle(std::string_view text, std::string_view title) {
   std::string_view rest = text;
@@ -53,9 +61,7 @@ Card Card::parse(std::string_view text, std::string_view fileName) {
     card.title = onOneLine(*heading);
     body = withoutTitle(body, *heading);
   } else {
-    fileName.remove_suffix(
-        fileName.ends_with(StoreFiles::cardSuffix) ? StoreFiles::cardSuffix.size() : 0);
-    card.title = onOneLine(Text::repaired(std::string(fileName)));
+    card.title = titleFrom(fileName);
   }
   card.body = withLineFeeds(body);
   return card;

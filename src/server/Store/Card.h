@@ -8,7 +8,7 @@ namespace quillstead {
 
 /// One piece of memory, as its file tells it.
 struct Card {
-  std::string title;              ///< the first heading; without one, the file's name less ".md"
+  std::string title;  ///< the first heading; without one, the file's name, mostly less ".md"
   std::vector<std::string> tags;  ///< from the front matter
   std::string body;  ///< the text below the front matter, without the title when it comes first
 

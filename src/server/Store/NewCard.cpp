@@ -43,6 +43,14 @@ std::string titleOf(const NewCard& card) {
   return shortened.size() < line.size() ? std::string(shortened) + "…" : line;
 }
 
+/// The line that is read back as a heading of that title. A title that ends in "#" needs an end of
+/// its own, because a heading may be closed with that sign.
+std::string headingOf(const std::string& title) {
+  std::string line = "# " + title;
+  if (Markdown::heading(line) != title) line += " #";
+  return line;
+}
+
 std::string timestamp(std::chrono::system_clock::time_point instant) {
   const std::time_t seconds = std::chrono::system_clock::to_time_t(instant);
   std::tm parts{};
@@ -78,7 +86,7 @@ std::string composed(const NewCard& card, std::chrono::system_clock::time_point 
   text += "---\n\n";
 
   const auto heading = ownHeading(card.text);
-  if (!heading || onOneLine(*heading) != title) text += "# " + title + "\n\n";
+  if (!heading || onOneLine(*heading) != title) text += headingOf(title) + "\n\n";
   return text.append(Text::trimmed(card.text)).append("\n");
 }
 
@@ -87,7 +95,9 @@ std::variant<AddedCard, NotAdded> add(const Store& store, const NewCard& card) {
   if (text.size() > StoreFiles::largestFile) return NotAdded{"the card is larger than 1 MiB"};
   const OS::Descriptor cards = StoreFiles::makeCards(store);
   if (!cards.isOpen()) {
-    return NotAdded{"the directory " + store.root + "/memory cannot be made or opened"};
+    return NotAdded{"the directory " + store.root + "/memory " +
+                    (StoreFiles::cardsLeadOut(store) ? "is a symbolic link out of the store"
+                                                     : "cannot be made or opened")};
   }
   OS::AtomicFile::removeLeftovers(cards);
 

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 
 namespace quillstead {
 
@@ -51,6 +52,7 @@ bool isTrusted(const struct stat& found, const struct stat& workingDirectory) {
 
 /// `directory` and those above it, up to the first that holds a store.
 std::optional<Store> projectAbove(std::string directory, const std::vector<std::string>& personal) {
+  if (directory.size() >= PATH_MAX) return std::nullopt;  // there is no such directory
   struct stat workingDirectory {};
   if (stat(directory.c_str(), &workingDirectory) != 0) workingDirectory.st_uid = geteuid();
   for (;;) {

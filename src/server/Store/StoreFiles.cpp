@@ -78,6 +78,11 @@ OS::Descriptor makeCards(const Store& store) {
   return openCards(store);
 }
 
+bool cardsLeadOut(const Store& store) {
+  const std::string path = cardsPath(store);
+  return OS::canonicalPath(path).has_value() && !resolvedInside(store, path);
+}
+
 void forEachCard(const OS::Descriptor& cards,
                  const std::function<void(std::string_view name, OS::FileStamp stamp)>& visit) {
   if (!cards.isOpen()) return;

@@ -24,6 +24,9 @@ OS::Descriptor openCards(const Store& store);
 /// The same, made first where it is missing.
 OS::Descriptor makeCards(const Store& store);
 
+/// True when that directory is refused because it is a link out of the store.
+bool cardsLeadOut(const Store& store);
+
 /// The files that may be cards: regular, not hidden, no links. In no certain order; none when
 /// `cards` is not open.
 void forEachCard(const OS::Descriptor& cards,

@@ -23,6 +23,14 @@ std::optional<std::string> Arguments::text(std::string_view name) {
   return *value->text();
 }
 
+std::optional<std::string> Arguments::anyText(std::string_view name) {
+  const JSON::Value* const value = find(name);
+  if (!value) return std::nullopt;
+  if (value->text()) return *value->text();
+  complain(name, "a text");
+  return std::nullopt;
+}
+
 std::string Arguments::neededText(std::string_view name) {
   std::optional<std::string> given = text(name);
   if (given && !Text::isBlank(*given)) return std::move(*given);

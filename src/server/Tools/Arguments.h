@@ -18,7 +18,11 @@ class Arguments {
  public:
   explicit Arguments(const JSON::Object& arguments) : arguments_(arguments) {}
 
+  /// A text without zero characters.
   std::optional<std::string> text(std::string_view name);
+
+  /// A text that may hold anything.
+  std::optional<std::string> anyText(std::string_view name);
 
   /// A text that must be there and not blank.
   std::string neededText(std::string_view name);

@@ -67,6 +67,16 @@ std::vector<Store> storesFor(const Scope& scope, std::optional<Store::Kind> want
   return stores;
 }
 
+ToolReply notFound(std::string_view name, const std::vector<Store>& stores) {
+  std::string text = "There is no card \"" + onOneLine(name) + "\".";
+  for (const Store& store : stores) {
+    if (!StoreFiles::cardsLeadOut(store)) continue;
+    text += " Cards in " + store.root + "/memory were passed over: it is a symbolic link out of " +
+            "the store.";
+  }
+  return refusal(std::move(text));
+}
+
 /// The answer for a file of that name; absent when no store has one.
 std::optional<ToolReply> byFileName(const std::vector<Store>& stores, const std::string& name) {
   for (const Store& store : stores) {
@@ -111,7 +121,7 @@ ToolOutcome run(Arguments& arguments, const OS::Environment& environment) {
           byFileName(stores, complete ? name : name + std::string(StoreFiles::cardSuffix))) {
     return std::move(*reply);
   }
-  return refusal("There is no card \"" + onOneLine(name) + "\".");
+  return notFound(name, stores);
 }
 
 }  // namespace quillstead::Grab

@@ -9,7 +9,7 @@
 namespace quillstead::MemoryGetRelevant {
 
 ToolOutcome run(Arguments& arguments, const OS::Environment& environment) {
-  const std::optional<std::string> prompt = arguments.text("prompt");
+  const std::optional<std::string> prompt = arguments.anyText("prompt");
   const Scope scope = arguments.scope(environment);
   if (arguments.flaw()) return BadArguments{*arguments.flaw()};
   if (!prompt) return BadArguments{"prompt must be a text"};

@@ -16,8 +16,9 @@ enum class Outcome {
 
 /// Creates the file `name` in `directory` with these bytes and mode 0644 less the process's mask.
 /// Whoever looks sees either no such file or all of it, also when the process is killed on the way
-/// and when others create the same name at once: exactly one of them gets it. The bytes are on the
-/// disk when it returns.
+/// and when others create the same name at once: exactly one of them gets it. The bytes are
+/// handed to the disk before the name is there, so that a crash of the system leaves no torn file;
+/// what a loss of power leaves is up to the disk, which on macOS may still hold them in its cache.
 Outcome create(const Descriptor& directory, const std::string& name, std::string_view bytes);
 
 /// Removes what killed processes left half written in `directory`, when it is an hour old.

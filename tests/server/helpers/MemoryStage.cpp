@@ -103,9 +103,17 @@ std::vector<std::string> MemoryStage::recalled(std::string_view prompt) const {
   return titles;
 }
 
+std::string MemoryStage::indexPlace() {
+#if defined(__APPLE__)
+  return "home/Library/Caches/quillstead";
+#else
+  return "home/.cache/quillstead";
+#endif
+}
+
 std::string MemoryStage::indexFile() const {
   std::vector<std::string> files;
-  for (const auto& entry : std::filesystem::directory_iterator(path("home/.cache/quillstead"))) {
+  for (const auto& entry : std::filesystem::directory_iterator(path(indexPlace()))) {
     files.push_back(entry.path());
   }
   EXPECT_EQ(files.size(), 1U);

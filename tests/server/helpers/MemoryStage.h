@@ -56,6 +56,9 @@ class MemoryStage {
   /// The titles of the cards recalled for `prompt`, in their order.
   [[nodiscard]] std::vector<std::string> recalled(std::string_view prompt) const;
 
+  /// Where the indexes are, relative to the stage, unless the environment has chosen otherwise.
+  static std::string indexPlace();
+
   /// The path of the only index file; the test fails when there is not exactly one.
   [[nodiscard]] std::string indexFile() const;
 

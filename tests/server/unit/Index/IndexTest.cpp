@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <iterator>
 #include <string>
 
 namespace quillstead::servertest {
@@ -47,6 +48,18 @@ TEST_F(IndexTest, SeesAChangeOfTheSameSizeAtOnce) {
   for (int round = 0; round < 20; ++round) {
     const std::string word = "word" + std::to_string(10 + round);
     stage.writeProjectCard("a.md", "# T\n\n" + word);
+    EXPECT_THAT(stage.recalled(word), ElementsAre("T")) << word;
+  }
+}
+
+TEST_F(IndexTest, ReadsAFileOfTheSameSizeAndTimeAgainWhileItsClockMayNotHaveTicked) {
+  // A time of whole seconds, as file systems with coarse clocks give it.
+  using namespace std::chrono;
+  const auto now = fs::file_time_type::clock::now();
+  const auto soon = ceil<seconds>(now);
+  for (const char* const word : {"walrus", "badger"}) {
+    stage.writeProjectCard("a.md", std::string("# T\n\n") + word);
+    fs::last_write_time(stage.path("project/.quillstead/memory/a.md"), soon);
     EXPECT_THAT(stage.recalled(word), ElementsAre("T")) << word;
   }
 }
@@ -98,6 +111,27 @@ TEST_F(IndexTest, IsRebuiltHoweverItIsDamaged) {
     EXPECT_THAT(stage.recalled("walrus"), ElementsAre("A"));
     EXPECT_THAT(stage.call("rules_get").text, ::testing::HasSubstr("Memory holds 51 cards"));
     EXPECT_EQ(stage.call("grab", R"({"name":"A"})").text, "# A\n\nwalrus");
+    EXPECT_THAT(unit::contentsOf(file), ::testing::StartsWith("SQLite format 3"));
+  }
+}
+
+TEST_F(IndexTest, IsRebuiltWhenItsTablesAreAnothers) {
+  stage.writeProjectCard("a.md", "# A\n\nwalrus");
+  age();
+  ASSERT_THAT(stage.recalled("walrus"), ElementsAre("A"));
+  for (const char* const change :
+       {"DROP TABLE cards", "DROP TABLE state", "DROP TABLE files", "DELETE FROM cards_data",
+        "DROP TABLE cards; CREATE TABLE cards (title, tags, body)",
+        "DROP TABLE files; CREATE TABLE files (id, path)",
+        "DROP TABLE state; CREATE TABLE state (fingerprint, other NOT NULL)"}) {
+    SCOPED_TRACE(change);
+    ASSERT_TRUE(Database::open(stage.indexFile(), std::chrono::seconds(10)).run(change));
+    EXPECT_THAT(stage.recalled("walrus"), ElementsAre("A"));
+    Database index = Database::open(stage.indexFile(), std::chrono::seconds(10));
+    EXPECT_EQ(index.prepare("SELECT rowid FROM cards WHERE cards MATCH 'walrus'").step(),
+              Statement::Step::row);
+    EXPECT_EQ(index.prepare("SELECT id, store, name FROM files").step(), Statement::Step::row);
+    EXPECT_TRUE(index.run("BEGIN; INSERT OR REPLACE INTO state VALUES (1, 1); ROLLBACK"));
   }
 }
 
@@ -108,7 +142,7 @@ TEST_F(IndexTest, LivesInMemoryWhileItsPlaceCannotBeUsed) {
     stage.set("XDG_CACHE_HOME", stage.path(place));
     EXPECT_THAT(stage.recalled("walrus"), ElementsAre("A")) << place;
   }
-  stage.set("XDG_CACHE_HOME", "/proc/no-such-place");
+  stage.set("XDG_CACHE_HOME", "/dev/null/no-such-place");
   EXPECT_THAT(stage.recalled("walrus"), ElementsAre("A"));
 
   stage.set("XDG_CACHE_HOME", stage.path("cache"));
@@ -119,14 +153,16 @@ TEST_F(IndexTest, LivesInMemoryWhileItsPlaceCannotBeUsed) {
   EXPECT_THAT(stage.recalled("walrus"), ElementsAre("A"));
 }
 
-TEST_F(IndexTest, AnswersAsItWasWhileAnotherServerIsWriting) {
+TEST_F(IndexTest, WaitsForAnotherServersWritingAndThenAnswersAsItWas) {
   stage.writeProjectCard("a.md", "# A\n\nwalrus");
   EXPECT_THAT(stage.recalled("walrus"), ElementsAre("A"));
   stage.writeProjectCard("b.md", "# B\n\nwalrus");
   {
     Database other = Database::open(stage.indexFile(), std::chrono::seconds(10));
     ASSERT_TRUE(other.run("BEGIN IMMEDIATE"));
+    const auto start = std::chrono::steady_clock::now();
     EXPECT_THAT(stage.recalled("walrus"), ElementsAre("A"));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(300));
   }
   EXPECT_THAT(stage.recalled("walrus"), ElementsAre("A", "B"));
 }
@@ -149,8 +185,8 @@ TEST_F(IndexTest, IsWhereTheEnvironmentSays) {
     std::string place;
   };
   for (const Case& one :
-       {Case{stage.path("chosen"), "chosen/quillstead"}, Case{"", "home/.cache/quillstead"},
-        Case{"relative", "home/.cache/quillstead"}}) {
+       {Case{stage.path("chosen"), "chosen/quillstead"}, Case{"", MemoryStage::indexPlace()},
+        Case{"relative", MemoryStage::indexPlace()}}) {
     SCOPED_TRACE(one.chosen);
     stage.set("XDG_CACHE_HOME", one.chosen);
     EXPECT_THAT(stage.recalled("walrus"), ElementsAre("A"));
@@ -168,6 +204,8 @@ TEST_F(IndexTest, KeepsProjectsApart) {
   EXPECT_THAT(stage.call("memory_get_relevant", other).text,
               ::testing::AllOf(::testing::HasSubstr("## O"), ::testing::HasSubstr("## P"),
                                ::testing::Not(::testing::HasSubstr("## A"))));
+  const fs::directory_iterator indexes(stage.path(MemoryStage::indexPlace()));
+  EXPECT_EQ(std::distance(fs::begin(indexes), fs::end(indexes)), 2);
 }
 
 TEST_F(IndexTest, PassesOverWhatIsNoCard) {

@@ -93,6 +93,33 @@ TEST(RulesCard, PutsAllRulesBeforeTheIndexWhenOnlyOneFits) {
   EXPECT_FALSE(card.block.indexSpan);
 }
 
+TEST(RulesCard, KeepsAllOfItWithinACeilingForItsHeadAlone) {
+  const std::size_t ceiling = 2'000;
+  for (int count = 1; count < 60; ++count) {
+    SCOPED_TRACE(count);
+    const RulesCard::Card card =
+        RulesCard::made(rules(count), titles(20), {.block = {}, .head = ceiling});
+    EXPECT_LE(card.block.text.size(), ceiling);
+    EXPECT_TRUE(card.block.indexSpan);
+    const bool bothFit = rules(count).size() <= ceiling * 3 / 4 - RulesBlock::fenceSize;
+    if (bothFit) {
+      EXPECT_EQ(card.kind, RulesCard::Kind::whole);
+    }
+  }
+}
+
+TEST(RulesCard, MayExceedACeilingForItsHeadWithItsIndexOnly) {
+  // Where both cannot be had within it: rules that cannot be cut, and very little room.
+  const std::string text(1'900, 'x');
+  const RulesCard::Card card = RulesCard::made(text, titles(20), {.block = {}, .head = 2'000});
+  EXPECT_EQ(card.kind, RulesCard::Kind::whole);
+  EXPECT_TRUE(card.block.indexSpan);
+  const RulesCard::Card small = RulesCard::made(rules(9), titles(20), {.block = {}, .head = 200});
+  EXPECT_EQ(small.kind, RulesCard::Kind::cut);
+  EXPECT_TRUE(small.block.indexSpan);
+  EXPECT_LE(headSize(small.block), 200U);
+}
+
 TEST(RulesCard, LeavesAnIndexItsPartWhenRulesAreCutAnyway) {
   const RulesCard::Card card =
       RulesCard::made(rules(100), titles(50), {.block = 2'000, .head = {}});

@@ -30,6 +30,12 @@ TEST(Card, TakesItsTitleFromTheFirstHeading) {
   }
 }
 
+TEST(Card, HasATitleWhateverItsFileIsCalled) {
+  EXPECT_EQ(Card::parse("no heading", "a  b.md").title, "a b");
+  EXPECT_EQ(Card::parse("no heading", " .md").title, " .md");
+  EXPECT_EQ(Card::parse("no heading", "a\xFF.md").title, "a\uFFFD");
+}
+
 TEST(Card, ReadsItsTags) {
   EXPECT_THAT(Card::parse("---\ntags: [x, y]\n---\n# T\n", "f.md").tags,
               ::testing::ElementsAre("x", "y"));

@@ -42,7 +42,14 @@ TEST(NewCard, FindsATitleInItsText) {
                           {"# Own\n\nbody", "Given", "Given", "# Own\n\nbody"},
                           {"First line.\nSecond.", {}, "First line.", "First line.\nSecond."},
                           {"x", " \n ", "x", "x"},
-                          {"x", "two\nlines", "two lines", "x"}}) {
+                          {"x", "two\nlines", "two lines", "x"},
+                          {"x", "C#", "C#", "x"},
+                          {"x", "C #", "C #", "x"},
+                          {"x", "##", "##", "x"},
+                          {"x", "# x", "# x", "x"},
+                          {"# C #\n\nbody", {}, "C", "body"},
+                          {"---\nx", {}, "---", "---\nx"},
+                          {"x", "```", "```", "x"}}) {
     SCOPED_TRACE(one.text);
     const std::string text = NewCards::composed(
         {.text = one.text, .title = one.given, .tags = {}, .session = {}, .subagent = {}}, instant);
@@ -87,7 +94,9 @@ TEST(NewCard, IsRefusedWhenTheMemoryDirectoryLeadsOutOfTheStore) {
   std::filesystem::create_directory_symlink(directory / "elsewhere", directory / "store/memory");
   const auto outcome = NewCards::add(
       personal(directory), {.text = "x", .title = {}, .tags = {}, .session = {}, .subagent = {}});
-  EXPECT_TRUE(std::holds_alternative<NotAdded>(outcome));
+  ASSERT_TRUE(std::holds_alternative<NotAdded>(outcome));
+  EXPECT_THAT(std::get<NotAdded>(outcome).reason,
+              ::testing::EndsWith("/store/memory is a symbolic link out of the store"));
   EXPECT_TRUE(std::filesystem::is_empty(directory / "elsewhere"));
 }
 

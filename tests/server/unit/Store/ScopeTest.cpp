@@ -41,6 +41,12 @@ TEST_F(ScopeTest, FindsTheProjectInTheNearestDirectoryAbove) {
   }
 }
 
+TEST_F(ScopeTest, LooksForNothingAboveAPathThatNoDirectoryCanHave) {
+  std::string cwd = directory / "home/project";
+  while (cwd.size() < 5'000) cwd += "/a";
+  EXPECT_EQ(rootOf(Scope::find(unit::EnvironmentOf{home()}, cwd).project), "none");
+}
+
 TEST_F(ScopeTest, NeverTakesThePersonalStoreForAProject) {
   for (const std::string& chosen : {std::string(), directory / "elsewhere"}) {
     const unit::EnvironmentOf environment{home(), "QUILLSTEAD_HOME=" + chosen};

@@ -64,6 +64,19 @@ TEST(Grab, RefusesNamesThatLeaveTheStore) {
   }
 }
 
+TEST(Grab, SaysThatAMemoryDirectoryLeadsOutOfTheStore) {
+  const MemoryStage stage;
+  stage.write("elsewhere/a.md", "# A");
+  stage.writePersonalCard("b.md", "# B");
+  std::filesystem::create_directory_symlink("../../elsewhere",
+                                            stage.path("project/.quillstead/memory"));
+  const Answer answer = stage.call("grab", named("a"));
+  EXPECT_TRUE(answer.isError);
+  EXPECT_THAT(answer.text, ::testing::StartsWith("There is no card \"a\". Cards in "));
+  EXPECT_THAT(answer.text, HasSubstr("/project/.quillstead/memory were passed over"));
+  EXPECT_EQ(stage.call("grab", named("b")).text, "# B");
+}
+
 TEST(Grab, FollowsALinkWithinTheStore) {
   const MemoryStage stage;
   stage.writeProjectCard("a.md", "# A");

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 
@@ -65,6 +66,16 @@ TEST(MemoryAdd, LeavesNothingElseBehind) {
     ++files;
   }
   EXPECT_EQ(files, 1);
+}
+
+TEST(MemoryAdd, RemovesWhatAKilledServerLeftHalfWritten) {
+  const MemoryStage stage;
+  const std::string name = "project/.quillstead/memory/.quillstead-new-1-1.tmp";
+  stage.write(name, "half");
+  std::filesystem::last_write_time(
+      stage.path(name), std::filesystem::file_time_type::clock::now() - std::chrono::hours(2));
+  (void)stage.call("memory_add", R"({"text":"x"})");
+  EXPECT_FALSE(std::filesystem::exists(stage.path(name)));
 }
 
 TEST(MemoryAdd, SaysWhyItCouldNot) {

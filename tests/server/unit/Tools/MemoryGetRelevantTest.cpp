@@ -34,6 +34,16 @@ TEST(MemoryGetRelevant, IsEmptyWhenNothingMatches) {
   }
 }
 
+TEST(MemoryGetRelevant, TakesZeroCharactersInAPromptForBlanks) {
+  const MemoryStage stage;
+  stage.writeProjectCard("a.md", "# A\n\nheron");
+  for (const char* const prompt : {R"("\u0000heron")", R"("heron\u0000")", R"("a\u0000heron")"}) {
+    const Answer answer =
+        stage.call("memory_get_relevant", std::string(R"({"prompt":)") + prompt + "}");
+    EXPECT_EQ(answer.metaNumber("quillstead/cardCount"), 1) << prompt;
+  }
+}
+
 TEST(MemoryGetRelevant, NeedsAPrompt) {
   const MemoryStage stage;
   for (const char* const arguments : {"{}", R"({"prompt":5})", R"({"prompt":null})"}) {
