@@ -22,11 +22,7 @@ std::string hookExecutable();
 std::string childExecutable(std::string_view name);
 
 /// True when the tests, and with them the hook, were built with sanitizers.
-#if defined(__SANITIZE_ADDRESS__)
-inline constexpr bool isSanitized = true;
-#else
-inline constexpr bool isSanitized = false;
-#endif
+inline constexpr bool isSanitized = QUILLSTEAD_SANITIZED;
 
 /// How a harness starts the hook.
 struct HookStart {

@@ -17,6 +17,9 @@ const std::vector<std::size_t> allowances{0,      4,      16,     64,     132,  
 class MemoryShortage : public HookTest {
  protected:
   void SetUp() override {
+#if !defined(__linux__)
+    GTEST_SKIP() << "needs a system that limits a program's address space";
+#endif
     if (isSanitized) GTEST_SKIP() << "sanitizers reserve address space beyond any limit";
     least_ = leastAddressSpace();
   }

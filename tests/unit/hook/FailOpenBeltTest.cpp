@@ -272,9 +272,10 @@ TEST(FailOpenBelt, AnswersRunningOutOfMemory) {
 }
 
 TEST(FailOpenBelt, AnswersAnAllocationThatFails) {
-#if defined(__SANITIZE_ADDRESS__)
-  GTEST_SKIP() << "the sanitizer's allocator ends the program by itself";
-#else
+#if !defined(__linux__)
+  GTEST_SKIP() << "needs a system that limits a program's address space";
+#endif
+  if (QUILLSTEAD_SANITIZED) GTEST_SKIP() << "the sanitizer's allocator ends the program by itself";
   for (const auto& silence : withAndWithoutSilence) {
     const ForkedRun run = inForkedProcess([&] {
       endQuietlyOnFailure();
@@ -287,7 +288,6 @@ TEST(FailOpenBelt, AnswersAnAllocationThatFails) {
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.standardOutput, silence ? "{}\n" : "");
   }
-#endif
 }
 
 TEST(FailOpenBelt, AnswersAnExceptionThatNobodyCatches) {
