@@ -21,6 +21,9 @@ set(CMAKE_OSX_SYSROOT "")
 set(CMAKE_OSX_ARCHITECTURES "")
 set(CMAKE_OSX_DEPLOYMENT_TARGET "" CACHE STRING "In the compiler's target" FORCE)
 
+# CMake's trials only compile: this compiler makes its C++ library anew for each way to link.
+set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
+
 # A function that only a later macOS has is an error.
 set(CMAKE_CXX_FLAGS_INIT "-Werror=unguarded-availability")
 
