@@ -1,13 +1,10 @@
 #include "hook/MCP/ChildProcess.h"
 
 #include "support/OS/Descriptor.h"
-#include "support/OS/Environment.h"
 #include "support/OS/ExitWatch.h"
 #include "support/OS/Poll.h"
-#include "support/OS/SpawnAttributes.h"
+#include "support/OS/Spawn.h"
 
-#include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -43,53 +40,6 @@ struct Started {
   Streams streams;
 };
 
-/// What a child is started with: its descriptors, and signals as if nobody had touched them.
-class SpawnSetUp {
- public:
-  explicit SpawnSetUp(const ChildEnds& ends) {
-    usable_ = posix_spawn_file_actions_init(&actions_) == 0;
-    usable_ = posix_spawnattr_init(&attributes_) == 0 && usable_;
-    short flags = POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK;
-    usable_ = usable_ && redirect(ends.input, STDIN_FILENO) &&
-              redirect(ends.output, STDOUT_FILENO) && redirect(ends.error, STDERR_FILENO) &&
-              OS::keepOnlyStandardStreams(actions_, flags);
-
-    sigset_t all{};
-    sigset_t none{};
-    sigfillset(&all);
-    for (const int unchangeable : {SIGKILL, SIGSTOP}) sigdelset(&all, unchangeable);
-    sigemptyset(&none);
-    posix_spawnattr_setsigdefault(&attributes_, &all);
-    posix_spawnattr_setsigmask(&attributes_, &none);
-    posix_spawnattr_setflags(&attributes_, flags);
-  }
-  SpawnSetUp(const SpawnSetUp&) = delete;
-  SpawnSetUp& operator=(const SpawnSetUp&) = delete;
-  ~SpawnSetUp() {
-    posix_spawnattr_destroy(&attributes_);
-    posix_spawn_file_actions_destroy(&actions_);
-  }
-
-  [[nodiscard]] std::optional<pid_t> spawn(const std::string& executable) const {
-    if (!usable_) return std::nullopt;
-    const std::array<char*, 2> arguments{const_cast<char*>(executable.c_str()), nullptr};
-    auto* const environment = const_cast<char* const*>(OS::Environment::ofProcess().entries());
-    pid_t process = 0;
-    const int error = posix_spawn(&process, executable.c_str(), &actions_, &attributes_,
-                                  arguments.data(), environment);
-    return error == 0 ? std::optional(process) : std::nullopt;
-  }
-
- private:
-  bool redirect(const OS::Descriptor& from, int to) {
-    return posix_spawn_file_actions_adddup2(&actions_, from.number(), to) == 0;
-  }
-
-  posix_spawn_file_actions_t actions_{};
-  posix_spawnattr_t attributes_{};
-  bool usable_ = false;
-};
-
 std::optional<Started> start(const std::string& executable) {
   auto input = OS::makePipe();
   auto output = OS::makePipe();
@@ -102,7 +52,8 @@ std::optional<Started> start(const std::string& executable) {
   }
   const ChildEnds theirs{std::move(input->reading), std::move(output->writing),
                          std::move(error->writing)};
-  const std::optional<pid_t> process = SpawnSetUp(theirs).spawn(executable);
+  const std::optional<pid_t> process =
+      OS::spawn(executable, {theirs.input.number(), theirs.output.number(), theirs.error.number()});
   if (!process) return std::nullopt;
   return Started{*process, std::move(ours)};
 }
