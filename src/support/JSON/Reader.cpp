@@ -1,7 +1,7 @@
 #include "support/JSON/Reader.h"
 
+#include "support/JSON/Appender.h"
 #include "support/JSON/Encoding.h"
-#include "support/OS/LargeMemory.h"
 #include "support/Text/Blocks.h"
 #include "support/Text/Text.h"
 
@@ -11,14 +11,10 @@ namespace quillstead::JSON {
 
 namespace {
 
-/// How many bytes at the start of `text` stand in a document for themselves.
-std::size_t plainRun(std::string_view text) {
-  namespace Blocks = Text::Blocks;
-  using Blocks::Byte;
-  return Blocks::bytesBefore(text, [](Blocks::Block bytes) {
-    return (bytes < Byte{' '}) | (bytes == Byte{'"'}) | (bytes == Byte{'\\'}) |
-           (bytes >= Byte{0x80});
-  });
+/// Whether bytes mean something else in a document than themselves.
+Text::Blocks::Block areSpecial(Text::Blocks::Block bytes) {
+  using Text::Blocks::Byte;
+  return (bytes < Byte{' '}) | (bytes == Byte{'"'}) | (bytes == Byte{'\\'}) | (bytes >= Byte{0x80});
 }
 
 bool isWhiteSpace(char byte) {
@@ -116,37 +112,34 @@ class Parser {
 
   bool text(std::string& decoded) {
     if (!skip('"')) return false;
-    plainCharacters(decoded);
+    decoded_.begin(decoded, rest().size());
+    plainCharacters();
     while (!skip('"')) {
-      if (!(startsWith('\\') ? escape(decoded) : characterBeyondASCII(decoded))) return false;
-      plainCharacters(decoded);
+      if (!(startsWith('\\') ? escape() : characterBeyondASCII())) return false;
+      plainCharacters();
     }
+    decoded_.end();
     return true;
   }
 
-  void plainCharacters(std::string& decoded) {
-    const std::size_t run = plainRun(rest());
-    OS::makeRoom(decoded, run, decoded.size() + rest().size());
-    decoded.append(next_, run);
-    next_ += run;
-  }
+  void plainCharacters() { next_ += decoded_.appendBefore(rest(), areSpecial); }
 
-  bool characterBeyondASCII(std::string& decoded) {
+  bool characterBeyondASCII() {
     if (next_ == end_) return false;
     const Text::Decoded character = Text::decodeFirst(rest());
     if (!character.valid || character.character < 0x80) return false;
-    decoded.append(next_, character.length);
+    decoded_ += rest().substr(0, character.length);
     next_ += character.length;
     return true;
   }
 
-  bool escape(std::string& decoded) {
+  bool escape() {
     if (end_ - next_ < 2) return false;
     const char letter = next_[1];
-    if (letter == 'u') return escapedCharacter(decoded);
+    if (letter == 'u') return escapedCharacter();
     const char meaning = meaningOf(letter);
     if (meaning == 0) return false;
-    decoded += meaning;
+    decoded_ += meaning;
     next_ += 2;
     return true;
   }
@@ -174,7 +167,7 @@ class Parser {
   }
 
   /// Of a character beyond U+FFFF both halves.
-  bool escapedCharacter(std::string& decoded) {
+  bool escapedCharacter() {
     std::uint32_t character = 0;
     if (!escapedUnit(character)) return false;
     if (character >= 0xD800 && character <= 0xDBFF) {
@@ -182,7 +175,10 @@ class Parser {
       if (!escapedUnit(low) || low < 0xDC00 || low > 0xDFFF) return false;
       character = 0x10000 + ((character - 0xD800) << 10U) + (low - 0xDC00);
     }
-    return Text::appendCharacter(decoded, character);
+    std::string bytes;
+    if (!Text::appendCharacter(bytes, character)) return false;
+    decoded_ += bytes;
+    return true;
   }
 
   bool escapedUnit(std::uint32_t& unit) {
@@ -238,6 +234,7 @@ class Parser {
   const char* next_;
   const char* end_;
   std::size_t depth_ = 0;
+  Appender decoded_;        ///< takes the text that is being read
   std::size_t valuesLeft_;  ///< how many more values the document may hold, keys counted too
 };
 

@@ -1,6 +1,6 @@
 #include "support/JSON/Writer.h"
 
-#include "support/Text/Blocks.h"
+#include "support/JSON/Appender.h"
 #include "support/Text/Text.h"
 
 #include <utility>
@@ -14,11 +14,15 @@ bool isASCII(char character) { return static_cast<unsigned char>(character) < 0x
 class Writer {
  public:
   Writer(Slashes slashes, std::string reused)
-      : escapedSlash_(slashes == Slashes::escaped ? '/' : '"'), out_(std::move(reused)) {
-    out_.clear();
+      : escapedSlash_(slashes == Slashes::escaped ? '/' : '"'), document_(std::move(reused)) {
+    document_.clear();
+    out_.begin(document_);
   }
 
-  std::string take() { return std::move(out_); }
+  std::string take() {
+    out_.end();
+    return std::move(document_);
+  }
 
   void write(const Value& value) {
     if (const std::string* text = value.text()) return writeText(*text);
@@ -53,24 +57,18 @@ class Writer {
   }
 
   void writeText(std::string_view text) {
+    const auto areSpecial = [slash = escapedSlash_](Text::Blocks::Block bytes) {
+      using Text::Blocks::Byte;
+      return (bytes < Byte{' '}) | (bytes == Byte{'"'}) | (bytes == Byte{'\\'}) | (bytes == slash) |
+             (bytes >= Byte{0x80});
+    };
     out_ += '"';
-    while (!text.empty()) {
-      const std::size_t run = plainRun(text);
-      out_ += text.substr(0, run);
-      text.remove_prefix(run);
-      if (!text.empty()) text.remove_prefix(writeSpecial(text));
+    for (;;) {
+      text.remove_prefix(out_.appendBefore(text, areSpecial));
+      if (text.empty()) break;
+      text.remove_prefix(writeSpecial(text));
     }
     out_ += '"';
-  }
-
-  /// How many bytes at the start of `text` stand in a document as they are.
-  [[nodiscard]] std::size_t plainRun(std::string_view text) const {
-    namespace Blocks = Text::Blocks;
-    using Blocks::Byte;
-    return Blocks::bytesBefore(text, [this](Blocks::Block bytes) {
-      return (bytes < Byte{' '}) | (bytes == Byte{'"'}) | (bytes == Byte{'\\'}) |
-             (bytes == escapedSlash_) | (bytes >= Byte{0x80});
-    });
   }
 
   /// Writes the character that `text` begins with and gives the number of bytes it took there.
@@ -119,7 +117,8 @@ class Writer {
 
   Text::Blocks::Byte
       escapedSlash_;  ///< a slash when it is escaped, else a character that always is
-  std::string out_;
+  std::string document_;
+  Appender out_;
 };
 
 }  // namespace

@@ -24,22 +24,41 @@ std::size_t bytesBefore(Block block, Test found) {
   return sizeof first + static_cast<std::size_t>(std::countr_zero(second)) / 8;
 }
 
+/// The same for a text, whose blocks go to `take` up to the one with the byte that is found: each
+/// with its place in the text, the last of the text filled up with zeros.
+template <typename Test, typename Take>
+std::size_t bytesBefore(std::string_view text, Test found, Take take) {
+  std::size_t before = 0;
+  Block block;
+  for (; text.size() - before >= sizeof block; before += sizeof block) {
+    std::memcpy(&block, text.data() + before, sizeof block);
+    take(before, block);
+    const std::size_t inBlock = bytesBefore(block, found);
+    if (inBlock < sizeof block) return before + inBlock;
+  }
+  const std::size_t left = text.size() - before;
+  if (left == 0) return before;
+  block = Block{};
+  std::memcpy(&block, text.data() + before, left);
+  take(before, block);
+  return before + std::min(left, bytesBefore(block, found));
+}
+
 /// How many bytes at the start of `text` come before the first one that is found. The test is given
 /// a block and made of comparisons joined by `|`:
 /// `[](Block bytes) { return (bytes == Byte{'"'}) | (bytes < Byte{' '}); }`.
 template <typename Test>
 std::size_t bytesBefore(std::string_view text, Test found) {
-  std::size_t before = 0;
-  Block block;
-  for (; text.size() - before >= sizeof block; before += sizeof block) {
-    std::memcpy(&block, text.data() + before, sizeof block);
-    const std::size_t inBlock = bytesBefore(block, found);
-    if (inBlock < sizeof block) return before + inBlock;
-  }
-  const std::size_t left = text.size() - before;
-  block = Block{};
-  if (left > 0) std::memcpy(&block, text.data() + before, left);
-  return before + std::min(left, bytesBefore(block, found));
+  return bytesBefore(text, found, [](std::size_t /*place*/, Block /*block*/) {});
+}
+
+/// The same, and copies these bytes to `to`, with what fills their last block: `to` has room for
+/// whole blocks.
+template <typename Test>
+std::size_t copyBefore(std::string_view text, char* to, Test found) {
+  return bytesBefore(text, found, [to](std::size_t place, Block block) {
+    std::memcpy(to + place, &block, sizeof block);
+  });
 }
 
 }  // namespace quillstead::Text::Blocks

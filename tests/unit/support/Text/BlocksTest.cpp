@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 namespace quillstead::Text::Blocks {
@@ -39,6 +40,25 @@ TEST(BytesBefore, ComparesBytesAsNumbersFrom0To255) {
     EXPECT_EQ(bytesBefore(text, [](Block bytes) { return bytes >= Byte{0x80}; }),
               limit >= 0x80 ? 0 : whole)
         << limit;
+  }
+}
+
+TEST(CopyBefore, CopiesWhatComesBeforeTheFirstByteFoundAndNoBlockBeyondItsOwn) {
+  constexpr std::size_t blockSize = sizeof(Block);
+  for (std::size_t size = 0; size <= 70; ++size) {
+    for (std::size_t place = 0; place <= size; ++place) {
+      std::string text = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789!$%&()*+";
+      text.resize(size);
+      if (place < size) text[place] = '"';
+      std::string copy(5 * blockSize + 1, '#');
+      const std::size_t before =
+          copyBefore(text, copy.data(), [](Block bytes) { return bytes == Byte{'"'}; });
+      EXPECT_EQ(before, place) << "of " << size;
+      EXPECT_EQ(copy.substr(0, before), text.substr(0, place)) << "of " << size;
+      const std::size_t touched =
+          std::min(place / blockSize + 1, (size + blockSize - 1) / blockSize);
+      EXPECT_EQ(copy[touched * blockSize], '#') << place << " of " << size;
+    }
   }
 }
 

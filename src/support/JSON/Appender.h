@@ -1,0 +1,78 @@
+#pragma once
+
+#include "support/OS/LargeMemory.h"
+#include "support/Text/Blocks.h"
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quillstead::JSON {
+
+/// Appends to a text, by way of a small buffer: a text of many short runs costs one call of the
+/// library for thousands of bytes, not one for each run.
+class Appender {
+ public:
+  /// Begins a text. `mostSize`: how long it can become, when that is known.
+  void begin(std::string& text, std::optional<std::size_t> mostSize = std::nullopt) {
+    text_ = &text;
+    mostSize_ = mostSize;
+    used_ = 0;
+  }
+
+  Appender& operator+=(char byte) {
+    if (used_ == buffer_.size()) flush();
+    buffer_[used_++] = byte;
+    return *this;
+  }
+
+  Appender& operator+=(std::string_view bytes) {
+    if (bytes.size() > buffer_.size() - used_) flush();
+    if (bytes.size() > buffer_.size()) {
+      text_->append(bytes);
+    } else {
+      bytes.copy(buffer_.data() + used_, bytes.size());
+      used_ += bytes.size();
+    }
+    return *this;
+  }
+
+  /// Appends the bytes at the start of `source` before the first one that is found, and gives their
+  /// number; see `Text::Blocks::bytesBefore`.
+  template <typename Test>
+  std::size_t appendBefore(std::string_view source, Test found) {
+    std::size_t before = 0;
+    for (;;) {
+      if (wholeBlocksLeft() == 0) flush();
+      const std::string_view part = source.substr(before, wholeBlocksLeft());
+      const std::size_t count = Text::Blocks::copyBefore(part, buffer_.data() + used_, found);
+      used_ += count;
+      before += count;
+      if (count < part.size() || before == source.size()) return before;
+    }
+  }
+
+  /// Ends the text: only now it is whole.
+  void end() { flush(); }
+
+ private:
+  [[nodiscard]] std::size_t wholeBlocksLeft() const {
+    constexpr std::size_t block = sizeof(Text::Blocks::Block);
+    return (buffer_.size() - used_) / block * block;
+  }
+
+  void flush() {
+    if (mostSize_) OS::makeRoom(*text_, used_, *mostSize_);
+    text_->append(buffer_.data(), used_);
+    used_ = 0;
+  }
+
+  std::string* text_ = nullptr;
+  std::optional<std::size_t> mostSize_;
+  std::size_t used_ = 0;
+  std::array<char, 4096> buffer_;
+};
+
+}  // namespace quillstead::JSON
