@@ -107,6 +107,11 @@ bool Database::run(const char* statements) {
   return result == SQLITE_OK;
 }
 
+void Database::rollBack() {
+  if (sqlite3_get_autocommit(database_.get()) != 0) return;
+  sqlite3_exec(database_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
 Statement Database::prepare(std::string_view statement) {
   sqlite3_stmt* prepared = nullptr;
   const int result = sqlite3_prepare_v2(database_.get(), statement.data(),
@@ -117,7 +122,7 @@ Statement Database::prepare(std::string_view statement) {
 
 bool Database::empty() {
   sqlite3* const handle = database_.get();
-  run("ROLLBACK");
+  rollBack();
   sqlite3_db_config(handle, SQLITE_DBCONFIG_RESET_DATABASE, 1, nullptr);
   const bool emptied = run("VACUUM");
   sqlite3_db_config(handle, SQLITE_DBCONFIG_RESET_DATABASE, 0, nullptr);

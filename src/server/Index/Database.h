@@ -69,6 +69,9 @@ class Database {
   /// Runs statements that give no rows; false when one failed.
   bool run(const char* statements);
 
+  /// Ends the transaction, when there is one, without its changes.
+  void rollBack();
+
   [[nodiscard]] Statement prepare(std::string_view statement);
 
   /// Empties the database under its lock, however damaged it is; others that have it open see an

@@ -17,6 +17,19 @@ constexpr std::chrono::milliseconds patienceWithFiles = 600ms;
 
 constexpr std::size_t mostOfOneTitle = 100;
 
+template <typename Answer>
+using Question = std::optional<Answer> (*)(Database&, std::string_view, std::size_t);
+
+/// All statements of the question see the same state, whatever other servers write meanwhile.
+template <typename Answer>
+std::optional<Answer> ask(Database& database, Question<Answer> question, std::string_view text,
+                          std::size_t limit) {
+  if (!database.run("BEGIN")) return std::nullopt;
+  std::optional<Answer> answer = question(database, text, limit);
+  database.rollBack();
+  return answer;
+}
+
 }  // namespace
 
 Index::Index(const Scope& scope, const OS::Environment& environment)
@@ -48,13 +61,13 @@ std::vector<CardPlace> Index::withTitle(std::string_view title) {
 template <typename Answer>
 Answer Index::answered(std::optional<Answer> (*question)(Database&, std::string_view, std::size_t),
                        std::string_view text, std::size_t limit) {
-  if (auto answer = question(database_, text, limit)) return std::move(*answer);
+  if (auto answer = ask(database_, question, text, limit)) return std::move(*answer);
   if (database_.trouble() == DatabaseTrouble::damaged && database_.empty() && bringUpToDate()) {
-    if (auto answer = question(database_, text, limit)) return std::move(*answer);
+    if (auto answer = ask(database_, question, text, limit)) return std::move(*answer);
   }
   if (!inMemory_) {
     openInMemory();
-    if (auto answer = question(database_, text, limit)) return std::move(*answer);
+    if (auto answer = ask(database_, question, text, limit)) return std::move(*answer);
   }
   return {};
 }

@@ -148,7 +148,7 @@ std::optional<std::vector<CardPlace>> search(Database& database, std::string_vie
   std::vector<Candidate> candidates;
   Statement read = database.prepare("SELECT store, name FROM files WHERE id = ?");
   for (const Scored& one : *scored) {
-    if (read.bind(1, one.id).step() == Statement::Step::failed) return std::nullopt;
+    if (read.bind(1, one.id).step() != Statement::Step::row) return std::nullopt;
     candidates.push_back({.score = one.score, .place = placeIn(read)});
     read.reset();
   }

@@ -109,6 +109,7 @@ Step step(Database& database, Survey& survey) {
   if (!database.run("BEGIN IMMEDIATE")) return Step::failed;
   const Step made = stepUnderLock(database, survey);
   if (made != Step::failed && database.run("COMMIT")) return made;
+  database.rollBack();
   return Step::failed;
 }
 

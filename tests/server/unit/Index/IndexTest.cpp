@@ -3,12 +3,14 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
 #include <iterator>
 #include <string>
+#include <vector>
 
 namespace quillstead::servertest {
 
@@ -62,6 +64,39 @@ TEST_F(IndexTest, ReadsAFileOfTheSameSizeAndTimeAgainWhileItsClockMayNotHaveTick
     fs::last_write_time(stage.path("project/.quillstead/memory/a.md"), soon);
     EXPECT_THAT(stage.recalled(word), ElementsAre("T")) << word;
   }
+}
+
+TEST_F(IndexTest, FindsACardWhileOtherServersIndexItAnew) {
+  using namespace std::chrono;
+  using Clock = fs::file_time_type::clock;
+  stage.writeProjectCard("a.md", "# A\n\nwalrus");
+  // Until then the file counts as one that may still change, and every update takes it out of the
+  // index and in again, in another place when other cards come and go.
+  const auto settled = ceil<seconds>(Clock::now()) + seconds(1);
+  fs::last_write_time(stage.path("project/.quillstead/memory/a.md"), settled - seconds(1));
+
+  std::vector<pid_t> others(4);
+  for (pid_t& other : others) {
+    other = fork();
+    if (other != 0) continue;
+    const std::string name = std::to_string(getpid()) + ".md";
+    while (Clock::now() < settled) {
+      stage.writeProjectCard(name, "# Other");
+      fs::last_write_time(stage.path("project/.quillstead/memory/" + name), hourAgo);
+      for (int i = 0; i < 2; ++i) (void)stage.recalled("walrus");
+      fs::remove(stage.path("project/.quillstead/memory/" + name));
+      (void)stage.recalled("walrus");
+    }
+    _exit(0);
+  }
+  int answers = 0;
+  int misses = 0;
+  while (Clock::now() < settled) {
+    ++answers;
+    if (stage.recalled("walrus") != std::vector<std::string>{"A"}) ++misses;
+  }
+  for (const pid_t other : others) waitpid(other, nullptr, 0);
+  EXPECT_EQ(misses, 0) << "of " << answers;
 }
 
 TEST_F(IndexTest, DoesNotReadFilesThatAreAsItKnowsThem) {
