@@ -91,6 +91,12 @@ TEST(ReaderLimits, ReadsHugeFlatDocuments) {
   EXPECT_EQ(write(*object, Slashes::plain), members + "}");
 }
 
+TEST(ReaderLimits, CountsForTheDepthOnlyContainersThatAreOpen) {
+  for (const std::string_view container : {"[],", "{},", "[0],", R"({"a":0},)"}) {
+    EXPECT_TRUE(read("[" + times(2 * maximumDepth, container) + "0]")) << container;
+  }
+}
+
 TEST(ReaderLimits, ReadsATextOfMegabytes) {
   const std::string text = times(500'000, "a\xC3\xA9/ ");
   const std::optional<Value> value = read("[\"" + text + "\"]");
