@@ -21,15 +21,8 @@ namespace {
 
 using Clock = OS::MonotonicClock;
 
-/// Our ends of the pipes to a child.
+/// An end of each of the pipes between a child and us: all ours, or all the child's.
 struct Streams {
-  OS::Descriptor input;
-  OS::Descriptor output;
-  OS::Descriptor error;
-};
-
-/// The child's ends.
-struct ChildEnds {
   OS::Descriptor input;
   OS::Descriptor output;
   OS::Descriptor error;
@@ -50,8 +43,8 @@ std::optional<Started> start(const std::string& executable) {
   for (const OS::Descriptor* end : {&ours.input, &ours.output, &ours.error}) {
     if (!OS::makeNonBlocking(*end)) return std::nullopt;
   }
-  const ChildEnds theirs{std::move(input->reading), std::move(output->writing),
-                         std::move(error->writing)};
+  const Streams theirs{std::move(input->reading), std::move(output->writing),
+                       std::move(error->writing)};
   const std::optional<pid_t> process =
       OS::spawn(executable, {theirs.input.number(), theirs.output.number(), theirs.error.number()});
   if (!process) return std::nullopt;

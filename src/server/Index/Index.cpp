@@ -59,8 +59,7 @@ std::vector<CardPlace> Index::withTitle(std::string_view title) {
 }
 
 template <typename Answer>
-Answer Index::answered(std::optional<Answer> (*question)(Database&, std::string_view, std::size_t),
-                       std::string_view text, std::size_t limit) {
+Answer Index::answered(Question<Answer> question, std::string_view text, std::size_t limit) {
   if (auto answer = ask(database_, question, text, limit)) return std::move(*answer);
   if (database_.trouble() == DatabaseTrouble::damaged && database_.empty() && bringUpToDate()) {
     if (auto answer = ask(database_, question, text, limit)) return std::move(*answer);

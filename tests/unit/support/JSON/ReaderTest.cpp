@@ -245,7 +245,7 @@ TEST(Reader, RefusesEveryIllFormedDocument) {
 TEST(Reader, TakesEightEscapesOfOneLetterAndNoOther) {
   for (int byte = 0; byte < 256; ++byte) {
     const auto letter = static_cast<char>(byte);
-    const bool isEscape = byte != 0 && R"("\/bfnrt)"sv.find(letter) != std::string_view::npos;
+    const bool isEscape = R"("\/bfnrt)"sv.find(letter) != std::string_view::npos;
     EXPECT_EQ(read("[\"\\" + std::string(1, letter) + "\"]").has_value(), isEscape) << byte;
   }
 }
