@@ -41,20 +41,23 @@ std::string encoded(std::string_view utf8, const WideEncoding& encoding, bool ha
 }
 
 std::string readAndWritten(std::string_view document, JSON::Slashes slashes) {
-  std::optional<JSON::Value> value = JSON::read(document);
-  Fuzz::require(value.has_value(), "what was written can be read");
-  return JSON::write(std::move(*value), slashes);
+  const std::optional<JSON::Document> read = JSON::read(document);
+  Fuzz::require(read.has_value(), "what was written can be read");
+  return JSON::write(read->root(), slashes);
 }
 
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-  std::optional<JSON::Value> value = JSON::read(Fuzz::bytes(data, size));
-  if (!value) return 0;
-  Fuzz::require(value->object() || value->array(), "a document is an object or an array");
+  const std::optional<JSON::Document> document = JSON::read(Fuzz::bytes(data, size));
+  if (!document) return 0;
+  const JSON::View root = document->root();
+  Fuzz::require(root.object() || root.array(), "a document is an object or an array");
 
-  const std::string escaped = JSON::write(JSON::Value(*value), JSON::Slashes::escaped);
-  const std::string plain = JSON::write(std::move(*value), JSON::Slashes::plain);
+  const std::string escaped = JSON::write(root, JSON::Slashes::escaped);
+  const std::string plain = JSON::write(root, JSON::Slashes::plain);
+  Fuzz::require(JSON::write(JSON::Value::copyOf(root), JSON::Slashes::plain) == plain,
+                "a copy is the same");
   for (const std::string& written : {plain, escaped}) {
     Fuzz::require(Fuzz::isUTF8(written), "a written document is UTF-8");
     Fuzz::require(Fuzz::isOneLine(written), "a written document is one line");

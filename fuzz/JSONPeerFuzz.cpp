@@ -12,39 +12,38 @@ namespace {
 
 namespace peer = boost::json;
 
-bool isSame(const JSON::Value& ours, const peer::value& theirs);
+bool isSame(JSON::View ours, const peer::value& theirs);
 
-bool isSame(const JSON::Array& ours, const peer::array& theirs) {
-  return std::equal(
-      ours.begin(), ours.end(), theirs.begin(), theirs.end(),
-      [](const JSON::Value& one, const peer::value& other) { return isSame(one, other); });
+bool isSame(JSON::ArrayView ours, const peer::array& theirs) {
+  return std::equal(ours.begin(), ours.end(), theirs.begin(), theirs.end(),
+                    [](JSON::View one, const peer::value& other) { return isSame(one, other); });
 }
 
-bool isSame(const JSON::Object& ours, const peer::object& theirs) {
+bool isSame(JSON::ObjectView ours, const peer::object& theirs) {
   return ours.size() == theirs.size() &&
-         std::all_of(ours.members().begin(), ours.members().end(), [&](const JSON::Member& member) {
-           const peer::value* const value = theirs.if_contains(member.key);
-           return value != nullptr && isSame(member.value, *value);
-         });
+         std::all_of(ours.members().begin(), ours.members().end(),
+                     [&](const JSON::MemberView& member) {
+                       const peer::value* const value = theirs.if_contains(member.key);
+                       return value != nullptr && isSame(member.value, *value);
+                     });
 }
 
 /// The peer rounds what does not fit its kinds of numbers in its own way.
-bool isSame(const JSON::Number& ours, const peer::value& theirs) {
+bool isSame(JSON::Number ours, const peer::value& theirs) {
   if (!theirs.is_number()) return false;
   const std::optional<std::int64_t> integer = ours.integer();
   return !integer || (theirs.is_int64() && theirs.get_int64() == *integer);
 }
 
-bool isSame(const JSON::Value& ours, const peer::value& theirs) {
-  if (const JSON::Object* object = ours.object())
+bool isSame(JSON::View ours, const peer::value& theirs) {
+  if (const auto object = ours.object())
     return theirs.is_object() && isSame(*object, theirs.get_object());
-  if (const JSON::Array* array = ours.array())
+  if (const auto array = ours.array())
     return theirs.is_array() && isSame(*array, theirs.get_array());
-  if (const std::string* text = ours.text())
+  if (const auto text = ours.text())
     return theirs.is_string() && std::string_view(theirs.get_string()) == *text;
-  if (const bool* boolean = ours.boolean())
-    return theirs.is_bool() && theirs.get_bool() == *boolean;
-  if (const JSON::Number* number = ours.number()) return isSame(*number, theirs);
+  if (const auto boolean = ours.boolean()) return theirs.is_bool() && theirs.get_bool() == *boolean;
+  if (const auto number = ours.number()) return isSame(*number, theirs);
   return theirs.is_null();
 }
 
@@ -68,8 +67,8 @@ int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   if (error == peer::error::exponent_overflow) return 0;
   const bool isTaken = !error && (theirs.is_object() || theirs.is_array());
 
-  const std::optional<JSON::Value> ours = JSON::read(document);
+  const std::optional<JSON::Document> ours = JSON::read(document);
   Fuzz::require(ours.has_value() == isTaken, "both take or both refuse a document");
-  Fuzz::require(!ours || isSame(*ours, theirs), "both find the same in it");
+  Fuzz::require(!ours || isSame(ours->root(), theirs), "both find the same in it");
   return 0;
 }

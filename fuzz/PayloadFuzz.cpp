@@ -17,17 +17,17 @@ int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const std::string_view payload = Fuzz::bytes(data, size);
   const HarnessAdapter& adapter = *Harnesses::named(QUILLSTEAD_FUZZ_HARNESS);
   const std::optional<HookInput> input = adapter.parse(payload);
-  const std::optional<JSON::Value> document = JSON::read(payload);
-  const JSON::Object* const object = document ? document->object() : nullptr;
+  const std::optional<JSON::Document> document = JSON::read(payload);
+  const auto object = document ? document->root().object() : std::nullopt;
 
   const bool isRefused =
-      !object || (adapter.name() == "claude-code" && object->find("cursor_version"));
+      !object || (adapter.name() == "claude-code" && object->find("cursor_version").isThere());
   Fuzz::require(input.has_value() != isRefused,
                 "every object is taken, but Cursor's by Claude Code");
   if (!input) return 0;
 
-  const std::string* const prompt = JSON::textOf(object->find("prompt"));
-  Fuzz::require(input->prompt == (prompt ? *prompt : ""), "the prompt comes through as it is");
+  Fuzz::require(input->prompt == object->find("prompt").text().value_or(""),
+                "the prompt comes through as it is");
   Fuzz::require(Fuzz::isUTF8(input->prompt), "the prompt is UTF-8");
   requireSound(input->cwd);
   requireSound(input->sessionID);

@@ -31,25 +31,26 @@ inline bool isOneLine(std::string_view text) {
 }
 
 /// The object that a document for a harness is; it has to be one.
-inline JSON::Object answerObject(std::string_view document) {
+inline JSON::Document answerObject(std::string_view document) {
   require(isUTF8(document), "an answer is UTF-8");
   require(isOneLine(document), "an answer is one line");
-  std::optional<JSON::Value> value = JSON::read(document);
-  require(value && value->object(), "an answer is a JSON object");
-  return std::move(*value->object());
+  std::optional<JSON::Document> answer = JSON::read(document);
+  require(answer && answer->root().object(), "an answer is a JSON object");
+  return *std::move(answer);
 }
 
 /// What `document`, an answer of `adapter`, hands to the harness.
 inline std::string contextIn(const HarnessAdapter& adapter, std::string_view document) {
-  const JSON::Object answer = answerObject(document);
-  const JSON::Object* const inner = JSON::objectOf(answer.find("hookSpecificOutput"));
+  const JSON::Document read = answerObject(document);
+  const JSON::ObjectView answer = read.object();
+  const auto inner = answer.find("hookSpecificOutput").object();
   const bool isNested = adapter.name() == "claude-code" || adapter.name() == "codex";
-  require(isNested == (inner != nullptr), "an answer has its harness's form");
-  const std::string* const context = JSON::textOf(
+  require(isNested == inner.has_value(), "an answer has its harness's form");
+  const JSON::View context =
       isNested ? inner->find("additionalContext")
-               : answer.find(adapter.name() == "cursor" ? "additional_context" : "context"));
-  require(context != nullptr, "an answer carries its context");
-  return *context;
+               : answer.find(adapter.name() == "cursor" ? "additional_context" : "context");
+  require(context.text().has_value(), "an answer carries its context");
+  return std::string(*context.text());
 }
 
 /// Every adapter's answer carries exactly `context`, as far as that is UTF-8.

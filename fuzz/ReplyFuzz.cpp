@@ -8,13 +8,13 @@ using namespace quillstead;
 
 namespace {
 
-void requireSound(const JSON::Value* value, std::string_view tag) {
+void requireSound(JSON::View value, std::string_view tag) {
   const auto fenced = MemoryLane::validFenced(value, tag);
   Fuzz::require(!fenced || (fenced->starts_with(tag) && Fuzz::isUTF8(*fenced)),
                 "a fenced text begins with its tag");
 }
 
-void requireSoundNumbers(const JSON::Object& meta) {
+void requireSoundNumbers(JSON::ObjectView meta) {
   const auto count = MemoryLane::validCount(meta.find("quillstead/cardCount"));
   Fuzz::require(!count || (*count >= 1 && *count <= 999), "a count is from 1 to 999");
   const auto span = RulesLane::validSpan(meta.find("quillstead/indexSpan"));

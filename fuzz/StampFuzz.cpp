@@ -8,16 +8,10 @@ namespace Stamp = QUILLSTEAD_FUZZ_STAMP;
 
 namespace {
 
-const JSON::Object* updatedInput(const JSON::Object& answer) {
-  if (const JSON::Object* const updated = JSON::objectOf(answer.find("updated_input"))) {
-    return updated;
-  }
-  const JSON::Object* const inner = JSON::objectOf(answer.find("hookSpecificOutput"));
-  return inner ? JSON::objectOf(inner->find("updatedInput")) : nullptr;
-}
-
-std::string written(const JSON::Object& object) {
-  return JSON::write(JSON::Object(object), JSON::Slashes::plain);
+std::optional<JSON::ObjectView> updatedInput(JSON::ObjectView answer) {
+  if (const auto updated = answer.find("updated_input").object()) return updated;
+  const auto inner = answer.find("hookSpecificOutput").object();
+  return inner ? inner->find("updatedInput").object() : std::nullopt;
 }
 
 }  // namespace
@@ -27,19 +21,21 @@ int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const std::optional<std::string> document = Stamp::answer(std::string(payload));
   if (!document) return 0;
 
-  const JSON::Object answer = Fuzz::answerObject(*document);
-  const std::optional<JSON::Value> call = JSON::read(payload);
-  Fuzz::require(call && call->object(), "only a call that can be read is stamped");
-  const JSON::Object* const given = JSON::objectOf(call->object()->find("tool_input"));
-  const JSON::Object* const updated = updatedInput(answer);
+  const JSON::Document answer = Fuzz::answerObject(*document);
+  const std::optional<JSON::Document> call = JSON::read(payload);
+  Fuzz::require(call && call->root().object(), "only a call that can be read is stamped");
+  const auto given = call->object().find("tool_input").object();
+  const auto updated = updatedInput(answer.object());
   Fuzz::require(given && updated, "a stamped call had an input and has one");
 
-  const bool isTask = JSON::isText(call->object()->find("tool_name"), "Task");
+  const bool isTask = call->object().find("tool_name").text() == "Task";
   const std::string_view changed = isTask ? "prompt" : Stamp::key;
-  JSON::Object expected = *given;
-  const JSON::Value* const stamped = updated->find(changed);
-  Fuzz::require(stamped && stamped->text(), "a stamped call carries the stamp");
-  expected.set(changed, *stamped->text());
-  Fuzz::require(written(*updated) == written(expected), "nothing but the stamp is changed");
+  const auto stamped = updated->find(changed).text();
+  Fuzz::require(stamped.has_value(), "a stamped call carries the stamp");
+  JSON::Object expected(*given);
+  expected.set(changed, *stamped);
+  Fuzz::require(JSON::write(JSON::View(*updated), JSON::Slashes::plain) ==
+                    JSON::write(expected, JSON::Slashes::plain),
+                "nothing but the stamp is changed");
   return 0;
 }

@@ -5,16 +5,17 @@
 
 namespace quillstead::ParentTag {
 
-std::optional<std::string> answer(JSON::Object payload, std::string reused) {
-  if (!JSON::isText(payload.find("tool_name"), tool)) return std::nullopt;
-  JSON::Object* const toolInput = JSON::objectOf(payload.find("tool_input"));
-  JSON::Value* const promptValue = toolInput ? toolInput->find("prompt") : nullptr;
-  std::string* const prompt = promptValue ? promptValue->text() : nullptr;
+std::optional<std::string> answer(JSON::ObjectView payload, std::string reused) {
+  if (payload.find("tool_name").text() != tool) return std::nullopt;
+  const auto toolInput = payload.find("tool_input").object();
+  const auto prompt = toolInput ? toolInput->find("prompt").text() : std::nullopt;
   const std::optional<std::string> session = Payload::nonBlank(payload, "session_id");
   if (!prompt || !session) return std::nullopt;
 
-  *prompt += "\n\n[qs-parent:" + *session + "]";
-  return PretoolAnswer::written(JSON::objectOf({{"updated_input", std::move(*toolInput)}}),
+  const std::string tag = "\n\n[qs-parent:" + *session + "]";
+  JSON::Object tagged(*toolInput);
+  tagged.set("prompt", JSON::JoinedText{*prompt, tag});
+  return PretoolAnswer::written(JSON::objectOf({{"updated_input", std::move(tagged)}}),
                                 std::move(reused));
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/JSON/Value.h"
+#include "support/JSON/View.h"
 
 #include <optional>
 #include <string>
@@ -16,6 +16,6 @@ inline constexpr std::string_view tool = "Task";
 /// Absent for another tool, an input without a prompt text, and a payload without a session.
 ///
 /// The document takes the memory of `reused`.
-std::optional<std::string> answer(JSON::Object payload, std::string reused = {});
+std::optional<std::string> answer(JSON::ObjectView payload, std::string reused = {});
 
 }  // namespace quillstead::ParentTag

@@ -13,18 +13,21 @@ std::int32_t serve(const OS::Environment& environment) {
 }
 
 std::optional<std::string> answer(std::string input) {
-  std::optional<JSON::Object> payload = Payload::read(input);
-  const std::string* const tool = payload ? JSON::textOf(payload->find("tool_name")) : nullptr;
+  const std::optional<JSON::Document> document = Payload::read(input);
+  if (!document) return std::nullopt;
+  const JSON::ObjectView payload = document->object();
+  const auto tool = payload.find("tool_name").text();
   if (!tool) return std::nullopt;
-  if (*tool == ParentTag::tool) return ParentTag::answer(std::move(*payload), std::move(input));
+  if (*tool == ParentTag::tool) return ParentTag::answer(payload, std::move(input));
 
-  JSON::Object* const toolInput = JSON::objectOf(payload->find("tool_input"));
-  std::optional<std::string> session = Payload::nonBlank(*payload, "session_id");
+  const auto toolInput = payload.find("tool_input").object();
+  std::optional<std::string> session = Payload::nonBlank(payload, "session_id");
   const bool isStamped = std::find(tools.begin(), tools.end(), *tool) != tools.end();
   if (!isStamped || !toolInput || !session) return std::nullopt;
 
-  toolInput->set(key, std::move(*session));
-  return PretoolAnswer::written(JSON::objectOf({{"updated_input", std::move(*toolInput)}}),
+  JSON::Object stamped(*toolInput);
+  stamped.set(key, std::move(*session));
+  return PretoolAnswer::written(JSON::objectOf({{"updated_input", std::move(stamped)}}),
                                 std::move(input));
 }
 

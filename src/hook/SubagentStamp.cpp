@@ -10,19 +10,22 @@ std::int32_t serve(const OS::Environment& environment) {
 }
 
 std::optional<std::string> answer(std::string input) {
-  std::optional<JSON::Object> payload = Payload::read(input);
-  const std::string* const tool = payload ? JSON::textOf(payload->find("tool_name")) : nullptr;
+  const std::optional<JSON::Document> document = Payload::read(input);
+  if (!document) return std::nullopt;
+  const JSON::ObjectView payload = document->object();
+  const auto tool = payload.find("tool_name").text();
   if (!tool || !tool->starts_with(toolPrefix)) return std::nullopt;
 
-  JSON::Object* const toolInput = JSON::objectOf(payload->find("tool_input"));
-  std::optional<std::string> agent = Payload::nonBlank(*payload, "agent_id");
+  const auto toolInput = payload.find("tool_input").object();
+  std::optional<std::string> agent = Payload::nonBlank(payload, "agent_id");
   if (!toolInput || !agent) return std::nullopt;
 
-  toolInput->set(key, std::move(*agent));
+  JSON::Object stamped(*toolInput);
+  stamped.set(key, std::move(*agent));
   return PretoolAnswer::written(
       JSON::objectOf(
           {{"hookSpecificOutput", JSON::objectOf({{"hookEventName", "PreToolUse"},
-                                                  {"updatedInput", std::move(*toolInput)}})}}),
+                                                  {"updatedInput", std::move(stamped)}})}}),
       std::move(input));
 }
 

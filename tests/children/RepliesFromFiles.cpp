@@ -27,11 +27,9 @@ std::string everythingOnStandardInput() { return everythingIn(std::ifstream("/de
 std::string toolIn(const std::string& requests) {
   const std::size_t second = requests.find('\n') + 1;
   const auto call = JSON::read(requests.substr(second));
-  const JSON::Object* const message = call ? call->object() : nullptr;
-  const JSON::Object* const parameters =
-      message ? JSON::objectOf(message->find("params")) : nullptr;
-  const std::string* const name = parameters ? JSON::textOf(parameters->find("name")) : nullptr;
-  return name ? *name : "no-tool";
+  const auto parameters = call ? call->object().find("params").object() : std::nullopt;
+  const auto name = parameters ? parameters->find("name").text() : std::nullopt;
+  return std::string(name.value_or("no-tool"));
 }
 
 }  // namespace

@@ -107,11 +107,9 @@ std::string calledTool(std::string_view requests) {
     const std::string_view line = requests.substr(0, requests.find('\n'));
     requests.remove_prefix(std::min(line.size() + 1, requests.size()));
     const auto request = JSON::read(line);
-    const JSON::Object* const object = request ? request->object() : nullptr;
-    const JSON::Object* const parameters =
-        object ? JSON::objectOf(object->find("params")) : nullptr;
-    const std::string* const name = parameters ? JSON::textOf(parameters->find("name")) : nullptr;
-    if (name) return *name;
+    const auto parameters = request ? request->object().find("params").object() : std::nullopt;
+    const auto name = parameters ? parameters->find("name").text() : std::nullopt;
+    if (name) return std::string(*name);
   }
   return "none";
 }

@@ -55,41 +55,42 @@ struct Entry {
   std::string event;
   std::optional<std::string> matcher;
   std::vector<std::string> words;
-  const JSON::Value* timeout;
+  std::optional<std::int64_t> timeout;  ///< in seconds
 };
 
-std::vector<std::string> wordsOf(const JSON::Object& entry) {
+std::vector<std::string> wordsOf(JSON::ObjectView entry) {
   std::vector<std::string> words;
-  std::istringstream command(*JSON::textOf(entry.find("command")));
+  std::istringstream command(std::string(*entry.find("command").text()));
   for (std::string word; command >> word;) words.push_back(word);
-  if (const JSON::Array* arguments = JSON::arrayOf(entry.find("args"))) {
-    for (const JSON::Value& argument : *arguments) words.push_back(*argument.text());
+  for (const JSON::View argument : entry.find("args").elements()) {
+    words.emplace_back(*argument.text());
   }
   return words;
 }
 
 void collect(const std::string& event, const std::optional<std::string>& matcher,
-             const JSON::Object& entry, std::vector<Entry>& entries) {
+             JSON::ObjectView entry, std::vector<Entry>& entries) {
   std::optional<std::string> ownMatcher = matcher;
-  if (const std::string* text = JSON::textOf(entry.find("matcher"))) ownMatcher = *text;
-  if (entry.find("command")) {
+  if (const auto text = entry.find("matcher").text()) ownMatcher = *text;
+  if (entry.find("command").isThere()) {
+    const auto timeout = entry.find("timeout").number();
     entries.push_back({.event = event,
                        .matcher = ownMatcher,
                        .words = wordsOf(entry),
-                       .timeout = entry.find("timeout")});
+                       .timeout = timeout ? timeout->integer() : std::nullopt});
   }
-  if (const JSON::Array* inner = JSON::arrayOf(entry.find("hooks"))) {
-    for (const JSON::Value& hook : *inner) collect(event, ownMatcher, *hook.object(), entries);
+  for (const JSON::View hook : entry.find("hooks").elements()) {
+    collect(event, ownMatcher, *hook.object(), entries);
   }
 }
 
-std::vector<Entry> entriesOf(const JSON::Object& settings) {
+std::vector<Entry> entriesOf(JSON::ObjectView settings) {
   std::vector<Entry> entries;
-  const JSON::Object* events = JSON::objectOf(settings.find("hooks"));
+  const auto events = settings.find("hooks").object();
   if (!events) return entries;
-  for (const JSON::Member& event : events->members()) {
-    for (const JSON::Value& entry : *event.value.array()) {
-      collect(event.key, std::nullopt, *entry.object(), entries);
+  for (const JSON::MemberView& event : events->members()) {
+    for (const JSON::View entry : event.value.elements()) {
+      collect(std::string(event.key), std::nullopt, *entry.object(), entries);
     }
   }
   return entries;
@@ -106,8 +107,8 @@ TEST(Snippets, AreThereForEveryHarnessWithSettingsOfItsOwn) {
   std::set<std::string_view> harnesses;
   for (const Snippet& snippet : allSnippets()) {
     const auto settings = JSON::read(snippet.text);
-    ASSERT_TRUE(settings && settings->object()) << snippet.document << ":\n" << snippet.text;
-    for (Entry& entry : entriesOf(*settings->object())) {
+    ASSERT_TRUE(settings && settings->root().object()) << snippet.document << ":\n" << snippet.text;
+    for (Entry& entry : entriesOf(settings->object())) {
       const auto outcome = HarnessFlag::parse(pointersTo(entry.words));
       const auto* found = std::get_if<HarnessFlag::Found>(&outcome);
       ASSERT_NE(found, nullptr) << snippet.text;
@@ -121,8 +122,8 @@ TEST(Snippets, StartTheHookWithASlotThatFitsTheEvent) {
   for (const Snippet& snippet : allSnippets()) {
     SCOPED_TRACE(snippet.document + ":\n" + snippet.text);
     const auto settings = JSON::read(snippet.text);
-    ASSERT_TRUE(settings && settings->object());
-    std::vector<Entry> entries = entriesOf(*settings->object());
+    ASSERT_TRUE(settings && settings->root().object());
+    std::vector<Entry> entries = entriesOf(settings->object());
     ASSERT_FALSE(entries.empty());
     for (Entry& entry : entries) {
       const std::vector<char*> arguments = pointersTo(entry.words);
@@ -136,9 +137,7 @@ TEST(Snippets, StartTheHookWithASlotThatFitsTheEvent) {
       EXPECT_EQ(slot == HookSlot::pretool, isToolEvent);
       EXPECT_EQ(entry.matcher.has_value(), isToolEvent);
       EXPECT_EQ(entry.words.front().find("/abs/quillstead-hook") != std::string::npos, true);
-      ASSERT_NE(entry.timeout, nullptr);
-      ASSERT_NE(entry.timeout->number(), nullptr);
-      EXPECT_GE(entry.timeout->number()->integer().value_or(0), 3);  // seconds; the hook takes 2.5
+      EXPECT_GE(entry.timeout.value_or(0), 3);  // the hook takes 2.5
     }
   }
 }
@@ -150,8 +149,8 @@ TEST(Snippets, MatchEveryToolThatIsStampedInCursor) {
   int found = 0;
   for (const Snippet& snippet : allSnippets()) {
     const auto settings = JSON::read(snippet.text);
-    ASSERT_TRUE(settings && settings->object());
-    for (const Entry& entry : entriesOf(*settings->object())) {
+    ASSERT_TRUE(settings && settings->root().object());
+    for (const Entry& entry : entriesOf(settings->object())) {
       if (entry.event != "preToolUse") continue;
       EXPECT_EQ(entry.matcher, expected);
       ++found;

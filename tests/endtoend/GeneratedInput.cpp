@@ -63,7 +63,7 @@ std::string GeneratedInput::digits(std::size_t most) {
   return digits;
 }
 
-JSON::Number GeneratedInput::number() {
+JSON::Value GeneratedInput::number() {
   std::string text = oneIn(3) ? "-" : "";
   text += oneIn(4) ? "0" : static_cast<char>('1' + below(9)) + (oneIn(4) ? "" : digits(40));
   if (oneIn(3)) text += "." + digits(30);
@@ -72,7 +72,7 @@ JSON::Number GeneratedInput::number() {
     constexpr std::array<std::string_view, 3> signs{"", "+", "-"};
     text += std::string(signs.at(below(signs.size()))) + digits(4);
   }
-  return JSON::Number::fromText(text);
+  return JSON::Value::number(text);
 }
 
 std::string GeneratedInput::text() {
@@ -101,7 +101,7 @@ std::string GeneratedInput::space() {
 
 std::string GeneratedInput::written(const JSON::Value& value) {
   if (value.text()) return space() + spelled(*value.text()) + space();
-  if (value.number()) return space() + value.number()->text() + space();
+  if (value.number()) return space() + std::string(value.number()->text()) + space();
   if (value.boolean()) return space() + (*value.boolean() ? "true" : "false") + space();
   std::string text;
   if (value.array()) {

@@ -27,7 +27,7 @@ class GeneratedInput {
 
   JSON::Object object(std::size_t depth);
   JSON::Value value(std::size_t depth);
-  JSON::Number number();
+  JSON::Value number();
   std::string digits(std::size_t most);
   std::string text();
   char32_t character();

@@ -32,7 +32,7 @@ bool areEqual(const Content* left, const Content* right) {
 
 MATCHER_P2(IsDocument, expected, members, std::string(negation ? "isn't " : "is ") + expected) {
   const auto actual = JSON::read(arg);
-  return actual && isSame(*actual, document(expected), members);
+  return actual && isSame(JSON::Value::copyOf(actual->root()), document(expected), members);
 }
 
 MATCHER_P(IsCompactLine, slashes, "is one compact line") {
@@ -52,9 +52,9 @@ bool isSame(const JSON::Value& left, const JSON::Value& right, Members members) 
 }
 
 JSON::Value document(std::string_view text) {
-  auto value = JSON::read(text);
-  EXPECT_TRUE(value) << "no JSON document: " << text;
-  return value ? std::move(*value) : JSON::Value();
+  const auto read = JSON::read(text);
+  EXPECT_TRUE(read) << "no JSON document: " << text;
+  return read ? JSON::Value::copyOf(read->root()) : JSON::Value();
 }
 
 std::string jsonString(std::string_view text) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "../helpers/JSONLookups.h"
 #include "support/JSON/Value.h"
 #include "support/JSON/Writer.h"
 

@@ -6,10 +6,10 @@
 namespace quillstead {
 
 std::optional<HookInput> ClaudeCodeAdapter::parse(std::string_view data) const {
-  const std::optional<JSON::Object> payload = Payload::read(data);
+  const std::optional<JSON::Document> payload = Payload::read(data);
   // Cursor can run Claude Code's hooks; such a payload is Cursor's own hook's to answer.
-  if (!payload || payload->find("cursor_version")) return std::nullopt;
-  return UserPromptSubmit::input(*payload);
+  if (!payload || payload->object().find("cursor_version").isThere()) return std::nullopt;
+  return UserPromptSubmit::input(payload->object());
 }
 
 std::string ClaudeCodeAdapter::envelope(std::string text) const {

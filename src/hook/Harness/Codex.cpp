@@ -6,9 +6,9 @@
 namespace quillstead {
 
 std::optional<HookInput> CodexAdapter::parse(std::string_view data) const {
-  const std::optional<JSON::Object> payload = Payload::read(data);
+  const std::optional<JSON::Document> payload = Payload::read(data);
   if (!payload) return std::nullopt;
-  return UserPromptSubmit::input(*payload);
+  return UserPromptSubmit::input(payload->object());
 }
 
 std::string CodexAdapter::envelope(std::string text) const {

@@ -7,11 +7,9 @@ namespace quillstead {
 
 namespace {
 
-std::optional<std::string> firstWorkspaceRoot(const JSON::Value* value) {
-  const JSON::Array* const roots = JSON::arrayOf(value);
-  if (!roots) return std::nullopt;
-  for (const JSON::Value& root : *roots) {
-    if (auto path = Payload::nonBlank(&root)) return path;
+std::optional<std::string> firstWorkspaceRoot(JSON::View value) {
+  for (const JSON::View root : value.elements()) {
+    if (auto path = Payload::nonBlank(root)) return path;
   }
   return std::nullopt;
 }
@@ -19,12 +17,13 @@ std::optional<std::string> firstWorkspaceRoot(const JSON::Value* value) {
 }  // namespace
 
 std::optional<HookInput> CursorAdapter::parse(std::string_view data) const {
-  const std::optional<JSON::Object> payload = Payload::read(data);
-  if (!payload) return std::nullopt;
-  return HookInput{.prompt = Payload::prompt(*payload),
-                   .cwd = firstWorkspaceRoot(payload->find("workspace_roots")),
-                   .sessionID = Payload::nonBlank(*payload, "session_id"),
-                   .transcriptPath = Payload::nonBlank(*payload, "transcript_path")};
+  const std::optional<JSON::Document> document = Payload::read(data);
+  if (!document) return std::nullopt;
+  const JSON::ObjectView payload = document->object();
+  return HookInput{.prompt = Payload::prompt(payload),
+                   .cwd = firstWorkspaceRoot(payload.find("workspace_roots")),
+                   .sessionID = Payload::nonBlank(payload, "session_id"),
+                   .transcriptPath = Payload::nonBlank(payload, "transcript_path")};
 }
 
 std::string CursorAdapter::envelope(std::string text) const {

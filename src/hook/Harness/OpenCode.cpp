@@ -6,11 +6,12 @@
 namespace quillstead {
 
 std::optional<HookInput> OpenCodeAdapter::parse(std::string_view data) const {
-  const std::optional<JSON::Object> payload = Payload::read(data);
-  if (!payload) return std::nullopt;
-  return HookInput{.prompt = Payload::prompt(*payload),
-                   .cwd = Payload::nonBlank(*payload, "cwd"),
-                   .sessionID = Payload::nonBlank(*payload, "sessionID"),
+  const std::optional<JSON::Document> document = Payload::read(data);
+  if (!document) return std::nullopt;
+  const JSON::ObjectView payload = document->object();
+  return HookInput{.prompt = Payload::prompt(payload),
+                   .cwd = Payload::nonBlank(payload, "cwd"),
+                   .sessionID = Payload::nonBlank(payload, "sessionID"),
                    .transcriptPath = std::nullopt};
 }
 

@@ -5,25 +5,23 @@
 
 namespace quillstead::Payload {
 
-std::optional<JSON::Object> read(std::string_view input) {
-  std::optional<JSON::Value> document = JSON::read(input);
-  JSON::Object* const object = document ? document->object() : nullptr;
-  if (!object) return std::nullopt;
-  return std::move(*object);
+std::optional<JSON::Document> read(std::string_view input) {
+  std::optional<JSON::Document> document = JSON::read(input);
+  if (document && !document->root().object()) document.reset();
+  return document;
 }
 
-std::string prompt(const JSON::Object& payload) {
-  const std::string* const text = JSON::textOf(payload.find("prompt"));
-  return text ? *text : "";
+std::string prompt(JSON::ObjectView payload) {
+  return std::string(payload.find("prompt").text().value_or(""));
 }
 
-std::optional<std::string> nonBlank(const JSON::Value* value) {
-  const std::string* const text = JSON::textOf(value);
+std::optional<std::string> nonBlank(JSON::View value) {
+  const auto text = value.text();
   if (!text || Text::isBlank(*text)) return std::nullopt;
-  return *text;
+  return std::string(*text);
 }
 
-std::optional<std::string> nonBlank(const JSON::Object& payload, std::string_view key) {
+std::optional<std::string> nonBlank(JSON::ObjectView payload, std::string_view key) {
   return nonBlank(payload.find(key));
 }
 

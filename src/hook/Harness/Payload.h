@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/JSON/Value.h"
+#include "support/JSON/Document.h"
 
 #include <optional>
 #include <string>
@@ -10,15 +10,15 @@
 namespace quillstead::Payload {
 
 /// The payload in `input`; absent when it is not one JSON object.
-std::optional<JSON::Object> read(std::string_view input);
+std::optional<JSON::Document> read(std::string_view input);
 
 /// The text of the key "prompt" as it is, maybe blank; empty when there is none or it is no text.
-std::string prompt(const JSON::Object& payload);
+std::string prompt(JSON::ObjectView payload);
 
 /// `value` when it is a text with more than white space in it, untrimmed; else absent.
-std::optional<std::string> nonBlank(const JSON::Value* value);
+std::optional<std::string> nonBlank(JSON::View value);
 
 /// The same for the value of `key`.
-std::optional<std::string> nonBlank(const JSON::Object& payload, std::string_view key);
+std::optional<std::string> nonBlank(JSON::ObjectView payload, std::string_view key);
 
 }  // namespace quillstead::Payload

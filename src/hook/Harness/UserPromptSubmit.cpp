@@ -5,7 +5,7 @@
 
 namespace quillstead::UserPromptSubmit {
 
-HookInput input(const JSON::Object& payload) {
+HookInput input(JSON::ObjectView payload) {
   return {.prompt = Payload::prompt(payload),
           .cwd = Payload::nonBlank(payload, "cwd"),
           .sessionID = Payload::nonBlank(payload, "session_id"),

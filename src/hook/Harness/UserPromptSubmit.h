@@ -8,7 +8,7 @@
 /// The payload and the answer of the prompt hook that Claude Code defined and Codex took over.
 namespace quillstead::UserPromptSubmit {
 
-HookInput input(const JSON::Object& payload);
+HookInput input(JSON::ObjectView payload);
 
 /// `{"hookSpecificOutput":{"hookEventName":"UserPromptSubmit","additionalContext":<text>}}`
 std::string envelope(std::string text);

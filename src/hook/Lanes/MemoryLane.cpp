@@ -14,7 +14,7 @@ bool isReasonCharacter(char character) {
          (character >= '0' && character <= '9') || character == '-';
 }
 
-void addShortcut(const JSON::Object& meta, LaneOutcome& outcome) {
+void addShortcut(JSON::ObjectView meta, LaneOutcome& outcome) {
   outcome.shortcut = validFenced(meta.find("quillstead/shortcut"), "<quillstead-shortcut>");
   if (outcome.shortcut) {
     outcome.fields.emplace_back("shortcut=1");
@@ -24,14 +24,14 @@ void addShortcut(const JSON::Object& meta, LaneOutcome& outcome) {
 }
 
 void addCards(MCPReply& reply, LaneOutcome& outcome) {
-  const JSON::Value* const kind = reply.meta.find("quillstead/replyKind");
-  if (JSON::isText(kind, "empty")) {
+  const auto kind = reply.meta.find("quillstead/replyKind").text();
+  if (kind == "empty") {
     outcome.fields.emplace_back("cards=0");
     return;
   }
   const auto count = validCount(reply.meta.find("quillstead/cardCount"));
   const bool hasText = reply.text && !reply.text->empty();
-  if (!JSON::isText(kind, "cards") || !hasText || !count) {
+  if (kind != "cards" || !hasText || !count) {
     outcome.fields.emplace_back("cards=MISS:no-kind");
     return;
   }
@@ -52,33 +52,33 @@ JSON::Object arguments(const HookInput& input) {
   return arguments;
 }
 
-std::optional<std::string> validFenced(const JSON::Value* value, std::string_view tag) {
-  const std::string* const text = JSON::textOf(value);
+std::optional<std::string> validFenced(JSON::View value, std::string_view tag) {
+  const auto text = value.text();
   if (!text || Text::isBlank(*text) || !text->starts_with(tag)) return std::nullopt;
-  return *text;
+  return std::string(*text);
 }
 
-std::optional<std::string> validMiss(const JSON::Value* value) {
+std::optional<std::string> validMiss(JSON::View value) {
   constexpr std::size_t longest = 32;
-  const std::string* const text = JSON::textOf(value);
+  const auto text = value.text();
   if (!text || text->empty() || text->size() > longest) return std::nullopt;
   if (!std::all_of(text->begin(), text->end(), isReasonCharacter)) return std::nullopt;
-  return *text;
+  return std::string(*text);
 }
 
-std::optional<std::int64_t> validCount(const JSON::Value* value) {
+std::optional<std::int64_t> validCount(JSON::View value) {
   constexpr std::int64_t most = 999;
   const auto count = ReplyNumber::positive(value);
   return count && *count <= most ? count : std::nullopt;
 }
 
-std::optional<std::vector<std::int64_t>> validSpans(const JSON::Value* value, std::int64_t count) {
-  const JSON::Array* const list = JSON::arrayOf(value);
+std::optional<std::vector<std::int64_t>> validSpans(JSON::View value, std::int64_t count) {
+  const auto list = value.array();
   if (!list || static_cast<std::int64_t>(list->size()) != count) return std::nullopt;
   std::vector<std::int64_t> spans;
   spans.reserve(list->size());
-  for (const JSON::Value& element : *list) {
-    const auto span = ReplyNumber::positive(&element);
+  for (const JSON::View element : *list) {
+    const auto span = ReplyNumber::positive(element);
     if (!span) return std::nullopt;
     spans.push_back(*span);
   }

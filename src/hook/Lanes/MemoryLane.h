@@ -23,13 +23,13 @@ JSON::Object arguments(const HookInput& input);
 // when it is sound.
 
 /// A text that is not blank and begins with `tag`.
-std::optional<std::string> validFenced(const JSON::Value* value, std::string_view tag);
+std::optional<std::string> validFenced(JSON::View value, std::string_view tag);
 /// A reason of 1 to 32 ASCII letters, digits and hyphens.
-std::optional<std::string> validMiss(const JSON::Value* value);
+std::optional<std::string> validMiss(JSON::View value);
 /// An integer from 1 to 999.
-std::optional<std::int64_t> validCount(const JSON::Value* value);
+std::optional<std::int64_t> validCount(JSON::View value);
 /// A list of `count` integers, each at least 1.
-std::optional<std::vector<std::int64_t>> validSpans(const JSON::Value* value, std::int64_t count);
+std::optional<std::vector<std::int64_t>> validSpans(JSON::View value, std::int64_t count);
 
 /// Calls the tool with all the time the deadline leaves. Blocks that long at most.
 LaneOutcome run(const HookInput& input, const MCPClient& client, const Deadline& deadline);

@@ -8,17 +8,17 @@ namespace quillstead::RulesLane {
 
 namespace {
 
-std::string cardField(const JSON::Object& meta) {
-  if (!JSON::isText(meta.find("quillstead/rulesLane"), "card")) return "card=miss";
-  return JSON::isText(meta.find("quillstead/card"), "pointer") ? "card=pointer" : "card=1";
+std::string cardField(JSON::ObjectView meta) {
+  if (meta.find("quillstead/rulesLane").text() != "card") return "card=miss";
+  return meta.find("quillstead/card").text() == "pointer" ? "card=pointer" : "card=1";
 }
 
 void addRules(MCPReply& reply, LaneOutcome& outcome) {
-  const JSON::Value* const kind = reply.meta.find("quillstead/replyKind");
+  const auto kind = reply.meta.find("quillstead/replyKind").text();
   const bool hasText = reply.text && !reply.text->empty();
-  if (JSON::isText(kind, "empty")) {
+  if (kind == "empty") {
     outcome.fields.emplace_back("rules=0");
-  } else if (JSON::isText(kind, "rules") && hasText) {
+  } else if (kind == "rules" && hasText) {
     outcome.fields.emplace_back("rules=1");
     outcome.block = std::move(reply.text);
     outcome.indexSpan = validSpan(reply.meta.find("quillstead/indexSpan"));
@@ -41,9 +41,7 @@ JSON::Object arguments(const HookInput& input, const Wanted& wanted) {
   return arguments;
 }
 
-std::optional<std::int64_t> validSpan(const JSON::Value* value) {
-  return ReplyNumber::positive(value);
-}
+std::optional<std::int64_t> validSpan(JSON::View value) { return ReplyNumber::positive(value); }
 
 LaneOutcome run(const HookInput& input, const Wanted& wanted, const MCPClient& client,
                 const Deadline& deadline) {

@@ -26,7 +26,7 @@ struct Wanted {
 JSON::Object arguments(const HookInput& input, const Wanted& wanted);
 
 /// An integer of at least 1; absent for anything else, a missing value included.
-std::optional<std::int64_t> validSpan(const JSON::Value* value);
+std::optional<std::int64_t> validSpan(JSON::View value);
 
 /// Calls the tool with what the deadline leaves, at most `longestLeash`. Blocks that long at most.
 LaneOutcome run(const HookInput& input, const Wanted& wanted, const MCPClient& client,

@@ -11,8 +11,8 @@ namespace quillstead {
 namespace {
 
 /// A server may write the number as it likes: 2, 2.0 and 2.7 all read as 2, the text "2" does not.
-bool isToolCallID(const JSON::Value* id) {
-  const JSON::Number* const number = id ? id->number() : nullptr;
+bool isToolCallID(JSON::View id) {
+  const std::optional<JSON::Number> number = id.number();
   if (!number) return false;
   const double value = number->approximation();
   return value >= 2 && value < 3;
@@ -30,27 +30,24 @@ bool mayHaveID(std::string_view line) {
 }
 
 /// The first response to the tool call among the lines that the server wrote.
-std::optional<JSON::Object> toolCallResponse(std::string_view output) {
+std::optional<JSON::Document> toolCallResponse(std::string_view output) {
   while (!output.empty()) {
     const std::string_view line = output.substr(0, output.find('\n'));
     output.remove_prefix(std::min(line.size() + 1, output.size()));
     if (!mayHaveID(line)) continue;
-    std::optional<JSON::Value> document = JSON::read(line, mostValues);
-    JSON::Object* const message = document ? document->object() : nullptr;
-    if (message && isToolCallID(message->find("id"))) return std::move(*message);
+    std::optional<JSON::Document> message = JSON::read(line, mostValues);
+    if (message && isToolCallID(message->object().find("id"))) return message;
   }
   return std::nullopt;
 }
 
 /// The text of the first text item of a result's content; the later ones do not count.
-std::optional<std::string> firstText(const JSON::Object& result) {
-  const JSON::Array* const content = JSON::arrayOf(result.find("content"));
-  if (!content) return std::nullopt;
-  for (const JSON::Value& element : *content) {
-    const JSON::Object* const item = element.object();
-    if (!item || !JSON::isText(item->find("type"), "text")) continue;
-    const std::string* const text = JSON::textOf(item->find("text"));
-    return text ? std::optional(*text) : std::nullopt;
+std::optional<std::string> firstText(JSON::ObjectView result) {
+  for (const JSON::View element : result.find("content").elements()) {
+    const auto item = element.object();
+    if (!item || item->find("type").text() != "text") continue;
+    const auto text = item->find("text").text();
+    return text ? std::optional<std::string>(*text) : std::nullopt;
   }
   return std::nullopt;
 }
@@ -60,12 +57,12 @@ std::optional<std::string> firstText(const JSON::Object& result) {
 MCPReply MCPReply::from(std::string_view output) {
   MCPReply reply;
   reply.miss = noEnvelope;
-  std::optional<JSON::Object> response = toolCallResponse(output);
-  JSON::Object* const result = response ? JSON::objectOf(response->find("result")) : nullptr;
+  reply.response = toolCallResponse(output);
+  if (!reply.response) return reply;
+  const auto result = reply.response->object().find("result").object();
   if (!result) return reply;
 
-  if (JSON::Object* const meta = JSON::objectOf(result->find("_meta")))
-    reply.meta = std::move(*meta);
+  reply.meta = result->find("_meta").object().value_or(JSON::ObjectView());
   if (ReplyTruth::isTruthy(result->find("isError"))) return reply;
   reply.text = firstText(*result);
   if (reply.text) reply.miss = std::nullopt;

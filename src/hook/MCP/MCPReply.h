@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/JSON/Value.h"
+#include "support/JSON/Document.h"
 
 #include <optional>
 #include <string>
@@ -15,9 +15,10 @@ struct MCPReply {
   static constexpr std::string_view noEnvelope = "no-envelope";
 
   std::optional<std::string> text;       ///< the tool's answer; only on success
-  JSON::Object meta;                     ///< the result's "_meta"; empty when there is none
+  JSON::ObjectView meta;                 ///< the result's "_meta"; empty when there is none
   std::optional<std::string_view> miss;  ///< `timeout` or `noEnvelope`; absent on success
   bool declineFast = false;  ///< the server could not be started, or failed: do not try it again
+  std::optional<JSON::Document> response;  ///< what `meta` lies in
 
   /// The reply in all that a server wrote: the first line that is a response to the tool call
   /// counts, every other line is passed over.

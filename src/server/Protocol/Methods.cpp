@@ -21,8 +21,8 @@ constexpr std::string_view instructions =
     "knowledge each. Call memory_get_relevant with what you are about to do, grab for one whole "
     "card, and memory_add for what will be worth knowing in later sessions.";
 
-JSON::Value initialize(const JSON::Value& id, const JSON::Object& parameters) {
-  const std::string* const wanted = JSON::textOf(parameters.find("protocolVersion"));
+JSON::Value initialize(JSON::View id, JSON::ObjectView parameters) {
+  const auto wanted = parameters.find("protocolVersion").text();
   if (!wanted) {
     return Reply::error(id, Reply::Error::invalidParameters, "protocolVersion must be a text");
   }
@@ -35,25 +35,23 @@ JSON::Value initialize(const JSON::Value& id, const JSON::Object& parameters) {
                                            {"instructions", instructions}}));
 }
 
-JSON::Value listTools(const JSON::Value& id, const JSON::Object& parameters) {
-  const JSON::Value* const cursor = parameters.find("cursor");
-  if (cursor && !cursor->isNull()) {  // none was ever handed out: the list has one page
+JSON::Value listTools(JSON::View id, JSON::ObjectView parameters) {
+  const JSON::View cursor = parameters.find("cursor");
+  if (cursor.isThere() && !cursor.isNull()) {  // none was ever handed out: the list has one page
     return Reply::error(id, Reply::Error::invalidParameters, "the cursor is unknown");
   }
   return Reply::result(id, JSON::objectOf({{"tools", Tools::list()}}));
 }
 
-JSON::Value callTool(const JSON::Value& id, const JSON::Object& parameters,
+JSON::Value callTool(JSON::View id, JSON::ObjectView parameters,
                      const OS::Environment& environment) {
-  const std::string* const name = JSON::textOf(parameters.find("name"));
+  const auto name = parameters.find("name").text();
   if (!name) return Reply::error(id, Reply::Error::invalidParameters, "name must be a text");
-  const JSON::Value* const arguments = parameters.find("arguments");
-  if (arguments && !arguments->isNull() && !arguments->object()) {
+  const JSON::View arguments = parameters.find("arguments");
+  if (arguments.isThere() && !arguments.isNull() && !arguments.object()) {
     return Reply::error(id, Reply::Error::invalidParameters, "arguments must be an object");
   }
-  const JSON::Object none;
-  auto outcome = Tools::call(*name, arguments && arguments->object() ? *arguments->object() : none,
-                             environment);
+  auto outcome = Tools::call(*name, arguments.object().value_or(JSON::ObjectView()), environment);
   if (const auto* bad = std::get_if<BadArguments>(&outcome)) {
     return Reply::error(id, Reply::Error::invalidParameters, bad->reason);
   }
@@ -67,7 +65,7 @@ std::string_view agreedVersion(std::string_view wanted) {
   return known != versions.end() ? *known : versions.back();
 }
 
-JSON::Value answer(const JSON::Value& id, std::string_view method, const JSON::Object& parameters,
+JSON::Value answer(JSON::View id, std::string_view method, JSON::ObjectView parameters,
                    const OS::Environment& environment) {
   if (method == "initialize") return initialize(id, parameters);
   if (method == "ping") return Reply::result(id, {});

@@ -9,7 +9,7 @@
 namespace quillstead::Methods {
 
 /// The response to a well-formed request, errors included.
-JSON::Value answer(const JSON::Value& id, std::string_view method, const JSON::Object& parameters,
+JSON::Value answer(JSON::View id, std::string_view method, JSON::ObjectView parameters,
                    const OS::Environment& environment);
 
 /// The protocol version to speak with a client that asks for `wanted`: that one when it is known,

@@ -5,11 +5,11 @@
 
 namespace quillstead::Reply {
 
-JSON::Value result(const JSON::Value& id, JSON::Object result) {
+JSON::Value result(JSON::View id, JSON::Object result) {
   return JSON::objectOf({{"jsonrpc", "2.0"}, {"id", id}, {"result", std::move(result)}});
 }
 
-JSON::Value error(const JSON::Value& id, Error code, std::string_view message) {
+JSON::Value error(JSON::View id, Error code, std::string_view message) {
   JSON::Object error =
       JSON::objectOf({{"code", static_cast<std::int64_t>(code)}, {"message", message}});
   return JSON::objectOf({{"jsonrpc", "2.0"}, {"id", id}, {"error", std::move(error)}});

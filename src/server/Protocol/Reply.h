@@ -15,8 +15,9 @@ enum class Error {
   invalidParameters = -32'602,
 };
 
-/// `id`: the request's; null when it could not be read.
-JSON::Value result(const JSON::Value& id, JSON::Object result);
-JSON::Value error(const JSON::Value& id, Error code, std::string_view message);
+/// `id`: the request's, whose document must outlive the reply; absent when it could not be read,
+/// which is written as null.
+JSON::Value result(JSON::View id, JSON::Object result);
+JSON::Value error(JSON::View id, Error code, std::string_view message);
 
 }  // namespace quillstead::Reply

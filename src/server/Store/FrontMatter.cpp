@@ -27,7 +27,7 @@ std::optional<std::string> takeQuoted(std::string_view& text) {
     std::string array;
     const auto read = JSON::read(array.append("[").append(quoted).append("]"));
     if (!read) return std::nullopt;
-    value = *read->array()->front().text();
+    value = *read->root().array()->front().text();
   }
   text.remove_prefix(end + 1);
   return value;

@@ -14,19 +14,20 @@ void addUnlessBlank(std::vector<std::string>& texts, std::string_view text) {
 }  // namespace
 
 std::optional<std::string> Arguments::text(std::string_view name) {
-  const JSON::Value* const value = find(name);
-  if (!value) return std::nullopt;
-  if (!value->text() || value->text()->find('\0') != std::string::npos) {
+  const JSON::View value = find(name);
+  if (!value.isThere()) return std::nullopt;
+  const auto given = value.text();
+  if (!given || given->find('\0') != std::string_view::npos) {
     complain(name, "a text without zero characters");
     return std::nullopt;
   }
-  return *value->text();
+  return std::string(*given);
 }
 
 std::optional<std::string> Arguments::anyText(std::string_view name) {
-  const JSON::Value* const value = find(name);
-  if (!value) return std::nullopt;
-  if (value->text()) return *value->text();
+  const JSON::View value = find(name);
+  if (!value.isThere()) return std::nullopt;
+  if (const auto given = value.text()) return std::string(*given);
   complain(name, "a text");
   return std::nullopt;
 }
@@ -46,9 +47,9 @@ std::optional<std::string> Arguments::trimmedText(std::string_view name) {
 
 std::vector<std::string> Arguments::texts(std::string_view name) {
   std::vector<std::string> all;
-  const JSON::Value* const value = find(name);
-  if (!value) return all;
-  if (const std::string* const list = value->text()) {
+  const JSON::View value = find(name);
+  if (!value.isThere()) return all;
+  if (const auto list = value.text()) {
     std::string_view rest = *list;
     for (;;) {
       const std::size_t comma = rest.find(',');
@@ -57,24 +58,24 @@ std::vector<std::string> Arguments::texts(std::string_view name) {
       rest.remove_prefix(comma + 1);
     }
   }
-  if (!value->array()) complain(name, "an array of texts");
-  for (const JSON::Value& element : value->array() ? *value->array() : JSON::Array()) {
+  if (!value.array()) complain(name, "an array of texts");
+  for (const JSON::View element : value.elements()) {
     if (!element.text()) complain(name, "an array of texts");
-    addUnlessBlank(all, element.text() ? *element.text() : "");
+    addUnlessBlank(all, element.text().value_or(""));
   }
   return all;
 }
 
 bool Arguments::flag(std::string_view name) {
-  const JSON::Value* const value = find(name);
-  if (value && !value->boolean()) complain(name, "true or false");
-  return value && value->boolean() && *value->boolean();
+  const JSON::View value = find(name);
+  if (value.isThere() && !value.boolean()) complain(name, "true or false");
+  return value.boolean().value_or(false);
 }
 
 std::optional<std::size_t> Arguments::count(std::string_view name) {
-  const JSON::Value* const value = find(name);
-  if (!value) return std::nullopt;
-  const auto integer = value->number() ? value->number()->integer() : std::nullopt;
+  const JSON::View value = find(name);
+  if (!value.isThere()) return std::nullopt;
+  const auto integer = value.number() ? value.number()->integer() : std::nullopt;
   if (!integer || *integer < 1) {
     complain(name, "an integer of at least 1");
     return std::nullopt;
@@ -98,9 +99,9 @@ Scope Arguments::scope(const OS::Environment& environment) {
   return Scope::find(environment, usable ? std::optional<std::string_view>(*cwd) : std::nullopt);
 }
 
-const JSON::Value* Arguments::find(std::string_view name) {
-  const JSON::Value* const value = arguments_.find(name);
-  return value && !value->isNull() ? value : nullptr;
+JSON::View Arguments::find(std::string_view name) const {
+  const JSON::View value = arguments_.find(name);
+  return value.isNull() ? JSON::View() : value;
 }
 
 void Arguments::complain(std::string_view name, std::string_view expected) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "server/Store/Scope.h"
-#include "support/JSON/Value.h"
+#include "support/JSON/View.h"
 #include "support/OS/Environment.h"
 
 #include <cstddef>
@@ -16,7 +16,7 @@ namespace quillstead {
 /// value of a wrong kind is remembered and makes the call a bad one.
 class Arguments {
  public:
-  explicit Arguments(const JSON::Object& arguments) : arguments_(arguments) {}
+  explicit Arguments(JSON::ObjectView arguments) : arguments_(arguments) {}
 
   /// A text without zero characters.
   std::optional<std::string> text(std::string_view name);
@@ -47,10 +47,10 @@ class Arguments {
   [[nodiscard]] const std::optional<std::string>& flaw() const { return flaw_; }
 
  private:
-  const JSON::Value* find(std::string_view name);
+  [[nodiscard]] JSON::View find(std::string_view name) const;
   void complain(std::string_view name, std::string_view expected);
 
-  const JSON::Object& arguments_;
+  JSON::ObjectView arguments_;
   std::optional<std::string> flaw_;
 };
 

@@ -34,10 +34,12 @@ JSON::Value described(const Tool& tool) {
   JSON::Object hints = JSON::objectOf({{"readOnlyHint", !tool.changesMemory},
                                        {"destructiveHint", false},
                                        {"openWorldHint", false}});
-  return JSON::objectOf({{"name", tool.name},
-                         {"description", tool.description},
-                         {"inputSchema", JSON::read(tool.schema).value_or(JSON::Value())},
-                         {"annotations", std::move(hints)}});
+  const std::optional<JSON::Document> schema = JSON::read(tool.schema);
+  return JSON::objectOf(
+      {{"name", tool.name},
+       {"description", tool.description},
+       {"inputSchema", JSON::Value::copyOf(schema ? schema->root() : JSON::View())},
+       {"annotations", std::move(hints)}});
 }
 
 }  // namespace
@@ -48,7 +50,7 @@ JSON::Array list() {
   return all;
 }
 
-ToolOutcome call(std::string_view name, const JSON::Object& arguments,
+ToolOutcome call(std::string_view name, JSON::ObjectView arguments,
                  const OS::Environment& environment) {
   for (const Tool& tool : tools) {
     if (tool.name != name) continue;

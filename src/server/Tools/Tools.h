@@ -12,7 +12,7 @@ namespace quillstead::Tools {
 /// Their names, descriptions and schemas, as "tools/list" gives them.
 JSON::Array list();
 
-ToolOutcome call(std::string_view name, const JSON::Object& arguments,
+ToolOutcome call(std::string_view name, JSON::ObjectView arguments,
                  const OS::Environment& environment);
 
 }  // namespace quillstead::Tools

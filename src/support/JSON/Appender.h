@@ -1,11 +1,9 @@
 #pragma once
 
-#include "support/OS/LargeMemory.h"
 #include "support/Text/Blocks.h"
 
 #include <array>
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,12 +13,7 @@ namespace quillstead::JSON {
 /// library for thousands of bytes, not one for each run.
 class Appender {
  public:
-  /// Begins a text. `mostSize`: how long it can become, when that is known.
-  void begin(std::string& text, std::optional<std::size_t> mostSize = std::nullopt) {
-    text_ = &text;
-    mostSize_ = mostSize;
-    used_ = 0;
-  }
+  explicit Appender(std::string& text) : text_(text) {}
 
   Appender& operator+=(char byte) {
     if (used_ == buffer_.size()) flush();
@@ -31,7 +24,7 @@ class Appender {
   Appender& operator+=(std::string_view bytes) {
     if (bytes.size() > buffer_.size() - used_) flush();
     if (bytes.size() > buffer_.size()) {
-      text_->append(bytes);
+      text_.append(bytes);
     } else {
       bytes.copy(buffer_.data() + used_, bytes.size());
       used_ += bytes.size();
@@ -64,13 +57,11 @@ class Appender {
   }
 
   void flush() {
-    if (mostSize_) OS::makeRoom(*text_, used_, *mostSize_);
-    text_->append(buffer_.data(), used_);
+    text_.append(buffer_.data(), used_);
     used_ = 0;
   }
 
-  std::string* text_ = nullptr;
-  std::optional<std::size_t> mostSize_;
+  std::string& text_;
   std::size_t used_ = 0;
   std::array<char, 4096> buffer_;
 };

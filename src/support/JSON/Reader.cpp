@@ -1,11 +1,16 @@
 #include "support/JSON/Reader.h"
 
-#include "support/JSON/Appender.h"
 #include "support/JSON/Encoding.h"
+#include "support/JSON/RepeatedKeys.h"
+#include "support/OS/LargeMemory.h"
 #include "support/Text/Blocks.h"
 #include "support/Text/Text.h"
 
+#include <algorithm>
 #include <charconv>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace quillstead::JSON {
 
@@ -21,117 +26,150 @@ bool isWhiteSpace(char byte) {
   return byte <= ' ' && (byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t');
 }
 
+/// Room for the texts of a document, and for its values and members when they are as many as usual:
+/// more come in blocks of their own.
+std::size_t usualMemory(std::size_t documentSize) {
+  constexpr std::size_t most = 4U << 20U;
+  constexpr std::size_t least = 512;
+  return documentSize + std::clamp(3 * documentSize, least, most);
+}
+
 /// Reads a document from its start to its end, once. Every operation takes what it is named for off
-/// the rest of the document; false, with nothing to be trusted, when that is not what stands there.
+/// the rest of the document and gives its value, which is absent, with nothing to be trusted, when
+/// that is not what stands there; those without a value tell so by false.
 class Parser {
  public:
   Parser(std::string_view document, std::size_t mostValues)
-      : next_(document.data()), end_(next_ + document.size()), valuesLeft_(mostValues) {}
+      : next_(document.data()),
+        end_(next_ + document.size()),
+        memory_(usualMemory(document.size())),
+        // No text is longer than what it is written as.
+        texts_(static_cast<char*>(memory_.take(document.size() + sizeof(Text::Blocks::Block)))),
+        valuesLeft_(mostValues) {
+    elements_.reserve(std::min(document.size() / bytesPerElement, mostReserved));
+    OS::preferLargePages(std::as_writable_bytes(std::span(elements_.data(), elements_.capacity())));
+  }
 
-  bool document(Value& value) {
+  std::optional<Document> document() {
     skipWhiteSpace();
-    if (!startsWith('{') && !startsWith('[')) return false;
-    if (!any(value)) return false;
+    if (!startsWith('{') && !startsWith('[')) return std::nullopt;
+    const View root = any();
     skipWhiteSpace();
-    return next_ == end_;
+    if (!root.isThere() || next_ != end_) return std::nullopt;
+    return Document(std::move(memory_), root);
   }
 
  private:
-  bool any(Value& value) {
-    if (next_ == end_ || valuesLeft_-- == 0) return false;
+  View any() {
+    if (next_ == end_ || valuesLeft_-- == 0) return {};
     switch (*next_) {
       case '{':
-        return object(value);
+        return object();
       case '[':
-        return array(value);
+        return array();
       case '"':
-        return text(value);
+        return text();
       case 't':
-        value.emplace(true);
-        return skip("true");
+        return skip("true") ? View(true) : View();
       case 'f':
-        value.emplace(false);
-        return skip("false");
+        return skip("false") ? View(false) : View();
       case 'n':
-        value = Value(nullptr);
-        return skip("null");
+        return skip("null") ? View(nullptr) : View();
       default:
-        return number(value);
+        return number();
     }
   }
 
-  bool object(Value& value) {
-    if (depth_++ == maximumDepth) return false;
-    std::vector<Member> members;
+  View object() {
+    if (depth_++ == maximumDepth) return {};
+    const std::size_t first = members_.size();
     skip('{');
     skipWhiteSpace();
     if (!skip('}')) {
-      members.reserve(usualMembers);
       do {
-        if (!member(members.emplace_back())) return false;
+        if (!member()) return {};
       } while (skip(','));
-      if (!skip('}')) return false;
+      if (!skip('}')) return {};
     }
     --depth_;
-    value.emplace(Object(std::move(members)));
-    return true;
+    const std::span<MemberView> read = std::span(members_).subspan(first);
+    const std::span<const MemberView> members = read.first(dropRepeatedKeys(read));
+    const ObjectView object(memory_.copy(members));
+    members_.resize(first);
+    return View(object);
   }
 
-  bool member(Member& member) {
+  bool member() {
     skipWhiteSpace();
-    if (valuesLeft_-- == 0 || !text(member.key)) return false;
+    if (valuesLeft_-- == 0) return false;
+    const std::optional<std::string_view> key = text().text();
     skipWhiteSpace();
-    return skip(':') && element(member.value);
+    if (!key || !skip(':')) return false;
+    const View value = element();
+    members_.push_back({*key, value});
+    return value.isThere();
   }
 
-  bool array(Value& value) {
-    if (depth_++ == maximumDepth) return false;
-    Array elements;
+  View array() {
+    if (depth_++ == maximumDepth) return {};
+    const std::size_t first = elements_.size();
     skip('[');
     skipWhiteSpace();
     if (!skip(']')) {
       do {
-        if (!element(elements.emplace_back())) return false;
+        const View value = element();
+        if (!value.isThere()) return {};
+        elements_.push_back(value);
       } while (skip(','));
-      if (!skip(']')) return false;
+      if (!skip(']')) return {};
     }
     --depth_;
-    value.emplace(std::move(elements));
-    return true;
+    const ArrayView array = memory_.copy(ArrayView(elements_).subspan(first));
+    elements_.resize(first);
+    return View(array);
   }
 
   /// A value with the white space around it.
-  bool element(Value& value) {
+  View element() {
     skipWhiteSpace();
-    if (!any(value)) return false;
+    const View value = any();
     skipWhiteSpace();
-    return true;
+    return value;
   }
 
-  bool text(Value& value) { return text(value.emplace(std::string())); }
-
-  bool text(std::string& decoded) {
-    if (!skip('"')) return false;
-    decoded_.begin(decoded, rest().size());
+  View text() {
+    if (!skip('"')) return {};
+    const char* const first = texts_;
     plainCharacters();
-    while (!skip('"')) {
+    if (!skip('"') && !specialCharacters()) return {};
+    return View(std::string_view(first, texts_));
+  }
+
+  void plainCharacters() {
+    const std::size_t count = Text::Blocks::copyBefore(rest(), texts_, areSpecial);
+    next_ += count;
+    texts_ += count;
+  }
+
+  /// The rest of a text from a character on that is not plain, with the quote behind it.
+  bool specialCharacters() {
+    do {
       if (!(startsWith('\\') ? escape() : characterBeyondASCII())) return false;
       plainCharacters();
-    }
-    decoded_.end();
+    } while (!skip('"'));
     return true;
   }
-
-  void plainCharacters() { next_ += decoded_.appendBefore(rest(), areSpecial); }
 
   bool characterBeyondASCII() {
     if (next_ == end_) return false;
     const Text::Decoded character = Text::decodeFirst(rest());
     if (!character.valid || character.character < 0x80) return false;
-    decoded_ += rest().substr(0, character.length);
+    append(rest().substr(0, character.length));
     next_ += character.length;
     return true;
   }
+
+  void append(std::string_view bytes) { texts_ = std::copy(bytes.begin(), bytes.end(), texts_); }
 
   bool escape() {
     if (end_ - next_ < 2) return false;
@@ -139,7 +177,7 @@ class Parser {
     if (letter == 'u') return escapedCharacter();
     const char meaning = meaningOf(letter);
     if (meaning == 0) return false;
-    decoded_ += meaning;
+    *texts_++ = meaning;
     next_ += 2;
     return true;
   }
@@ -177,7 +215,7 @@ class Parser {
     }
     std::string bytes;
     if (!Text::appendCharacter(bytes, character)) return false;
-    decoded_ += bytes;
+    append(bytes);
     return true;
   }
 
@@ -189,14 +227,15 @@ class Parser {
     return std::from_chars(first, next_, unit, 16).ptr == next_;
   }
 
-  bool number(Value& value) {
+  View number() {
     const char* const first = next_;
     skip('-');
-    if (!skip('0') && !digits()) return false;
-    if (skip('.') && !digits()) return false;
-    if ((skip('e') || skip('E')) && !exponent()) return false;
-    value.emplace(Number::fromText(std::string(first, next_)));
-    return true;
+    if (!skip('0') && !digits()) return {};
+    if (skip('.') && !digits()) return {};
+    if ((skip('e') || skip('E')) && !exponent()) return {};
+    const char* const written = texts_;
+    append({first, next_});
+    return View(Number({written, texts_}));
   }
 
   bool exponent() {
@@ -229,30 +268,28 @@ class Parser {
   [[nodiscard]] bool startsWith(char byte) const { return next_ != end_ && *next_ == byte; }
   [[nodiscard]] std::string_view rest() const { return {next_, end_}; }
 
-  static constexpr std::size_t usualMembers = 4;
+  static constexpr std::size_t bytesPerElement = 16;      ///< of arrays, in documents with many
+  static constexpr std::size_t mostReserved = 4'000'000;  ///< untouched memory costs nothing
 
   const char* next_;
   const char* end_;
+  Arena memory_;
+  char* texts_;  ///< where the next text goes
   std::size_t depth_ = 0;
-  Appender decoded_;        ///< takes the text that is being read
   std::size_t valuesLeft_;  ///< how many more values the document may hold, keys counted too
+  std::vector<MemberView> members_;  ///< of the objects that are open
+  std::vector<View> elements_;       ///< of the arrays that are open
 };
-
-std::optional<Value> readUTF8(std::string_view bytes, std::size_t mostValues) {
-  std::optional<Value> value(std::in_place);
-  if (!Parser(bytes, mostValues).document(*value)) value.reset();
-  return value;
-}
 
 }  // namespace
 
-std::optional<Value> read(std::string_view bytes, std::size_t mostValues) {
+std::optional<Document> read(std::string_view bytes, std::size_t mostValues) {
   const auto [encoding, markLength] = detectEncoding(bytes);
   bytes.remove_prefix(markLength);
-  if (encoding == Encoding::utf8) return readUTF8(bytes, mostValues);
+  if (encoding == Encoding::utf8) return Parser(bytes, mostValues).document();
 
   const std::optional<std::string> utf8 = toUTF8(bytes, encoding);
-  return utf8 ? readUTF8(*utf8, mostValues) : std::nullopt;
+  return utf8 ? Parser(*utf8, mostValues).document() : std::nullopt;
 }
 
 }  // namespace quillstead::JSON

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/JSON/Value.h"
+#include "support/JSON/Document.h"
 
 #include <cstddef>
 #include <limits>
@@ -20,7 +20,7 @@ inline constexpr std::size_t maximumDepth = 512;
 /// nesting deeper than `maximumDepth`, or more values than `mostValues`, keys counted too. (A value
 /// takes some twenty times the memory of the two bytes that it may be in the document: limit them
 /// where the document's writer is not trusted.)
-std::optional<Value> read(std::string_view bytes,
-                          std::size_t mostValues = std::numeric_limits<std::size_t>::max());
+std::optional<Document> read(std::string_view bytes,
+                             std::size_t mostValues = std::numeric_limits<std::size_t>::max());
 
 }  // namespace quillstead::JSON

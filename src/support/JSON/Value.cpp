@@ -1,69 +1,46 @@
 #include "support/JSON/Value.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cstdlib>
-#include <numeric>
 
 namespace quillstead::JSON {
 
-std::optional<std::int64_t> Number::integer() const {
-  std::int64_t value = 0;
-  const char* const end = text_.data() + text_.size();
-  const auto [parsed, error] = std::from_chars(text_.data(), end, value);
-  if (error != std::errc() || parsed != end) return std::nullopt;
+Value Value::number(std::string text) {
+  Value value;
+  value.data_ = NumberText{std::move(text)};
   return value;
 }
 
-double Number::approximation() const { return std::strtod(text_.c_str(), nullptr); }
-
-namespace {
-
-constexpr std::size_t comparedPairwise = 16;  ///< below this many members, sorting costs more
-
-bool keysDiffer(std::span<const Member> members) {
-  for (std::size_t i = 1; i < members.size(); ++i) {
-    for (std::size_t j = 0; j < i; ++j) {
-      if (members[i].key == members[j].key) return false;
-    }
+Value Value::copyOf(View part) {
+  if (const auto boolean = part.boolean()) return *boolean;
+  if (const auto read = part.number()) return number(std::string(read->text()));
+  if (const auto text = part.text()) return *text;
+  if (const auto array = part.array()) {
+    Array elements;
+    for (const View element : *array) elements.push_back(copyOf(element));
+    return elements;
   }
-  return true;
+  if (const auto object = part.object()) {
+    std::vector<Member> members;
+    for (const MemberView& member : object->members()) {
+      members.push_back({.key = std::string(member.key), .value = copyOf(member.value)});
+    }
+    return Object(std::move(members));
+  }
+  return nullptr;
 }
 
-/// Moves the last value of every repeated key into the place of its first, and drops the others.
-/// Sorting keeps this at n log n whatever keys a hostile document chooses.
-void dropRepeatedKeys(std::vector<Member>& members) {
-  std::vector<std::size_t> order(members.size());
-  std::iota(order.begin(), order.end(), std::size_t{0});
-  std::sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
-    const int compared = members[left].key.compare(members[right].key);
-    return compared != 0 ? compared < 0 : left < right;
-  });
-
-  std::vector<bool> dropped(members.size(), false);
-  for (std::size_t first = 0; first < order.size();) {
-    std::size_t last = first;
-    while (last + 1 < order.size() && members[order[last + 1]].key == members[order[first]].key) {
-      dropped[order[++last]] = true;
-    }
-    if (last != first) members[order[first]].value = std::move(members[order[last]].value);
-    first = last + 1;
-  }
-
-  std::size_t kept = 0;
-  for (std::size_t i = 0; i < members.size(); ++i) {
-    if (dropped[i]) continue;
-    if (kept != i) members[kept] = std::move(members[i]);
-    ++kept;
-  }
-  members.resize(kept);
+std::optional<Number> Value::number() const {
+  const auto* const number = std::get_if<NumberText>(&data_);
+  return number ? std::optional(Number(number->text)) : std::nullopt;
 }
 
-}  // namespace
+Object::Object(std::vector<Member> members) : members_(std::move(members)) {}
 
-Object::Object(std::vector<Member> members) : members_(std::move(members)) {
-  if (members_.size() <= comparedPairwise && keysDiffer(members_)) return;
-  dropRepeatedKeys(members_);
+Object::Object(ObjectView members) {
+  members_.reserve(members.size() + 1);  // what is read so is read to be added to
+  for (const MemberView& member : members.members()) {
+    members_.push_back({.key = std::string(member.key), .value = member.value});
+  }
 }
 
 const Value* Object::find(std::string_view key) const {
@@ -73,17 +50,15 @@ const Value* Object::find(std::string_view key) const {
   return nullptr;
 }
 
-Value* Object::find(std::string_view key) {
-  return const_cast<Value*>(std::as_const(*this).find(key));
-}
-
 std::span<const Member> Object::members() const { return members_; }
 
 std::size_t Object::size() const { return members_.size(); }
 
 void Object::set(std::string_view key, Value value) {
-  if (Value* present = find(key)) {
-    *present = std::move(value);
+  const auto present = std::find_if(members_.begin(), members_.end(),
+                                    [&](const Member& member) { return member.key == key; });
+  if (present != members_.end()) {
+    present->value = std::move(value);
   } else {
     members_.push_back({.key = std::string(key), .value = std::move(value)});
   }

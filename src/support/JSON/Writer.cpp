@@ -16,7 +16,6 @@ class Writer {
   Writer(Slashes slashes, std::string reused)
       : escapedSlash_(slashes == Slashes::escaped ? '/' : '"'), document_(std::move(reused)) {
     document_.clear();
-    out_.begin(document_);
   }
 
   std::string take() {
@@ -25,18 +24,29 @@ class Writer {
   }
 
   void write(const Value& value) {
-    if (const std::string* text = value.text()) return writeText(*text);
-    if (const Object* object = value.object()) return writeObject(*object);
-    if (const Array* array = value.array()) return writeArray(*array);
-    if (const Number* number = value.number()) return void(out_ += number->text());
-    if (const bool* boolean = value.boolean()) return void(out_ += *boolean ? "true" : "false");
+    if (const View* part = value.part()) return writeContent(*part);
+    if (const JoinedText* text = value.joinedText()) return writeJoinedText(*text);
+    writeContent(value);
+  }
+
+  void write(View value) { writeContent(value); }
+
+ private:
+  /// Of a `Value` or a `View`, which are asked for it in the same way.
+  template <typename AnyValue>
+  void writeContent(const AnyValue& value) {
+    if (const auto text = value.text()) return writeText(*text);
+    if (const auto object = value.object()) return writeObject(*object);
+    if (const auto array = value.array()) return writeArray(*array);
+    if (const auto number = value.number()) return void(out_ += number->text());
+    if (const auto boolean = value.boolean()) return void(out_ += *boolean ? "true" : "false");
     out_ += "null";
   }
 
- private:
-  void writeObject(const Object& object) {
+  template <typename AnyObject>
+  void writeObject(const AnyObject& object) {
     char separator = '{';
-    for (const Member& member : object.members()) {
+    for (const auto& member : object.members()) {
       out_ += separator;
       writeText(member.key);
       out_ += ':';
@@ -46,9 +56,10 @@ class Writer {
     out_ += object.empty() ? "{}" : "}";
   }
 
-  void writeArray(const Array& array) {
+  template <typename AnyArray>
+  void writeArray(const AnyArray& array) {
     char separator = '[';
-    for (const Value& element : array) {
+    for (const auto& element : array) {
       out_ += separator;
       write(element);
       separator = ',';
@@ -57,18 +68,29 @@ class Writer {
   }
 
   void writeText(std::string_view text) {
+    out_ += '"';
+    writeCharacters(text);
+    out_ += '"';
+  }
+
+  void writeJoinedText(const JoinedText& text) {
+    out_ += '"';
+    writeCharacters(text.first);
+    writeCharacters(text.second);
+    out_ += '"';
+  }
+
+  void writeCharacters(std::string_view text) {
     const auto areSpecial = [slash = escapedSlash_](Text::Blocks::Block bytes) {
       using Text::Blocks::Byte;
       return (bytes < Byte{' '}) | (bytes == Byte{'"'}) | (bytes == Byte{'\\'}) | (bytes == slash) |
              (bytes >= Byte{0x80});
     };
-    out_ += '"';
     for (;;) {
       text.remove_prefix(out_.appendBefore(text, areSpecial));
-      if (text.empty()) break;
+      if (text.empty()) return;
       text.remove_prefix(writeSpecial(text));
     }
-    out_ += '"';
   }
 
   /// Writes the character that `text` begins with and gives the number of bytes it took there.
@@ -118,7 +140,7 @@ class Writer {
   Text::Blocks::Byte
       escapedSlash_;  ///< a slash when it is escaped, else a character that always is
   std::string document_;
-  Appender out_;
+  Appender out_{document_};
 };
 
 }  // namespace

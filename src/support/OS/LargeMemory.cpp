@@ -1,14 +1,12 @@
 #include "support/OS/LargeMemory.h"
 
-#include <algorithm>
-
 namespace quillstead::OS {
 
-void moveToLargeMemory(std::string& bytes, std::size_t size, std::size_t mostSize) {
+void moveToLargeMemory(std::string& bytes, std::size_t size) {
   constexpr std::size_t growth = 8;
   std::string roomier;
-  roomier.reserve(std::min(growth * size, mostSize));
-  preferLargePages(roomier.data(), roomier.capacity());
+  roomier.reserve(growth * size);
+  preferLargePages(std::as_writable_bytes(std::span(roomier.data(), roomier.capacity())));
   roomier += bytes;
   bytes = std::move(roomier);
 }

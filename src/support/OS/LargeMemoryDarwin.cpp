@@ -2,6 +2,6 @@
 
 namespace quillstead::OS {
 
-void preferLargePages(char* /*start*/, std::size_t /*size*/) {}
+void preferLargePages(std::span<std::byte> /*memory*/) {}
 
 }  // namespace quillstead::OS

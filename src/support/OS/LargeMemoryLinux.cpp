@@ -6,13 +6,14 @@
 
 namespace quillstead::OS {
 
-void preferLargePages(char* start, std::size_t size) {
+void preferLargePages(std::span<std::byte> memory) {
   constexpr std::size_t largePage = 2 << 20U;
-  if (size < 2 * largePage) return;
-  const std::size_t beyond = reinterpret_cast<std::uintptr_t>(start) % largePage;
+  if (memory.size() < 2 * largePage) return;
+  const std::size_t beyond = reinterpret_cast<std::uintptr_t>(memory.data()) % largePage;
   const std::size_t before = beyond == 0 ? 0 : largePage - beyond;
   // Where it is refused, the memory comes in small pages.
-  (void)madvise(start + before, (size - before) / largePage * largePage, MADV_HUGEPAGE);
+  memory = memory.subspan(before);
+  (void)madvise(memory.data(), memory.size() / largePage * largePage, MADV_HUGEPAGE);
 }
 
 }  // namespace quillstead::OS

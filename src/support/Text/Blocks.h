@@ -1,7 +1,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -19,9 +18,10 @@ template <typename Test>
 std::size_t bytesBefore(Block block, Test found) {
   static_assert(std::endian::native == std::endian::little, "the first byte is the lowest");
   // A comparison of blocks sets every bit of the bytes for which it holds.
-  const auto [first, second] = std::bit_cast<std::array<std::uint64_t, 2>>(found(block));
-  if (first != 0) return static_cast<std::size_t>(std::countr_zero(first)) / 8;
-  return sizeof first + static_cast<std::size_t>(std::countr_zero(second)) / 8;
+  using Halves [[gnu::vector_size(sizeof(Block))]] = std::uint64_t;
+  const auto halves = std::bit_cast<Halves>(found(block));
+  if (halves[0] != 0) return static_cast<std::size_t>(std::countr_zero(halves[0])) / 8;
+  return sizeof halves[0] + static_cast<std::size_t>(std::countr_zero(halves[1])) / 8;
 }
 
 /// The same for a text, whose blocks go to `take` up to the one with the byte that is found: each

@@ -65,16 +65,22 @@ void appendUTF16(std::string& bytes, char32_t character, bool bigEndian) {
 
 }  // namespace
 
+JSON::Document documentIn(std::string_view text) {
+  std::optional<JSON::Document> document = JSON::read(text);
+  EXPECT_TRUE(document) << "not a document: " << text.substr(0, 1000);
+  return document ? *std::move(document) : *JSON::read("{}");
+}
+
 Value parsed(std::string_view text) {
-  std::optional<Value> value = JSON::read(text);
-  EXPECT_TRUE(value) << "not a document: " << text.substr(0, 1000);
-  return value ? std::move(*value) : Value();
+  const std::optional<JSON::Document> document = JSON::read(text);
+  EXPECT_TRUE(document) << "not a document: " << text.substr(0, 1000);
+  return document ? Value::copyOf(document->root()) : Value();
 }
 
 Object parsedObject(std::string_view text) {
-  Value value = parsed(text);
+  const Value value = parsed(text);
   EXPECT_TRUE(value.object()) << "not an object: " << text.substr(0, 1000);
-  return value.object() ? std::move(*value.object()) : Object();
+  return value.object() ? *value.object() : Object();
 }
 
 bool areSame(const Value& left, const Value& right) {
@@ -178,7 +184,7 @@ Value ValueGenerator::value(int depth) {
       return below(2) == 0;
     case 2:
     case 3:
-      return JSON::Number::fromText(number());
+      return Value::number(number());
     case 4:
       return text();
     case 5: {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "helpers/JSONLookups.h"
+#include "support/JSON/Document.h"
 #include "support/JSON/Encoding.h"
 #include "support/JSON/Value.h"
 
@@ -10,7 +12,10 @@
 
 namespace quillstead::unit {
 
-/// The document in `text`; fails the test, and gives null, when it is none.
+/// The document in `text`; fails the test, and gives an empty object, when it is none.
+JSON::Document documentIn(std::string_view text);
+
+/// Its value, which needs no document; null when it is none.
 JSON::Value parsed(std::string_view text);
 
 /// The object in `text`; fails the test, and gives an empty one, when it is none.

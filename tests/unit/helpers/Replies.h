@@ -10,7 +10,7 @@ namespace quillstead::unit {
 /// A reply in one line: its text in brackets or "-", its metadata, its miss or "-", and "declines".
 inline std::string described(const MCPReply& reply) {
   std::string line = reply.text ? "[" + *reply.text + "]" : "-";
-  line += " " + JSON::write(reply.meta, JSON::Slashes::plain) + " ";
+  line += " " + JSON::write(JSON::View(reply.meta), JSON::Slashes::plain) + " ";
   line += reply.miss ? std::string(*reply.miss) : "-";
   return line + (reply.declineFast ? " declines" : "");
 }

@@ -10,7 +10,7 @@ namespace {
 using unit::parsedObject;
 
 std::optional<std::string> answerTo(std::string_view payload) {
-  return answer(parsedObject(payload), {});
+  return answer(unit::documentIn(payload).object());
 }
 
 /// The prompt in an answer to a "Task" payload with this session and prompt, both JSON texts.
@@ -115,9 +115,13 @@ TEST(ParentTag, LeavesEverythingElseOfAnyInputAsItWas) {
     JSON::Object input = generator.object(4);
     const std::string prompt = generator.text();
     input.set("prompt", prompt);
-    const auto document =
-        answer(JSON::objectOf({{"tool_name", "Task"}, {"session_id", "s"}, {"tool_input", input}}),
-               "a text in whose memory it is written");
+    const auto document = answer(
+        unit::documentIn(
+            JSON::write(
+                JSON::objectOf({{"tool_name", "Task"}, {"session_id", "s"}, {"tool_input", input}}),
+                JSON::Slashes::plain))
+            .object(),
+        "a text in whose memory it is written");
     ASSERT_TRUE(document);
     const JSON::Object answered = parsedObject(*document);
     ASSERT_EQ(answered.size(), 1U);

@@ -6,8 +6,8 @@
 namespace quillstead::Payload {
 namespace {
 
+using unit::documentIn;
 using unit::encoded;
-using unit::parsedObject;
 
 TEST(Payload, IsOneJSONObject) {
   EXPECT_TRUE(read("{}"));
@@ -26,27 +26,28 @@ TEST(Payload, IsReadInEveryUnicodeEncoding) {
     for (const bool marked : {false, true}) {
       const auto payload = read(encoded(U"{\"prompt\":\"\u20AC\"}", encoding, marked));
       ASSERT_TRUE(payload);
-      EXPECT_EQ(prompt(*payload), "\xE2\x82\xAC");
+      EXPECT_EQ(prompt(payload->object()), "\xE2\x82\xAC");
     }
   }
 }
 
 TEST(Payload, GivesThePromptExactlyAsItIs) {
-  EXPECT_EQ(prompt(parsedObject(R"({"prompt":"  hi \n"})")), "  hi \n");
-  EXPECT_EQ(prompt(parsedObject(R"({"prompt":"  "})")), "  ");
-  EXPECT_EQ(prompt(parsedObject(R"({"prompt":"a","prompt":"b"})")), "b");
+  EXPECT_EQ(prompt(documentIn(R"({"prompt":"  hi \n"})").object()), "  hi \n");
+  EXPECT_EQ(prompt(documentIn(R"({"prompt":"  "})").object()), "  ");
+  EXPECT_EQ(prompt(documentIn(R"({"prompt":"a","prompt":"b"})").object()), "b");
 }
 
 TEST(Payload, GivesAnEmptyPromptWhenThereIsNoText) {
   for (const char* payload : {"{}", R"({"prompt":""})", R"({"prompt":null})", R"({"prompt":42})",
                               R"({"prompt":true})", R"({"prompt":["a"]})", R"({"prompt":{"a":1}})",
                               R"({"Prompt":"a"})", R"({"prompt":"a","prompt":null})"}) {
-    EXPECT_EQ(prompt(parsedObject(payload)), "") << payload;
+    EXPECT_EQ(prompt(documentIn(payload).object()), "") << payload;
   }
 }
 
 TEST(Payload, KeepsATextThatIsNotBlankUntrimmed) {
-  const JSON::Object payload = parsedObject(R"({"k":" a ","z":"\u200b","f":"\ufeff"})");
+  const JSON::Document document = documentIn(R"({"k":" a ","z":"\u200b","f":"\ufeff"})");
+  const JSON::ObjectView payload = document.object();
   EXPECT_EQ(nonBlank(payload, "k"), " a ");
   EXPECT_EQ(nonBlank(payload, "z"), "\xE2\x80\x8B");
   EXPECT_EQ(nonBlank(payload, "f"), "\xEF\xBB\xBF");
@@ -56,11 +57,11 @@ TEST(Payload, KeepsATextThatIsNotBlankUntrimmed) {
 TEST(Payload, TakesEverythingElseForAbsent) {
   for (const char* value : {R"("")", R"("  ")", R"("\r\n\t")", R"("\u00a0\u2028\u3000")", "null",
                             "0", "1.5", "true", "false", "[]", R"(["a"])", "{}", R"({"a":"b"})"}) {
-    const JSON::Object payload = parsedObject(std::string(R"({"k":)") + value + "}");
-    EXPECT_EQ(nonBlank(payload, "k"), std::nullopt) << value;
+    const JSON::Document payload = documentIn(std::string(R"({"k":)") + value + "}");
+    EXPECT_EQ(nonBlank(payload.object(), "k"), std::nullopt) << value;
   }
-  EXPECT_EQ(nonBlank(JSON::Object(), "k"), std::nullopt);
-  EXPECT_EQ(nonBlank(nullptr), std::nullopt);
+  EXPECT_EQ(nonBlank(JSON::ObjectView(), "k"), std::nullopt);
+  EXPECT_EQ(nonBlank(JSON::View()), std::nullopt);
 }
 
 }  // namespace

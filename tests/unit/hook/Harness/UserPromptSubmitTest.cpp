@@ -7,8 +7,10 @@ namespace quillstead::UserPromptSubmit {
 namespace {
 
 TEST(UserPromptSubmit, ReadsItsFourKeys) {
-  EXPECT_EQ(unit::described(input(unit::parsedObject(
-                R"({"transcript_path":"/t","session_id":"s","cwd":"/p","prompt":" hi "})"))),
+  EXPECT_EQ(unit::described(
+                input(unit::documentIn(
+                          R"({"transcript_path":"/t","session_id":"s","cwd":"/p","prompt":" hi "})")
+                          .object())),
             "[ hi ][/p][s][/t]");
 }
 

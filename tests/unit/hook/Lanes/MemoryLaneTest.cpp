@@ -19,14 +19,15 @@ constexpr std::string_view tag = "<quillstead-shortcut>";
 class MetaValue {
  public:
   explicit MetaValue(const std::string& json)
-      : list_(unit::parsed(json == "absent" ? "[]" : "[" + json + "]")) {}
+      : list_(unit::documentIn(json == "absent" ? "[]" : "[" + json + "]")) {}
 
-  [[nodiscard]] const JSON::Value* get() const {
-    return list_.array()->empty() ? nullptr : &list_.array()->front();
+  [[nodiscard]] JSON::View get() const {
+    const JSON::ArrayView elements = *list_.root().array();
+    return elements.empty() ? JSON::View() : elements.front();
   }
 
  private:
-  JSON::Value list_;
+  JSON::Document list_;
 };
 
 LaneOutcome ran(std::string_view meta, std::string_view text = "the cards") {
@@ -72,7 +73,7 @@ TEST(MemoryLane, TakesATextThatBeginsWithItsTagUntrimmed) {
   for (const char* text :
        {"<quillstead-shortcut>", "<quillstead-shortcut>x</quillstead-shortcut> \\n"}) {
     const MetaValue value("\"" + std::string(text) + "\"");
-    EXPECT_EQ(validFenced(value.get(), tag), *value.get()->text());
+    EXPECT_EQ(validFenced(value.get(), tag), *value.get().text());
   }
 }
 
@@ -84,8 +85,8 @@ TEST(MemoryLane, RefusesATextThatDoesNotBeginWithItsTag) {
         R"("x<quillstead-shortcut>")", R"("\ufeff<quillstead-shortcut>")"}) {
     EXPECT_EQ(validFenced(MetaValue(value).get(), tag), std::nullopt) << value;
   }
-  const JSON::Value blank = "  ";
-  EXPECT_EQ(validFenced(&blank, "  "), std::nullopt) << "blank, whatever the tag";
+  EXPECT_EQ(validFenced(JSON::View(std::string_view("  ")), "  "), std::nullopt)
+      << "blank, whatever the tag";
 }
 
 TEST(MemoryLane, TakesAReasonOfUpTo32LettersDigitsAndHyphens) {

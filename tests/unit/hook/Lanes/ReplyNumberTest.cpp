@@ -7,8 +7,8 @@ namespace quillstead::ReplyNumber {
 namespace {
 
 std::optional<std::int64_t> positiveIn(const std::string& value) {
-  const JSON::Value list = unit::parsed("[" + value + "]");
-  return positive(&list.array()->front());
+  const auto list = unit::documentIn("[" + value + "]");
+  return positive(list.root().array()->front());
 }
 
 TEST(ReplyNumber, IsAnIntegerOfAtLeastOne) {
@@ -23,7 +23,7 @@ TEST(ReplyNumber, IsAbsentForEverythingElse) {
                             "-9223372036854775808", "99999999999999999999999999"}) {
     EXPECT_EQ(positiveIn(value), std::nullopt) << value;
   }
-  EXPECT_EQ(positive(nullptr), std::nullopt);
+  EXPECT_EQ(positive(JSON::View()), std::nullopt);
 }
 
 }  // namespace

@@ -70,15 +70,15 @@ TEST(RulesLane, CallsItsToolWithItsArguments) {
 
 TEST(RulesLane, TakesASpanOfAtLeast1) {
   const auto spanIn = [](const std::string& json) {
-    const JSON::Value list = unit::parsed("[" + json + "]");
-    return validSpan(&list.array()->front());
+    const auto list = unit::documentIn("[" + json + "]");
+    return validSpan(list.root().array()->front());
   };
   EXPECT_EQ(spanIn("1"), 1);
   EXPECT_EQ(spanIn("1000000"), 1'000'000) << "no upper bound";
   for (const char* value : {"0", "-1", "7.0", "7e0", "true", "false", "null", R"("7")", "[7]"}) {
     EXPECT_EQ(spanIn(value), std::nullopt) << value;
   }
-  EXPECT_EQ(validSpan(nullptr), std::nullopt);
+  EXPECT_EQ(validSpan(JSON::View()), std::nullopt);
 }
 
 // --- The whole lane

@@ -6,7 +6,7 @@
 namespace quillstead::ReplyTruth {
 namespace {
 
-TEST(ReplyTruth, IsFalseForAMissingValue) { EXPECT_FALSE(isTruthy(nullptr)); }
+TEST(ReplyTruth, IsFalseForAMissingValue) { EXPECT_FALSE(isTruthy(JSON::View())); }
 
 TEST(ReplyTruth, JudgesEveryKindOfValue) {
   struct Row {
@@ -40,8 +40,8 @@ TEST(ReplyTruth, JudgesEveryKindOfValue) {
                          Row{"{}", false},
                          Row{R"({"a":null})", true},
                          Row{R"({"":false})", true}}) {
-    const JSON::Value list = unit::parsed(std::string("[") + row.value + "]");
-    EXPECT_EQ(isTruthy(&list.array()->front()), row.truth) << row.value;
+    const auto list = unit::documentIn(std::string("[") + row.value + "]");
+    EXPECT_EQ(isTruthy(list.root().array()->front()), row.truth) << row.value;
   }
 }
 

@@ -16,22 +16,17 @@ std::string letters(std::size_t size) {
   return text;
 }
 
-class AppenderTest : public testing::Test {
- protected:
-  Appender appender;
-  std::string text;
-};
-
-TEST_F(AppenderTest, LeavesTheTextThatWasThereInFront) {
-  text = "there ";
-  appender.begin(text);
+TEST(Appender, LeavesTheTextThatWasThereInFront) {
+  std::string text = "there ";
+  Appender appender(text);
   appender += "before";
   appender.end();
   EXPECT_EQ(text, "there before");
 }
 
-TEST_F(AppenderTest, AppendsNothing) {
-  appender.begin(text);
+TEST(Appender, AppendsNothing) {
+  std::string text;
+  Appender appender(text);
   appender += "";
   EXPECT_EQ(appender.appendBefore("", areQuotes), 0U);
   EXPECT_EQ(appender.appendBefore("\"", areQuotes), 0U);
@@ -39,8 +34,9 @@ TEST_F(AppenderTest, AppendsNothing) {
   EXPECT_EQ(text, "");
 }
 
-TEST_F(AppenderTest, KeepsTheOrderOfBytesPiecesAndRuns) {
-  appender.begin(text);
+TEST(Appender, KeepsTheOrderOfBytesPiecesAndRuns) {
+  std::string text;
+  Appender appender(text);
   std::string expected;
   for (std::size_t size = 0; size < 300; ++size) {
     const std::string run = letters(size);
@@ -55,14 +51,14 @@ TEST_F(AppenderTest, KeepsTheOrderOfBytesPiecesAndRuns) {
   EXPECT_EQ(text, expected);
 }
 
-TEST_F(AppenderTest, TakesRunsAndPiecesOfEverySizeAtEveryFilling) {
+TEST(Appender, TakesRunsAndPiecesOfEverySizeAtEveryFilling) {
   for (const std::size_t filled : {0U, 1U, 15U, 16U, 4079U, 4080U, 4081U, 4095U, 4096U}) {
     for (const std::size_t size : {1U, 15U, 16U, 17U, 4095U, 4096U, 4097U, 8192U, 70'000U}) {
       const std::string start(filled, '.');
       const std::string more = letters(size);
       for (const bool isRun : {false, true}) {
-        text.clear();
-        appender.begin(text);
+        std::string text;
+        Appender appender(text);
         appender += start;
         if (isRun) {
           EXPECT_EQ(appender.appendBefore(more, areQuotes), size);
@@ -75,26 +71,6 @@ TEST_F(AppenderTest, TakesRunsAndPiecesOfEverySizeAtEveryFilling) {
       }
     }
   }
-}
-
-TEST_F(AppenderTest, BeginsEachTextAnew) {
-  appender.begin(text);
-  appender += "left behind";
-  std::string second;
-  appender.begin(second);
-  appender += "second";
-  appender.end();
-  EXPECT_EQ(text, "");
-  EXPECT_EQ(second, "second");
-}
-
-TEST_F(AppenderTest, MakesNoMoreRoomThanTheTextCanNeed) {
-  constexpr std::size_t size = 1'000'000;
-  appender.begin(text, size);
-  EXPECT_EQ(appender.appendBefore(letters(size), areQuotes), size);
-  appender.end();
-  EXPECT_EQ(text, letters(size));
-  EXPECT_LE(text.capacity(), size);
 }
 
 }  // namespace

@@ -71,24 +71,24 @@ TEST(ReaderLimits, WritesTheDeepestDocumentsBack) {
   for (const Nesting& nesting : {nestings[0], nestings[2], nestings[3]}) {
     SCOPED_TRACE(nesting.name);
     const std::string document = nesting.document(512);
-    const std::optional<Value> value = read(document);
+    const std::optional<Document> value = read(document);
     ASSERT_TRUE(value);
-    EXPECT_EQ(write(*value, Slashes::plain), document);
+    EXPECT_EQ(write(value->root(), Slashes::plain), document);
   }
 }
 
 TEST(ReaderLimits, ReadsHugeFlatDocuments) {
   constexpr std::size_t count = 50'000;
-  const std::optional<Value> array = read("[" + times(count, "1234,") + "1]");
-  ASSERT_TRUE(array && array->array());
-  EXPECT_EQ(array->array()->size(), count + 1);
+  const std::optional<Document> array = read("[" + times(count, "1234,") + "1]");
+  ASSERT_TRUE(array && array->root().array());
+  EXPECT_EQ(array->root().array()->size(), count + 1);
 
   std::string members = "{\"first\":0";
   for (std::size_t i = 0; i < count; ++i) members += ",\"k" + std::to_string(i) + "\":[]";
-  const std::optional<Value> object = read(members + "}");
-  ASSERT_TRUE(object && object->object());
-  EXPECT_EQ(object->object()->size(), count + 1);
-  EXPECT_EQ(write(*object, Slashes::plain), members + "}");
+  const std::optional<Document> object = read(members + "}");
+  ASSERT_TRUE(object && object->root().object());
+  EXPECT_EQ(object->root().object()->size(), count + 1);
+  EXPECT_EQ(write(object->root(), Slashes::plain), members + "}");
 }
 
 TEST(ReaderLimits, CountsForTheDepthOnlyContainersThatAreOpen) {
@@ -99,9 +99,9 @@ TEST(ReaderLimits, CountsForTheDepthOnlyContainersThatAreOpen) {
 
 TEST(ReaderLimits, ReadsATextOfMegabytes) {
   const std::string text = times(500'000, "a\xC3\xA9/ ");
-  const std::optional<Value> value = read("[\"" + text + "\"]");
-  ASSERT_TRUE(value && value->array());
-  EXPECT_EQ(*value->array()->front().text(), text);
+  const std::optional<Document> value = read("[\"" + text + "\"]");
+  ASSERT_TRUE(value && value->root().array());
+  EXPECT_EQ(*value->root().array()->front().text(), text);
 }
 
 TEST(ReaderLimits, ReadsTheSameTextWhereverItsBlocksBegin) {
@@ -110,9 +110,9 @@ TEST(ReaderLimits, ReadsTheSameTextWhereverItsBlocksBegin) {
     const std::string shifted = times(shift, "y") + text;
     for (const auto& [written, character] : std::vector<std::pair<std::string, std::string>>{
              {"\\n", "\n"}, {"\\\"", "\""}, {"\\u00e9", "\xC3\xA9"}, {"\\\\", "\\"}}) {
-      const std::optional<Value> value = read("[\"" + shifted + written + text + "\"]");
-      ASSERT_TRUE(value && value->array()) << shift << written;
-      EXPECT_EQ(*value->array()->front().text(), shifted + character + text);
+      const std::optional<Document> value = read("[\"" + shifted + written + text + "\"]");
+      ASSERT_TRUE(value && value->root().array()) << shift << written;
+      EXPECT_EQ(*value->root().array()->front().text(), shifted + character + text);
     }
     for (const char raw : {'\n', '\0', '\x1F', '\x80', '\xFF'}) {
       EXPECT_FALSE(read("[\"" + shifted + raw + text + "\"]")) << shift << raw;
@@ -126,19 +126,19 @@ TEST(ReaderLimits, ReadsSeveralLongTextsFullOfEscapes) {
   const std::string written = times(lines, "the quick brown fox jumps over the lazy\\n");
   const std::string document =
       "[\"" + written + "\",\"" + written.substr(0, 70'000) + "\",\"" + written + "\"]";
-  const std::optional<Value> value = read(document);
-  ASSERT_TRUE(value && value->array());
-  EXPECT_EQ(*value->array()->front().text(), text);
-  EXPECT_EQ(*value->array()->back().text(), text);
-  EXPECT_EQ(write(*value, Slashes::plain), document);
+  const std::optional<Document> value = read(document);
+  ASSERT_TRUE(value && value->root().array());
+  EXPECT_EQ(*value->root().array()->front().text(), text);
+  EXPECT_EQ(*value->root().array()->back().text(), text);
+  EXPECT_EQ(write(value->root(), Slashes::plain), document);
 }
 
 TEST(ReaderLimits, KeepsTheLastOfAHundredThousandRepeatedKeys) {
   std::string document = "{\"before\":0";
   for (int i = 0; i < 100'000; ++i) document += ",\"k\":" + std::to_string(i);
-  const std::optional<Value> value = read(document + ",\"after\":1}");
+  const std::optional<Document> value = read(document + ",\"after\":1}");
   ASSERT_TRUE(value);
-  EXPECT_EQ(write(*value, Slashes::plain), R"({"before":0,"k":99999,"after":1})");
+  EXPECT_EQ(write(value->root(), Slashes::plain), R"({"before":0,"k":99999,"after":1})");
 }
 
 TEST(ReaderLimits, KeepsTheLastValuesOfManyKeysRepeated) {
@@ -150,15 +150,15 @@ TEST(ReaderLimits, KeepsTheLastValuesOfManyKeysRepeated) {
     document += ",\"k" + std::to_string(i) + "\":" + std::to_string(70'000 + i);
     if (i > 0) expected += ",\"k" + std::to_string(i) + "\":" + std::to_string(70'000 + i);
   }
-  const std::optional<Value> value = read(document + "}");
+  const std::optional<Document> value = read(document + "}");
   ASSERT_TRUE(value);
-  EXPECT_EQ(write(*value, Slashes::plain), expected + "}");
+  EXPECT_EQ(write(value->root(), Slashes::plain), expected + "}");
 }
 
 TEST(ReaderLimits, ReadsMillionsOfValuesUnlessToldOtherwise) {
-  const std::optional<Value> value = read("[" + times(2'000'000, "1,") + "1]");
-  ASSERT_TRUE(value && value->array());
-  EXPECT_EQ(value->array()->size(), 2'000'001U);
+  const std::optional<Document> value = read("[" + times(2'000'000, "1,") + "1]");
+  ASSERT_TRUE(value && value->root().array());
+  EXPECT_EQ(value->root().array()->size(), 2'000'001U);
 }
 
 TEST(ReaderLimits, RefusesMoreValuesThanAllowedKeysAndContainersCounted) {
@@ -175,9 +175,9 @@ TEST(ReaderLimits, KeepsNumbersOfAThousandDigitsAsTheyAre) {
         "0." + times(1000, "0") + "1", "1e" + times(1000, "0") + "1", "1e" + times(1000, "9"),
         "-1.5E-" + times(1000, "9")}) {
     SCOPED_TRACE(number);
-    const std::optional<Value> value = read("[" + number + "]");
+    const std::optional<Document> value = read("[" + number + "]");
     ASSERT_TRUE(value);
-    EXPECT_EQ(write(*value, Slashes::plain), "[" + number + "]");
+    EXPECT_EQ(write(value->root(), Slashes::plain), "[" + number + "]");
   }
 }
 

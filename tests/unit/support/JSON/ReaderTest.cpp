@@ -229,9 +229,9 @@ const std::vector<std::pair<const char*, std::string_view>> illFormed{
 TEST(Reader, ReadsEveryWellFormedDocument) {
   for (const WellFormed& one : wellFormed) {
     SCOPED_TRACE(one.name);
-    const std::optional<Value> value = read(one.bytes);
+    const std::optional<Document> value = read(one.bytes);
     ASSERT_TRUE(value);
-    EXPECT_EQ(write(*value, Slashes::plain), one.written);
+    EXPECT_EQ(write(value->root(), Slashes::plain), one.written);
   }
 }
 
@@ -272,9 +272,9 @@ TEST(Reader, RefusesEveryDocumentWithMoreBehindIt) {
 TEST(Reader, PassesOverAByteOrderMark) {
   for (const WellFormed& one : wellFormed) {
     SCOPED_TRACE(one.name);
-    const std::optional<Value> value = read("\xEF\xBB\xBF" + std::string(one.bytes));
+    const std::optional<Document> value = read("\xEF\xBB\xBF" + std::string(one.bytes));
     ASSERT_TRUE(value);
-    EXPECT_EQ(write(*value, Slashes::plain), one.written);
+    EXPECT_EQ(write(value->root(), Slashes::plain), one.written);
   }
 }
 
@@ -286,9 +286,9 @@ TEST(Reader, ReadsTheWiderEncodingsInBothByteOrdersWithAndWithoutMark) {
     for (const bool marked : {false, true}) {
       SCOPED_TRACE(static_cast<int>(encoding));
       const std::string bytes = encoded(document, encoding, marked);
-      const std::optional<Value> value = read(bytes);
+      const std::optional<Document> value = read(bytes);
       ASSERT_TRUE(value);
-      EXPECT_EQ(write(*value, Slashes::plain), expected);
+      EXPECT_EQ(write(value->root(), Slashes::plain), expected);
       for (std::size_t length = 0; length < bytes.size(); ++length) {
         EXPECT_FALSE(read(std::string_view(bytes).substr(0, length))) << "cut after " << length;
       }

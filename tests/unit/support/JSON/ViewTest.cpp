@@ -1,0 +1,108 @@
+#include "support/JSON/Reader.h"
+#include "support/JSON/View.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <iterator>
+#include <vector>
+
+namespace quillstead::JSON {
+namespace {
+
+TEST(Number, IsAnIntegerExactlyWhenItHasNeitherFractionNorExponent) {
+  struct Case {
+    const char* text;
+    std::optional<std::int64_t> integer;
+  };
+  for (const Case& one :
+       {Case{"0", 0}, Case{"-0", 0}, Case{"7", 7}, Case{"-12", -12},
+        Case{"9223372036854775807", INT64_MAX}, Case{"-9223372036854775808", INT64_MIN},
+        Case{"9223372036854775808", std::nullopt}, Case{"-9223372036854775809", std::nullopt},
+        Case{"123456789012345678901234567890", std::nullopt}, Case{"3.0", std::nullopt},
+        Case{"3e0", std::nullopt}, Case{"3E2", std::nullopt}, Case{"0.0", std::nullopt}}) {
+    EXPECT_EQ(Number(one.text).integer(), one.integer) << one.text;
+  }
+}
+
+TEST(Number, ApproximatesByTheNearestDouble) {
+  EXPECT_EQ(Number("0.1").approximation(), 0.1);
+  EXPECT_EQ(Number("-2.5e3").approximation(), -2500.0);
+  EXPECT_EQ(Number("123456789012345678901234567890").approximation(), 1.2345678901234568e29);
+  EXPECT_EQ(Number("1e-400").approximation(), 0.0);
+  EXPECT_TRUE(std::isinf(Number("1e400").approximation()));
+  EXPECT_LT(Number("-1e400").approximation(), 0);
+}
+
+TEST(Number, KeepsTheTextItWasMadeFrom) { EXPECT_EQ(Number("1.50E+01").text(), "1.50E+01"); }
+
+TEST(View, IsOfExactlyOneKindOrAbsent) {
+  const std::array elements{View(true)};
+  const std::array members{MemberView{"key", View(false)}};
+  const View views[]{View(),
+                     View(nullptr),
+                     View(true),
+                     View(Number("5")),
+                     View(std::string_view("text")),
+                     View(ArrayView(elements)),
+                     View(ObjectView(members))};
+  for (std::size_t i = 0; i < std::size(views); ++i) {
+    SCOPED_TRACE(i);
+    EXPECT_EQ(views[i].isThere(), i != 0);
+    EXPECT_EQ(views[i].isNull(), i == 1);
+    EXPECT_EQ(views[i].boolean().has_value(), i == 2);
+    EXPECT_EQ(views[i].number().has_value(), i == 3);
+    EXPECT_EQ(views[i].text().has_value(), i == 4);
+    EXPECT_EQ(views[i].array().has_value(), i == 5);
+    EXPECT_EQ(views[i].object().has_value(), i == 6);
+  }
+}
+
+TEST(View, GivesWhatItWasMadeOf) {
+  EXPECT_EQ(View(true).boolean(), true);
+  EXPECT_EQ(View(false).boolean(), false);
+  EXPECT_EQ(View(Number("-1.0")).number()->text(), "-1.0");
+  EXPECT_EQ(View(std::string_view("te\0xt", 5)).text(), std::string_view("te\0xt", 5));
+  EXPECT_EQ(View(std::string_view()).text(), "") << "an empty text is there";
+  EXPECT_TRUE(View(ArrayView()).array()->empty());
+  EXPECT_TRUE(View(ObjectView()).object()->empty());
+
+  const std::array elements{View(std::string_view("a")), View(std::string_view("b"))};
+  EXPECT_EQ(View(ArrayView(elements)).array()->size(), 2U);
+  EXPECT_EQ(View(ArrayView(elements)).array()->back().text(), "b");
+}
+
+TEST(View, HasElementsOnlyWhenItIsAnArray) {
+  const std::array elements{View(true), View(false)};
+  EXPECT_EQ(View(ArrayView(elements)).elements().size(), 2U);
+  EXPECT_TRUE(View(std::string_view("text")).elements().empty());
+  EXPECT_TRUE(View(ObjectView()).elements().empty());
+  EXPECT_TRUE(View().elements().empty());
+}
+
+TEST(ObjectView, FindsMembersByTheWholeKey) {
+  const std::array members{MemberView{"a", View(Number("1"))}, MemberView{"ab", View(Number("2"))},
+                           MemberView{"", View(Number("3"))}};
+  const ObjectView object(members);
+  EXPECT_EQ(object.find("a").number()->integer(), 1);
+  EXPECT_EQ(object.find("ab").number()->integer(), 2);
+  EXPECT_EQ(object.find("").number()->integer(), 3);
+  EXPECT_FALSE(object.find("b").isThere());
+  EXPECT_FALSE(object.find("A").isThere());
+  EXPECT_FALSE(object.find(std::string_view("a\0", 2)).isThere());
+  EXPECT_FALSE(ObjectView().find("a").isThere());
+  EXPECT_EQ(object.size(), 3U);
+  EXPECT_FALSE(object.empty());
+  EXPECT_TRUE(ObjectView().empty());
+}
+
+TEST(ObjectView, TellsANullMemberFromAMissingOne) {
+  const std::array members{MemberView{"null", View(nullptr)}};
+  EXPECT_TRUE(ObjectView(members).find("null").isThere());
+  EXPECT_TRUE(ObjectView(members).find("null").isNull());
+  EXPECT_FALSE(ObjectView(members).find("none").isNull());
+}
+
+}  // namespace
+}  // namespace quillstead::JSON
