@@ -46,6 +46,7 @@ class Parser {
         // No text is longer than what it is written as.
         texts_(static_cast<char*>(memory_.take(document.size() + sizeof(Text::Blocks::Block)))),
         valuesLeft_(mostValues) {
+    members_.reserve(usualMembers);
     elements_.reserve(std::min(document.size() / bytesPerElement, mostReserved));
     OS::preferLargePages(std::as_writable_bytes(std::span(elements_.data(), elements_.capacity())));
   }
@@ -268,6 +269,7 @@ class Parser {
   [[nodiscard]] bool startsWith(char byte) const { return next_ != end_ && *next_ == byte; }
   [[nodiscard]] std::string_view rest() const { return {next_, end_}; }
 
+  static constexpr std::size_t usualMembers = 16;
   static constexpr std::size_t bytesPerElement = 16;      ///< of arrays, in documents with many
   static constexpr std::size_t mostReserved = 4'000'000;  ///< untouched memory costs nothing
 
