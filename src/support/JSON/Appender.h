@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/OS/LargeMemory.h"
 #include "support/Text/Blocks.h"
 
 #include <array>
@@ -57,6 +58,7 @@ class Appender {
   }
 
   void flush() {
+    OS::makeRoom(text_, used_);
     text_.append(buffer_.data(), used_);
     used_ = 0;
   }
