@@ -78,8 +78,7 @@ class Bench:
         table = os.path.join(self.directory, "strace.table")
         self.run(["strace", "-f", "-c", "-U", "calls,name", "-e", f"trace=!{CLOCK_READINGS}",
                   "-o", table, *command], payload, environment)
-        with open(table, encoding="utf-8") as lines:
-            rows = [line.split() for line in lines]
+        rows = [line.split() for line in text_of(table).splitlines()]
         return next(int(row[0]) for row in rows if row and row[-1] == "total")
 
     def least(self, count, command, payload, environment=None):

@@ -13,7 +13,7 @@ namespace quillstead::JSON {
 class Arena {
  public:
   /// Begins with room for `size` bytes; what is not written to costs nothing.
-  explicit Arena(std::size_t size) : lastSize_(size) { add(size); }
+  explicit Arena(std::size_t size) { add(size); }
 
   /// `size` bytes at a place that suits every type; they hold anything.
   void* take(std::size_t size) {
@@ -39,7 +39,7 @@ class Arena {
 
   std::vector<std::unique_ptr<std::byte[]>> blocks_;
   std::span<std::byte> left_;  ///< of the last block
-  std::size_t lastSize_;
+  std::size_t lastSize_ = 0;
 };
 
 }  // namespace quillstead::JSON

@@ -15,7 +15,7 @@ namespace quillstead::unit {
 /// The document in `text`; fails the test, and gives an empty object, when it is none.
 JSON::Document documentIn(std::string_view text);
 
-/// Its value, which needs no document; null when it is none.
+/// The same as a value, which needs no document.
 JSON::Value parsed(std::string_view text);
 
 /// The object in `text`; fails the test, and gives an empty one, when it is none.

@@ -1,4 +1,3 @@
-#include "support/JSON/Reader.h"
 #include "support/JSON/View.h"
 
 #include <gtest/gtest.h>
@@ -6,7 +5,6 @@
 #include <array>
 #include <cmath>
 #include <iterator>
-#include <vector>
 
 namespace quillstead::JSON {
 namespace {
