@@ -6,6 +6,8 @@ target_compile_options(quillstead_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-align -Wcast-qual
   -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual -Wformat=2
   -Wimplicit-fallthrough
+  # What is added to an enumeration has to be answered wherever that one is.
+  -Werror=switch
   # GCC 12 sees uninitialised members in moved std::variants, and overlaps in added std::strings.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>

@@ -5,6 +5,7 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 using namespace quillstead;
+using namespace quillstead::hook;
 
 int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   FuzzedDataProvider source(data, size);

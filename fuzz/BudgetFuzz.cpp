@@ -8,6 +8,7 @@
 #include <algorithm>
 
 using namespace quillstead;
+using namespace quillstead::hook;
 using ContextBudget::Envelope;
 
 namespace {

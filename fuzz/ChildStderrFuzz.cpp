@@ -5,6 +5,7 @@
 #include <algorithm>
 
 using namespace quillstead;
+using namespace quillstead::hook;
 
 int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const std::string raw(Fuzz::bytes(data, size));

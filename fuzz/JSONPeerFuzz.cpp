@@ -40,7 +40,7 @@ bool isSame(JSON::View ours, const peer::value& theirs) {
     return theirs.is_object() && isSame(*object, theirs.get_object());
   if (const auto array = ours.array())
     return theirs.is_array() && isSame(*array, theirs.get_array());
-  if (const auto text = ours.text())
+  if (const auto text = ours.string())
     return theirs.is_string() && std::string_view(theirs.get_string()) == *text;
   if (const auto boolean = ours.boolean()) return theirs.is_bool() && theirs.get_bool() == *boolean;
   if (const auto number = ours.number()) return isSame(*number, theirs);

@@ -2,6 +2,7 @@
 #include "Property.h"
 
 using namespace quillstead;
+using namespace quillstead::hook;
 
 namespace {
 
@@ -21,18 +22,19 @@ int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const auto object = document ? document->root().object() : std::nullopt;
 
   const bool isRefused =
-      !object || (adapter.name() == "claude-code" && object->find("cursor_version").isThere());
+      !object || (adapter.name() == "claude-code" && object->find("cursor_version").exists());
   Fuzz::require(input.has_value() != isRefused,
                 "every object is taken, but Cursor's by Claude Code");
   if (!input) return 0;
 
-  Fuzz::require(input->prompt == object->find("prompt").text().value_or(""),
+  Fuzz::require(input->prompt == object->find("prompt").string().value_or(""),
                 "the prompt comes through as it is");
   Fuzz::require(Fuzz::isUTF8(input->prompt), "the prompt is UTF-8");
   requireSound(input->cwd);
   requireSound(input->sessionID);
   requireSound(input->transcriptPath);
-  Fuzz::require(Fuzz::contextIn(adapter, adapter.envelope(input->prompt)) == input->prompt,
+  const std::string answer = adapter.envelope(input->prompt, "UserPromptSubmit");
+  Fuzz::require(Fuzz::contextIn(adapter, answer) == input->prompt,
                 "an answer carries the context unchanged");
   return 0;
 }

@@ -40,7 +40,7 @@ inline JSON::Document answerObject(std::string_view document) {
 }
 
 /// What `document`, an answer of `adapter`, hands to the harness.
-inline std::string contextIn(const HarnessAdapter& adapter, std::string_view document) {
+inline std::string contextIn(const hook::HarnessAdapter& adapter, std::string_view document) {
   const JSON::Document read = answerObject(document);
   const JSON::ObjectView answer = read.object();
   const auto inner = answer.find("hookSpecificOutput").object();
@@ -49,15 +49,15 @@ inline std::string contextIn(const HarnessAdapter& adapter, std::string_view doc
   const JSON::View context =
       isNested ? inner->find("additionalContext")
                : answer.find(adapter.name() == "cursor" ? "additional_context" : "context");
-  require(context.text().has_value(), "an answer carries its context");
-  return std::string(*context.text());
+  require(context.string().has_value(), "an answer carries its context");
+  return std::string(*context.string());
 }
 
 /// Every adapter's answer carries exactly `context`, as far as that is UTF-8.
 inline void requireEnvelopesOf(const std::string& context) {
   const std::string expected = Text::repaired(context);
-  for (const HarnessAdapter* adapter : Harnesses::all()) {
-    require(contextIn(*adapter, adapter->envelope(context)) == expected,
+  for (const hook::HarnessAdapter* adapter : hook::Harnesses::all()) {
+    require(contextIn(*adapter, adapter->envelope(context, "UserPromptSubmit")) == expected,
             "an answer carries the context unchanged");
   }
 }

@@ -2,9 +2,10 @@
 #include "Property.h"
 #include "hook/Lanes/MemoryLane.h"
 #include "hook/Lanes/RulesLane.h"
-#include "hook/MCP/MCPReply.h"
+#include "hook/MCP/MCPClient.h"
 
 using namespace quillstead;
+using namespace quillstead::hook;
 
 namespace {
 

@@ -3,13 +3,14 @@
 #include "Documents.h"
 #include "hook/BlockSplit.h"
 #include "hook/ContextBudget.h"
-#include "hook/MCP/MCPReply.h"
+#include "hook/MCP/MCPClient.h"
 
 #include <benchmark/benchmark.h>
 
 namespace {
 
 using namespace quillstead;
+using namespace quillstead::hook;
 
 std::size_t count(const benchmark::State& state) {
   return static_cast<std::size_t>(state.range(0));

@@ -2,7 +2,7 @@
 
 #include "support/Text/Text.h"
 
-namespace quillstead::BlockSplit {
+namespace quillstead::hook::BlockSplit {
 
 namespace {
 
@@ -28,4 +28,4 @@ std::optional<Halves> split(std::string_view block, std::int64_t indexSpan) {
   return Halves{.head = fenced(inner.substr(0, cut - 1)), .index = fenced(inner.substr(cut))};
 }
 
-}  // namespace quillstead::BlockSplit
+}  // namespace quillstead::hook::BlockSplit

@@ -1,16 +1,18 @@
 #pragma once
 
+#include "contract/Contract.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
 /// Cuts a rules block into the rules proper and the index that closes it.
-namespace quillstead::BlockSplit {
+namespace quillstead::hook::BlockSplit {
 
 /// The fence of a rules block.
-inline constexpr std::string_view opening = "<user-rules>\n";
-inline constexpr std::string_view closing = "\n</user-rules>";
+inline constexpr std::string_view opening = contract::RulesFence::opening;
+inline constexpr std::string_view closing = contract::RulesFence::closing;
 
 struct Halves {
   std::string head;   ///< the rules without the index, fenced
@@ -21,4 +23,4 @@ struct Halves {
 /// Absent when the block is not fenced, or no line of it begins where the index should.
 std::optional<Halves> split(std::string_view block, std::int64_t indexSpan);
 
-}  // namespace quillstead::BlockSplit
+}  // namespace quillstead::hook::BlockSplit

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace quillstead {
+namespace quillstead::hook {
 
 namespace {
 
@@ -20,4 +20,4 @@ std::int64_t Deadline::elapsedMilliseconds() const {
   return static_cast<std::int64_t>(elapsedSince(start).count() * 1000.0);
 }
 
-}  // namespace quillstead
+}  // namespace quillstead::hook

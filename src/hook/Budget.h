@@ -5,7 +5,7 @@
 #include <chrono>
 #include <cstdint>
 
-namespace quillstead {
+namespace quillstead::hook {
 
 using Seconds = std::chrono::duration<double>;
 
@@ -21,4 +21,4 @@ struct Deadline {
   [[nodiscard]] std::int64_t elapsedMilliseconds() const;
 };
 
-}  // namespace quillstead
+}  // namespace quillstead::hook

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace quillstead::ContextBudget {
+namespace quillstead::hook::ContextBudget {
 
 namespace {
 
@@ -131,4 +131,4 @@ std::string Envelope::rendered(std::size_t count) const {
   return Text::repaired(std::move(cut));
 }
 
-}  // namespace quillstead::ContextBudget
+}  // namespace quillstead::hook::ContextBudget

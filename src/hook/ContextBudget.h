@@ -1,5 +1,7 @@
 #pragma once
 
+#include "contract/Contract.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -7,7 +9,7 @@
 #include <vector>
 
 /// Fits the lanes' texts into the context that a harness accepts. All sizes are bytes of UTF-8.
-namespace quillstead::ContextBudget {
+namespace quillstead::hook::ContextBudget {
 
 /// The texts there are; absent ones are left out of the result.
 struct Texts {
@@ -37,9 +39,9 @@ Fitted fit(Texts texts);
 /// after a gap, then the closing fence.
 class Envelope {
  public:
-  static constexpr std::string_view opening = "<quillstead-memory>\n";
-  static constexpr std::string_view closing = "\n</quillstead-memory>";
-  static constexpr std::string_view gap = "\n\n";
+  static constexpr std::string_view opening = contract::MemoryFence::opening;
+  static constexpr std::string_view closing = contract::MemoryFence::closing;
+  static constexpr std::string_view gap = contract::MemoryFence::gap;
 
   /// Absent when `block` is not made of cards of exactly these sizes.
   static std::optional<Envelope> measured(std::string block, std::vector<std::int64_t> spans);
@@ -62,4 +64,4 @@ class Envelope {
   std::vector<std::int64_t> spans_;
 };
 
-}  // namespace quillstead::ContextBudget
+}  // namespace quillstead::hook::ContextBudget

@@ -1,5 +1,6 @@
 #include "hook/FailOpenBelt.h"
 
+#include "support/OS/Descriptor.h"
 #include "support/OS/ExceptionPorts.h"
 
 #include <unistd.h>
@@ -11,7 +12,7 @@
 #include <exception>
 #include <new>
 
-namespace quillstead::FailOpenBelt {
+namespace quillstead::hook::FailOpenBelt {
 
 namespace {
 
@@ -40,6 +41,8 @@ static_assert(std::atomic<bool>::is_always_lock_free);
 
 extern "C" void endOnFault(int /*signal*/) { end(); }
 
+bool isArmed() { return renderedLength > 0; }
+
 void render(std::string_view silence) {
   char* const lineEnd = std::copy(silence.begin(), silence.end(), renderedSilence.begin());
   *lineEnd = '\n';
@@ -56,8 +59,7 @@ void useAlternateStack() {
 }  // namespace
 
 void arm(std::optional<std::string_view> silence) {
-  const bool isArmed = renderedLength > 0;
-  if (!silence || silence->size() > longestSilence || isArmed) return;
+  if (!silence || silence->size() > longestSilence || isArmed()) return;
   render(*silence);
   useAlternateStack();
   OS::detachExceptionPorts();
@@ -78,6 +80,14 @@ void endQuietlyOnFailure() {
   std::set_terminate(end);
 }
 
-Pause::Pause() : blocked_(OS::SignalMask::Change::block, faultSignals) {}
+void answer(std::string_view document) {
+  const Pause pause;
+  OS::writeLine(STDOUT_FILENO, document);
+  answered = true;
+}
 
-}  // namespace quillstead::FailOpenBelt
+Pause::Pause() {
+  if (isArmed()) blocked_.emplace(OS::SignalMask::Change::block, faultSignals);
+}
+
+}  // namespace quillstead::hook::FailOpenBelt

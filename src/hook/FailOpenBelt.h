@@ -7,9 +7,9 @@
 #include <optional>
 #include <string_view>
 
-/// Turns a fatal fault into the neutral answer: the silence is written to standard output unless an
-/// answer already was, and the process ends with status 0.
-namespace quillstead::FailOpenBelt {
+/// Prints the run's one answer, and turns a fatal fault into the neutral one: the silence is
+/// written to standard output unless an answer already was, and the process ends with status 0.
+namespace quillstead::hook::FailOpenBelt {
 
 /// The longest silence, in bytes, that the belt can hold ready.
 inline constexpr std::size_t longestSilence = 1023;
@@ -30,14 +30,18 @@ void installHandler(int signal);
 /// with the silence that `arm` made ready, or with nothing when there is none.
 void endQuietlyOnFailure();
 
+/// Prints the run's one answer and a line end, in one write where the system takes it at once, and
+/// notes that it was printed. A harness that no longer listens is no error.
+void answer(std::string_view document);
+
 /// Keeps the fault signals waiting while an answer is printed and noted as printed, so that no
-/// fault can come between the two.
+/// fault can come between the two. Does nothing while the belt is off: no fault is answered then.
 class Pause {
  public:
   Pause();
 
  private:
-  OS::SignalMask blocked_;
+  std::optional<OS::SignalMask> blocked_;
 };
 
-}  // namespace quillstead::FailOpenBelt
+}  // namespace quillstead::hook::FailOpenBelt

@@ -1,22 +1,21 @@
 #include "hook/ParentTag.h"
 
 #include "hook/Harness/Payload.h"
-#include "hook/PretoolAnswer.h"
 
-namespace quillstead::ParentTag {
+#include <utility>
 
-std::optional<std::string> answer(JSON::ObjectView payload, std::string reused) {
-  if (payload.find("tool_name").text() != tool) return std::nullopt;
+namespace quillstead::hook::ParentTag {
+
+std::optional<JSON::Object> answer(JSON::ObjectView payload) {
+  if (payload.find("tool_name").string() != tool) return std::nullopt;
   const auto toolInput = payload.find("tool_input").object();
-  const auto prompt = toolInput ? toolInput->find("prompt").text() : std::nullopt;
+  const auto prompt = toolInput ? toolInput->find("prompt").string() : std::nullopt;
   const std::optional<std::string> session = Payload::nonBlank(payload, "session_id");
   if (!prompt || !session) return std::nullopt;
 
-  const std::string tag = "\n\n[qs-parent:" + *session + "]";
   JSON::Object tagged(*toolInput);
-  tagged.set("prompt", JSON::JoinedText{*prompt, tag});
-  return PretoolAnswer::written(JSON::objectOf({{"updated_input", std::move(tagged)}}),
-                                std::move(reused));
+  tagged.set("prompt", JSON::JoinedString{*prompt, "\n\n[qs-parent:" + *session + "]"});
+  return JSON::objectOf({{"updated_input", std::move(tagged)}});
 }
 
-}  // namespace quillstead::ParentTag
+}  // namespace quillstead::hook::ParentTag

@@ -1,12 +1,14 @@
 #include "hook/PretoolAnswer.h"
 
 #include "hook/FailOpenBelt.h"
+#include "hook/Harness/Payload.h"
 #include "hook/StackOverflowProbe.h"
 #include "hook/StandardInput.h"
-#include "hook/StandardOutput.h"
 #include "support/JSON/Writer.h"
 
-namespace quillstead::PretoolAnswer {
+#include <utility>
+
+namespace quillstead::hook::PretoolAnswer {
 
 namespace {
 
@@ -14,18 +16,21 @@ constexpr std::string_view letThrough = "{}";
 
 }  // namespace
 
-std::int32_t serve(const OS::Environment& environment, AnswerTo answerTo) {
+std::int32_t serve(const OS::Environment& environment, Stamp stamp, Decision decision) {
   FailOpenBelt::arm(letThrough);
   StackOverflowProbe::recurseIfAsked(environment);
 
   std::optional<std::string> input = StandardInput::readAll();
-  const std::optional<std::string> answer = input ? answerTo(std::move(*input)) : std::nullopt;
-  StandardOutput::answer(answer ? std::string_view(*answer) : letThrough);
+  FailOpenBelt::answer(input ? document(*std::move(input), stamp, decision)
+                             : std::string(letThrough));
   return 0;
 }
 
-std::string written(JSON::Object document, std::string reused) {
-  return JSON::write(std::move(document), JSON::Slashes::plain, std::move(reused));
+std::string document(std::string input, Stamp stamp, Decision decision) {
+  const std::optional<JSON::Document> payload = Payload::read(input);
+  std::optional<JSON::Object> answer = payload ? stamp(payload->object(), decision) : std::nullopt;
+  if (!answer) return std::string(letThrough);
+  return JSON::write(*std::move(answer), JSON::Slashes::plain, std::move(input));
 }
 
-}  // namespace quillstead::PretoolAnswer
+}  // namespace quillstead::hook::PretoolAnswer

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hook/Harness/AnswerFlags.h"
 #include "support/JSON/Value.h"
 #include "support/OS/Environment.h"
 
@@ -7,18 +8,20 @@
 #include <optional>
 #include <string>
 
-/// What the two stamps at the pre-tool slot share: one sequence from the payload to the answer.
-namespace quillstead::PretoolAnswer {
+/// Answers the pre-tool slot: a payload is read, a stamp makes the answer of it, the answer is
+/// written. Nothing is logged.
+namespace quillstead::hook::PretoolAnswer {
 
-/// Gives the answer document to a payload's bytes, in whose memory it may be written; absent when
-/// the call is to be let through as it is.
-using AnswerTo = std::optional<std::string> (*)(std::string input);
+/// Makes the answer to a call: its input, with what the stamp adds. The answer may show parts of
+/// the payload. Absent when the call is to be let through as it is.
+using Stamp = std::optional<JSON::Object> (*)(JSON::ObjectView payload, Decision decision);
 
 /// Puts the belt on, reads the payload, and prints the answer, or `{}` to let the call through.
-/// Returns the exit status, always 0. Writes no telemetry and nothing to standard error.
-std::int32_t serve(const OS::Environment& environment, AnswerTo answerTo);
+/// Returns the exit status, always 0.
+std::int32_t serve(const OS::Environment& environment, Stamp stamp, Decision decision);
 
-/// `document` as it goes out: compact, slashes as they are, in the memory of `reused`.
-std::string written(JSON::Object document, std::string reused);
+/// The document that answers the payload in `input`, in whose memory it is written; `{}` when there
+/// is nothing to stamp. Compact, with slashes as they are.
+std::string document(std::string input, Stamp stamp, Decision decision);
 
-}  // namespace quillstead::PretoolAnswer
+}  // namespace quillstead::hook::PretoolAnswer

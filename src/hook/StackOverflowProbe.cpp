@@ -1,6 +1,6 @@
 #include "hook/StackOverflowProbe.h"
 
-namespace quillstead::StackOverflowProbe {
+namespace quillstead::hook::StackOverflowProbe {
 
 // No base case, on purpose. The scratch words are volatile and used after the call, so that the
 // compiler can neither drop the frame nor turn the recursion into a loop.
@@ -22,4 +22,4 @@ void recurseIfAsked(const OS::Environment& environment) {
   if (environment.value("QUILLSTEAD_HOOK_STACK_OVERFLOW_FOR_TESTS") == "1") recurse(0);
 }
 
-}  // namespace quillstead::StackOverflowProbe
+}  // namespace quillstead::hook::StackOverflowProbe

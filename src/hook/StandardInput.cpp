@@ -7,11 +7,11 @@
 
 #include <array>
 
-namespace quillstead::StandardInput {
+namespace quillstead::hook::StandardInput {
 
 std::optional<std::string> readAll() {
   std::string all;
-  std::array<char, 65'536> buffer;
+  static std::array<char, 65'536> buffer;  // on a stack that is probed it would be 16 page faults
   for (;;) {
     const OS::Transfer part = OS::read(STDIN_FILENO, buffer.data(), buffer.size());
     switch (part.result) {
@@ -28,4 +28,4 @@ std::optional<std::string> readAll() {
   }
 }
 
-}  // namespace quillstead::StandardInput
+}  // namespace quillstead::hook::StandardInput

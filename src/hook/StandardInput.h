@@ -3,10 +3,10 @@
 #include <optional>
 #include <string>
 
-namespace quillstead::StandardInput {
+namespace quillstead::hook::StandardInput {
 
 /// Everything on standard input up to its end, which may be nothing. Blocks until the harness
 /// closes it; no limit of size or time. Absent when it cannot be read.
 std::optional<std::string> readAll();
 
-}  // namespace quillstead::StandardInput
+}  // namespace quillstead::hook::StandardInput

@@ -8,7 +8,7 @@
 #include <array>
 #include <climits>
 
-namespace quillstead::Witness {
+namespace quillstead::hook::Witness {
 
 namespace {
 
@@ -31,4 +31,4 @@ void warnIfCwdWitnessesDisagree(const std::optional<std::string>& payloadCwd) {
                "prompt may have been answered for the wrong one.");
 }
 
-}  // namespace quillstead::Witness
+}  // namespace quillstead::hook::Witness

@@ -7,8 +7,9 @@
 
 int main(int count, char** arguments) {
   using namespace quillstead;
-  static_cast<void>(
-      std::signal(SIGPIPE, SIG_IGN));  // a harness that went away is an error, not the end
+  using namespace quillstead::hook;
+  // A harness that went away, or a log that is as long as a file may be, is an error, not the end.
+  for (const int signal : {SIGPIPE, SIGXFSZ}) static_cast<void>(std::signal(signal, SIG_IGN));
   FailOpenBelt::endQuietlyOnFailure();
 
   const std::span<char*> all(arguments, static_cast<std::size_t>(count));

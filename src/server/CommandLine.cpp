@@ -1,36 +1,54 @@
 #include "server/CommandLine.h"
 
+#include "server/Store/Trust.h"
 #include "support/OS/Descriptor.h"
 
 #include <unistd.h>
 
 #include <cstdlib>
+#include <string>
 #include <string_view>
+#include <variant>
 
-namespace quillstead::CommandLine {
+namespace quillstead::server::CommandLine {
 
 namespace {
 
 constexpr std::string_view help =
     "quillstead-mcp: a memory server over plain Markdown files.\n"
     "It speaks the Model Context Protocol on its standard input and output, and is started by\n"
-    "quillstead-hook or as an MCP server of an agent. It takes no arguments.";
+    "quillstead-hook or as an MCP server of an agent. Then it takes no arguments.\n"
+    "\n"
+    "  --trust DIRECTORY  use the memory of the projects in this directory and below it\n"
+    "  -h, --help         print this\n"
+    "  -V, --version      print the version";
+
+constexpr int wrongUse = 2;
+
+int print(std::string_view text) {
+  return OS::writeLine(STDOUT_FILENO, text) ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+int trust(const std::string& directory, const OS::Environment& environment) {
+  const Trust::Outcome outcome = Trust::add(environment, directory);
+  if (const auto* refused = std::get_if<Trust::Refused>(&outcome)) {
+    OS::writeLine(STDERR_FILENO, "quillstead-mcp: " + refused->reason);
+    return EXIT_FAILURE;
+  }
+  const auto& changed = std::get<Trust::Changed>(outcome);
+  return print(changed.directory + (changed.wasSo ? ": is trusted already." : ": trusted."));
+}
 
 }  // namespace
 
-std::optional<int> answer(std::span<char* const> arguments) {
+std::optional<int> answer(std::span<char* const> arguments, const OS::Environment& environment) {
   if (arguments.empty()) return std::nullopt;
   const std::string_view first = arguments.front();
-  if (first == "--version") {
-    return OS::writeLine(STDOUT_FILENO, "quillstead-mcp " QUILLSTEAD_VERSION) ? EXIT_SUCCESS
-                                                                              : EXIT_FAILURE;
-  }
-  if (first == "--help") {
-    return OS::writeLine(STDOUT_FILENO, help) ? EXIT_SUCCESS : EXIT_FAILURE;
-  }
+  if (first == "--version" || first == "-V") return print("quillstead-mcp " QUILLSTEAD_VERSION);
+  if (first == "--help" || first == "-h") return print(help);
+  if (first == "--trust" && arguments.size() == 2) return trust(arguments.back(), environment);
   OS::writeLine(STDERR_FILENO, help);
-  constexpr int wrongUse = 2;
   return wrongUse;
 }
 
-}  // namespace quillstead::CommandLine
+}  // namespace quillstead::server::CommandLine

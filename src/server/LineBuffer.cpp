@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace quillstead {
+namespace quillstead::server {
 
 std::optional<LineBuffer::Line> LineBuffer::take() {
   const std::size_t end = bytes_.find('\n', std::max(start_, searched_));
@@ -36,4 +36,4 @@ LineBuffer::Line LineBuffer::finished(std::size_t end) {
   return bytes_.substr(start_, end - start_);
 }
 
-}  // namespace quillstead
+}  // namespace quillstead::server

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <variant>
 
-namespace quillstead {
+namespace quillstead::server {
 
 /// Takes bytes as they come and gives the lines they hold.
 class LineBuffer {
@@ -35,4 +35,4 @@ class LineBuffer {
   bool overlong_ = false;     ///< the beginning of the current line was dropped
 };
 
-}  // namespace quillstead
+}  // namespace quillstead::server

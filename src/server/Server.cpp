@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <string>
 
-namespace quillstead::Server {
+namespace quillstead::server::Server {
 
 namespace {
 
@@ -26,11 +26,15 @@ class Session {
 
   /// False when the answers cannot be written.
   bool take(const LineBuffer::Line& line) {
+    bool answered = false;
+    const auto write = [&](std::string_view part) {
+      answered = true;
+      return add(part);
+    };
     const auto* const text = std::get_if<std::string>(&line);
-    const auto answer = text ? Protocol::answer(*text, environment_)
-                             : std::optional(Protocol::answerToTooLongLine());
-    if (answer) answers_.append(*answer).append("\n");
-    return answers_.size() < answersAtOnce || flush();
+    const bool written = text ? Protocol::answer(*text, environment_, write)
+                              : write(Protocol::answerToTooLongLine());
+    return written && (!answered || add("\n"));
   }
 
   bool flush() {
@@ -40,6 +44,11 @@ class Session {
   }
 
  private:
+  bool add(std::string_view part) {
+    answers_ += part;
+    return answers_.size() < answersAtOnce || flush();
+  }
+
   int output_;
   const OS::Environment& environment_;
   std::string answers_;
@@ -55,7 +64,7 @@ void waitForInput(int input) {
 int run(int input, int output, const OS::Environment& environment) {
   Session session(output, environment);
   LineBuffer lines(longestLine);
-  std::array<char, 65'536> buffer;
+  static std::array<char, 65'536> buffer;  // on a probed stack it would be 16 page faults
   for (;;) {
     const OS::Transfer part = OS::read(input, buffer.data(), buffer.size());
     if (part.result == OS::Transfer::Result::notReady) {
@@ -76,4 +85,4 @@ int run(int input, int output, const OS::Environment& environment) {
   }
 }
 
-}  // namespace quillstead::Server
+}  // namespace quillstead::server::Server

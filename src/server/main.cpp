@@ -9,9 +9,12 @@
 
 int main(int count, char** arguments) {
   using namespace quillstead;
-  (void)std::signal(SIGPIPE, SIG_IGN);
+  using namespace quillstead::server;
+  // A client that went away, or a file that may not grow, is an error, not the end.
+  for (const int signal : {SIGPIPE, SIGXFSZ}) (void)std::signal(signal, SIG_IGN);
 
   const std::span<char*> all(arguments, static_cast<std::size_t>(count));
-  if (const auto status = CommandLine::answer(all.subspan(all.empty() ? 0 : 1))) return *status;
-  return Server::run(STDIN_FILENO, STDOUT_FILENO, OS::Environment::ofProcess());
+  const OS::Environment environment = OS::Environment::ofProcess();
+  const auto status = CommandLine::answer(all.subspan(all.empty() ? 0 : 1), environment);
+  return status ? *status : Server::run(STDIN_FILENO, STDOUT_FILENO, environment);
 }

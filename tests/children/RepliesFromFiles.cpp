@@ -28,7 +28,7 @@ std::string toolIn(const std::string& requests) {
   const std::size_t second = requests.find('\n') + 1;
   const auto call = JSON::read(requests.substr(second));
   const auto parameters = call ? call->object().find("params").object() : std::nullopt;
-  const auto name = parameters ? parameters->find("name").text() : std::nullopt;
+  const auto name = parameters ? parameters->find("name").string() : std::nullopt;
   return std::string(name.value_or("no-tool"));
 }
 

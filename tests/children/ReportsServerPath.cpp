@@ -6,5 +6,6 @@
 
 int main() {
   using namespace quillstead;
+  using namespace quillstead::hook;
   OS::writeAll(STDOUT_FILENO, MCPBinary::resolve(OS::Environment::ofProcess()));
 }

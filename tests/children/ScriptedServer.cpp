@@ -108,7 +108,7 @@ std::string calledTool(std::string_view requests) {
     requests.remove_prefix(std::min(line.size() + 1, requests.size()));
     const auto request = JSON::read(line);
     const auto parameters = request ? request->object().find("params").object() : std::nullopt;
-    const auto name = parameters ? parameters->find("name").text() : std::nullopt;
+    const auto name = parameters ? parameters->find("name").string() : std::nullopt;
     if (name) return std::string(*name);
   }
   return "none";

@@ -75,6 +75,15 @@ TEST_F(CommandLine, WithoutAHarnessIsRefused) {
   }
 }
 
+TEST_F(CommandLine, TellsTheVersionWhenThatIsAllItSays) {
+  const HookEnd end = started({"--version"});
+  EXPECT_EQ(end.output, "quillstead-hook " QUILLSTEAD_VERSION "\n");
+  EXPECT_EQ(end.error, "");
+  expectRefusal({"--version", "x"},
+                "no --harness <name> given — injecting nothing. " + knownHarnesses);
+  EXPECT_EQ(chosenHarness({"--version", "--harness", "codex"}), "codex");
+}
+
 TEST_F(CommandLine, WithAnUnknownHarnessIsRefusedByItsName) {
   const std::vector<std::pair<Arguments, std::string>> table{
       {{"--harness", "CODEX"}, "CODEX"},

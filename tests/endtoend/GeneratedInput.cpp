@@ -100,7 +100,7 @@ std::string GeneratedInput::space() {
 }
 
 std::string GeneratedInput::written(const JSON::Value& value) {
-  if (value.text()) return space() + spelled(*value.text()) + space();
+  if (value.string()) return space() + spelled(*value.string()) + space();
   if (value.number()) return space() + std::string(value.number()->text()) + space();
   if (value.boolean()) return space() + (*value.boolean() ? "true" : "false") + space();
   std::string text;

@@ -14,8 +14,7 @@ const std::string now = "<quillstead-now>\nended /n\n</quillstead-now>";
 
 /// What goes out at a slot when the server has all there can be.
 std::string contextAt(const std::string& slot) {
-  const std::string recalled =
-      shortcut + "\n\n" + now + "\n\n" + memoryBlock("What we know:", cards);
+  std::string recalled = shortcut + "\n\n" + now + "\n\n" + memoryBlock("What we know:", cards);
   if (slot == "rules") return rulesBlock(rules);
   if (slot == "index") return rulesBlock(ruleIndex);
   if (slot == "recall") return recalled;

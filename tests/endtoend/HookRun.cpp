@@ -149,10 +149,16 @@ void HookRun::start(const HookStart& start) {
 bool HookRun::hasEnded() {
   if (reaped_) return true;
   int status = 0;
-  if (waitpid(process_, &status, WNOHANG) != process_) return false;
+  rusage usage{};
+  if (wait4(process_, &status, WNOHANG, &usage) != process_) return false;
   reaped_ = true;
   end_.duration =
       std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - started_);
+#if defined(__APPLE__)
+  end_.peakMemory = static_cast<std::size_t>(usage.ru_maxrss);
+#else
+  end_.peakMemory = static_cast<std::size_t>(usage.ru_maxrss) * 1024;
+#endif
   if (WIFEXITED(status)) end_.status = WEXITSTATUS(status);
   if (WIFSIGNALED(status)) end_.signal = WTERMSIG(status);
   return true;

@@ -52,6 +52,7 @@ struct HookEnd {
   std::optional<int> status;  ///< absent when a signal ended it
   std::optional<int> signal;
   std::chrono::milliseconds duration{};
+  std::size_t peakMemory = 0;  ///< bytes, of it and of its server
 };
 
 /// One hook process. A test that waits for one longer than a minute fails and the process is

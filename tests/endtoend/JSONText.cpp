@@ -45,7 +45,7 @@ MATCHER_P(IsCompactLine, slashes, "is one compact line") {
 bool isSame(const JSON::Value& left, const JSON::Value& right, Members members) {
   if (left.isNull()) return right.isNull();
   if (left.boolean()) return areEqual(left.boolean(), right.boolean());
-  if (left.text()) return areEqual(left.text(), right.text());
+  if (left.string()) return areEqual(left.string(), right.string());
   if (left.number()) return right.number() && left.number()->text() == right.number()->text();
   if (left.array()) return right.array() && isSameArray(*left.array(), *right.array(), members);
   return right.object() && isSameObject(*left.object(), *right.object(), members);
@@ -98,7 +98,7 @@ std::vector<std::string> writtenKeys(std::string_view text) {
       }
       case ':':
         if (depth == 1)
-          keys.push_back(*document("[" + std::string(lastText) + "]").array()->at(0).text());
+          keys.push_back(*document("[" + std::string(lastText) + "]").array()->at(0).string());
         break;
       default:
         break;

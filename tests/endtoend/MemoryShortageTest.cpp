@@ -28,7 +28,7 @@ class MemoryShortage : public HookTest {
   [[nodiscard]] std::size_t leastAddressSpace() const {
     HookStart start = starting({"--harness", "nobody"});
     std::size_t tooLittle = 0;
-    std::size_t enough = 64 * 1'024 * kibibyte;
+    std::size_t enough = std::size_t{64} * 1'024 * kibibyte;
     while (enough - tooLittle > 4 * kibibyte) {
       start.addressSpace = (tooLittle + enough) / 2;
       (runHook(start, "").status == 0 ? enough : tooLittle) = *start.addressSpace;

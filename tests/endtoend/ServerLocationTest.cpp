@@ -98,6 +98,20 @@ TEST_F(ServerLocation, IsNowhereForABareNameThatIsNotOnTheSearchPath) {
   EXPECT_EQ(onlyRecord().trail, "slot=rules rules=MISS:no-envelope");
 }
 
+TEST_F(ServerLocation, OfABareNameIsNeverTheCurrentDirectoryUnlessThePathSaysSo) {
+  placeServer("project/quillstead-mcp");
+  HookStart start = startingWith("quillstead-mcp");
+  start.directory = workspace.path("project");
+  for (const std::string& path : {workspace.path("elsewhere"), std::string("/nonexistent")}) {
+    start.environment["PATH"] = path;
+    EXPECT_EQ(startedPath(start), "");
+    EXPECT_EQ(onlyRecord().trail, "slot=rules rules=MISS:no-envelope");
+    forgetLog();
+  }
+  start.environment["PATH"] = "/nonexistent:";
+  EXPECT_EQ(startedPath(start), "./quillstead-mcp");
+}
+
 TEST_F(ServerLocation, IsNowhereWhenTheVariableIsEmpty) {
   const std::string hook = placeHook("bin/hook");
   placeServer("bin/quillstead-mcp");

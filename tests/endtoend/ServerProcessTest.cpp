@@ -11,6 +11,9 @@
 namespace quillstead {
 namespace {
 
+/// The hook promises to stay below this, whatever a server writes.
+constexpr std::size_t mostMemory = isSanitized ? 2'000'000'000 : 200'000'000;
+
 class ServerProcess : public HookTest {
  protected:
   /// Runs OpenCode's hook, which has no budget, and gives the trail without card words.
@@ -109,6 +112,37 @@ TEST_F(ServerProcess, MayWriteMegabytes) {
   server.answer(rulesTool, text, rulesMeta);
   const HookEnd end = run(openCode, "rules", "{}");
   EXPECT_TRUE(end.output == R"({"context":)" + jsonString(text) + "}\n");
+}
+
+TEST_F(ServerProcess, MayWrite40MegabytesBeforeItsReply) {
+  HookStart start = starting(openCode, "rules");
+  start.environment["QUILLSTEAD_MCP_BIN"] = childExecutable("AnswersBehindManyLines");
+  const HookEnd end = runHook(start, openCode.payload({}));
+  EXPECT_EQ(onlyRecord().trail, "slot=rules card=1 rules=1");
+  EXPECT_THAT(end.output, ::testing::HasSubstr("Always test."));
+  EXPECT_LT(end.peakMemory, mostMemory);
+}
+
+TEST_F(ServerProcess, MakesNoHookLargeByFloodingIt) {
+  for (const char* const child : {"FloodsBothStreams", "AnswersOnAnEndlessLine"}) {
+    HookStart start = starting(openCode, "rules");
+    start.environment["QUILLSTEAD_MCP_BIN"] = childExecutable(child);
+    const HookEnd end = runHook(start, openCode.payload({}));
+    EXPECT_EQ(end.output, openCode.silentOutput());
+    EXPECT_LT(end.peakMemory, mostMemory) << child;
+  }
+}
+
+TEST_F(ServerProcess, MakesNoHookLargeByLongReplies) {
+  const std::string text(15'000'000, '/');  // each is two bytes in the answer
+  server.answer(rulesTool, text, rulesMeta);
+  server.answer(memoryTool, text, R"({"quillstead/replyKind":"cards","quillstead/cardCount":1})");
+  const HookEnd end = run(openCode, "", openCode.payload({}));
+  EXPECT_GT(end.output.size(), 4 * text.size());
+  EXPECT_LT(end.peakMemory, mostMemory);
+
+  server.answer(rulesTool, std::string(17'000'000, 'x'), rulesMeta);
+  EXPECT_EQ(run(openCode, "rules", "{}").output, openCode.silentOutput());
 }
 
 TEST_F(ServerProcess, MayFloodItsStandardErrorWithoutBlocking) {

@@ -1,6 +1,7 @@
 #include "GeneratedInput.h"
 #include "HookTest.h"
 #include "ToolCall.h"
+#include "helpers/StampedDocument.h"
 #include "hook/SessionStamp.h"
 #include "hook/SubagentStamp.h"
 
@@ -9,7 +10,7 @@
 #include <optional>
 #include <string>
 
-namespace quillstead {
+namespace quillstead::hook {
 namespace {
 
 /// Gives the answer document to a payload, without its line end.
@@ -47,6 +48,10 @@ class StampProperty : public HookTest {
     }
   }
 
+  [[nodiscard]] static Answerer answerer(PretoolAnswer::Stamp stamp) {
+    return [stamp](std::string payload) { return stampedDocument(std::move(payload), stamp); };
+  }
+
   [[nodiscard]] Answerer hookOf(const Harness& harness) const {
     return [this, &harness](const std::string& payload) {
       std::string output = run(harness, "pretool", payload).output;
@@ -58,12 +63,12 @@ class StampProperty : public HookTest {
 
 TEST_F(StampProperty, OfTheSessionIsThatItTakesNothingAndAddsNothingElse) {
   for (const ToolCall& call : cursorCalls()) {
-    expectInputsGivenBack(call, inProcess, SessionStamp::answer);
+    expectInputsGivenBack(call, inProcess, answerer(SessionStamp::answer));
   }
 }
 
 TEST_F(StampProperty, OfTheSubAgentIsThatItTakesNothingAndAddsNothingElse) {
-  expectInputsGivenBack(subagentCalls().front(), inProcess, SubagentStamp::answer);
+  expectInputsGivenBack(subagentCalls().front(), inProcess, answerer(SubagentStamp::answer));
 }
 
 TEST_F(StampProperty, HoldsInTheHook) {
@@ -80,7 +85,7 @@ TEST_F(StampProperty, OfTheParentTagIsThatItChangesThePromptAlone) {
     input.set("prompt", prompt);
     const std::string payload =
         R"({"tool_name":"Task","session_id":"s","tool_input":)" + generated.written(input) + "}";
-    const std::optional<std::string> answer = SessionStamp::answer(payload);
+    const std::optional<std::string> answer = answerer(SessionStamp::answer)(payload);
     ASSERT_TRUE(answer) << seed << " " << payload;
     input.set("prompt", prompt + "\n\n[qs-parent:s]");
     const JSON::Value expected = JSON::objectOf({{"updated_input", input}});
@@ -91,4 +96,4 @@ TEST_F(StampProperty, OfTheParentTagIsThatItChangesThePromptAlone) {
 }
 
 }  // namespace
-}  // namespace quillstead
+}  // namespace quillstead::hook

@@ -42,7 +42,7 @@ class StampedInput : public HookTest {
   std::string expectGivenBack(const ToolCall& call, const std::string& input) const {
     SCOPED_TRACE(call.harness.name + " " + input.substr(0, 200));
     const std::string answer = answerTo(call, call.payload(input));
-    const std::string stamped(call.inputIn(answer));
+    std::string stamped(call.inputIn(answer));
     const JSON::Value given = document(stamped);
     if (!given.object()) return "";
     EXPECT_TRUE(JSON::isText(given.object()->find(call.stampKey), "me"));

@@ -1,6 +1,7 @@
 #include "FullPipe.h"
 #include "HookTest.h"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -245,21 +246,41 @@ TEST_F(Telemetry, OfManyHooksAtOnceDoesNotMix) {
 }
 
 TEST_F(Telemetry, ComesAfterTheAnswer) {
-  // A log that has no room holds the line up, not the answer.
-  const FullPipe log(workspace.path("hook.log"));
-  const HookStart start = starting(harness("codex"), "rules");
-  HookRun run(start);
+  // An answer that a pipe does not hold is not written before somebody reads it.
+  const std::string rules = rulesBlock(std::string(1'000'000, 'r'));
+  server.answer(rulesTool, rules, rulesMeta);
+  HookRun run(starting(harness("opencode"), "rules"));
   run.feed("{}");
   run.closeInput();
   run.awaitAnswer();
-  std::string logged = log.drain();
-  const HookEnd end = run.finish();
-  logged += log.drain();
+  EXPECT_FALSE(fs::exists(workspace.path("hook.log")));
+  EXPECT_THAT(run.finish().output, isAnswer(harness("opencode").envelope(rules)));
+  EXPECT_EQ(onlyRecord().trail, "slot=rules card=miss rules=1");
+}
+
+TEST_F(Telemetry, IsLostWhenItsLogHasNoRoom) {
+  const FullPipe log(workspace.path("hook.log"));
+  const HookEnd end = run(harness("codex"), "rules", "{}");
   EXPECT_EQ(end.status, 0);
   EXPECT_THAT(end.output, isAnswer(harness("codex").envelope(rulesBlock("R"))));
-  const std::string line = logged.substr(logged.find_first_not_of('.'));
-  ASSERT_TRUE(line.ends_with('\n'));
-  EXPECT_TRUE(telemetryRecord(line.substr(0, line.size() - 1))) << line;
+  EXPECT_EQ(log.drain().find_first_not_of('.'), std::string::npos);
+}
+
+TEST_F(Telemetry, IsLostWhenItsLogIsAsLongAsFilesMayBe) {
+  const std::string before(100, '.');
+  writeFile(workspace.path("hook.log"), before);
+  HookStart start = starting(harness("codex"), "rules");
+  start.environment["QUILLSTEAD_MCP_BIN"] = "/nonexistent/server";
+  rlimit old{};
+  getrlimit(RLIMIT_FSIZE, &old);
+  rlimit least = old;
+  least.rlim_cur = before.size();
+  setrlimit(RLIMIT_FSIZE, &least);
+  const HookEnd end = runHook(start, "{}");
+  setrlimit(RLIMIT_FSIZE, &old);
+  EXPECT_EQ(end.status, 0);
+  EXPECT_EQ(end.output, harness("codex").silentOutput());
+  EXPECT_EQ(contentOf(workspace.path("hook.log")), before);
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include "FullPipe.h"
 #include "HookTest.h"
 
 #include <filesystem>
@@ -96,6 +97,26 @@ TEST_F(DirectoryWitness, WarnsAtEveryPromptSlotAndChangesNothingElse) {
       EXPECT_EQ(end.output, run(harness, slot, harness.payload({})).output);
     }
   }
+}
+
+TEST_F(DirectoryWitness, HoldsNothingUpWhenNobodyReadsWhatItSays) {
+  const FullPipe errors(workspace.path("errors"));
+  HookStart start = starting(harness("codex"), "rules");
+  start.errorPath = workspace.path("errors");
+  server.answer(rulesTool, rulesBlock("R"), rulesMeta);
+  const HookEnd end = runHook(
+      start, harness("codex").payload({.directory = "/nonexistent/" + std::string(100'000, 'x')}));
+  EXPECT_EQ(end.status, 0);
+  EXPECT_THAT(end.output, isAnswer(harness("codex").envelope(rulesBlock("R"))));
+  EXPECT_EQ(errors.drain().find_first_not_of('.'), std::string::npos);
+}
+
+TEST_F(DirectoryWitness, SaysNoMoreThanAPipeTakesAtOnce) {
+  const HookEnd end =
+      run(harness("codex"), "rules",
+          harness("codex").payload({.directory = "/nonexistent/" + std::string(100'000, 'x')}));
+  EXPECT_THAT(end.error, ::testing::StartsWith("quillstead-hook: WARNING"));
+  EXPECT_EQ(end.error.size(), 4096U);
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 namespace quillstead::JSON {
 
 /// `value` when there is one of the wanted kind, else null.
-inline const std::string* textOf(const Value* value) { return value ? value->text() : nullptr; }
+inline const std::string* textOf(const Value* value) { return value ? value->string() : nullptr; }
 inline const Object* objectOf(const Value* value) { return value ? value->object() : nullptr; }
 inline const Array* arrayOf(const Value* value) { return value ? value->array() : nullptr; }
 

@@ -2,7 +2,7 @@
 
 #include "hook/Harness/HarnessAdapter.h"
 
-namespace quillstead {
+namespace quillstead::hook {
 
 /// Codex, whose payload and answer look like Claude Code's.
 class CodexAdapter final : public HarnessAdapter {
@@ -10,11 +10,13 @@ class CodexAdapter final : public HarnessAdapter {
   [[nodiscard]] std::string_view name() const override { return "codex"; }
   [[nodiscard]] std::string_view clientName() const override { return "codex"; }
   [[nodiscard]] std::optional<HookInput> parse(std::string_view data) const override;
-  [[nodiscard]] std::string envelope(std::string text) const override;
+  [[nodiscard]] std::string envelope(std::string text, std::string_view event) const override;
+  [[nodiscard]] CallStamp stamp() const override { return CallStamp::subagent; }
+  [[nodiscard]] bool takesDecision() const override { return true; }
   [[nodiscard]] std::optional<std::string_view> silence() const override {
     return R"({"continue":true})";
   }
   [[nodiscard]] std::optional<std::int64_t> contextBudget() const override { return 30'000; }
 };
 
-}  // namespace quillstead
+}  // namespace quillstead::hook

@@ -1,6 +1,6 @@
 #include "hook/Harness/CommandFlag.h"
 
-namespace quillstead::CommandFlag {
+namespace quillstead::hook::CommandFlag {
 
 namespace {
 
@@ -23,4 +23,4 @@ std::optional<std::string_view> value(std::string_view flag, std::span<char* con
   return std::nullopt;
 }
 
-}  // namespace quillstead::CommandFlag
+}  // namespace quillstead::hook::CommandFlag

@@ -3,7 +3,7 @@
 #include "hook/Harness/Payload.h"
 #include "support/JSON/Writer.h"
 
-namespace quillstead {
+namespace quillstead::hook {
 
 namespace {
 
@@ -26,9 +26,9 @@ std::optional<HookInput> CursorAdapter::parse(std::string_view data) const {
                    .transcriptPath = Payload::nonBlank(payload, "transcript_path")};
 }
 
-std::string CursorAdapter::envelope(std::string text) const {
+std::string CursorAdapter::envelope(std::string text, std::string_view /*event*/) const {
   return JSON::write(JSON::objectOf({{"continue", true}, {"additional_context", std::move(text)}}),
                      JSON::Slashes::escaped);
 }
 
-}  // namespace quillstead
+}  // namespace quillstead::hook

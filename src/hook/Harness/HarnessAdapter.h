@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace quillstead {
+namespace quillstead::hook {
 
 /// A prompt's payload, whatever harness it came from. The optional texts are there only when they
 /// hold more than white space, and are kept untrimmed.
@@ -15,6 +15,9 @@ struct HookInput {
   std::optional<std::string> sessionID;       ///< the harness's session identifier
   std::optional<std::string> transcriptPath;  ///< path of the harness's transcript file
 };
+
+/// How calls of the memory service's tools are told who makes them.
+enum class CallStamp { session, subagent };
 
 /// What the hook has to know of one harness: how its payload reads and how its answer looks.
 class HarnessAdapter {
@@ -31,11 +34,19 @@ class HarnessAdapter {
   /// Absent when the payload is of no use for this harness.
   [[nodiscard]] virtual std::optional<HookInput> parse(std::string_view data) const = 0;
 
-  /// The document that hands `text` to the harness, without a line end.
-  [[nodiscard]] virtual std::string envelope(std::string text) const = 0;
+  /// The document that hands `text` to the harness, without a line end. `event` is what the
+  /// harness calls the moment; some documents name it.
+  [[nodiscard]] virtual std::string envelope(std::string text, std::string_view event) const = 0;
 
   /// The neutral answer when there is nothing to inject; absent: print nothing at all.
   [[nodiscard]] virtual std::optional<std::string_view> silence() const { return std::nullopt; }
+
+  /// The stamp at the slot `pretool`.
+  [[nodiscard]] virtual CallStamp stamp() const = 0;
+
+  /// Whether an answer at that slot may say that the call is allowed, when the command line asks
+  /// for it.
+  [[nodiscard]] virtual bool takesDecision() const { return false; }
 
   /// The most context that goes out, in bytes; absent: no limit.
   [[nodiscard]] virtual std::optional<std::int64_t> contextBudget() const { return std::nullopt; }
@@ -50,4 +61,4 @@ class HarnessAdapter {
   ~HarnessAdapter() = default;
 };
 
-}  // namespace quillstead
+}  // namespace quillstead::hook

@@ -3,7 +3,7 @@
 #include "hook/Harness/CommandFlag.h"
 #include "hook/Harness/Harnesses.h"
 
-namespace quillstead::HarnessFlag {
+namespace quillstead::hook::HarnessFlag {
 
 Outcome parse(std::span<char* const> arguments) {
   const auto name = CommandFlag::value("--harness", arguments);
@@ -12,4 +12,4 @@ Outcome parse(std::span<char* const> arguments) {
   return Unknown{*name};
 }
 
-}  // namespace quillstead::HarnessFlag
+}  // namespace quillstead::hook::HarnessFlag

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <variant>
 
-namespace quillstead::HarnessFlag {
+namespace quillstead::hook::HarnessFlag {
 
 struct Found {
   const HarnessAdapter& adapter;
@@ -20,4 +20,4 @@ using Outcome = std::variant<Found, Unknown, Missing>;
 /// What `--harness` on the command line names.
 Outcome parse(std::span<char* const> arguments);
 
-}  // namespace quillstead::HarnessFlag
+}  // namespace quillstead::hook::HarnessFlag

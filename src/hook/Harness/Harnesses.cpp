@@ -7,7 +7,7 @@
 
 #include <array>
 
-namespace quillstead::Harnesses {
+namespace quillstead::hook::Harnesses {
 
 namespace {
 
@@ -36,4 +36,4 @@ std::vector<std::string_view> knownNames() {
   return names;
 }
 
-}  // namespace quillstead::Harnesses
+}  // namespace quillstead::hook::Harnesses

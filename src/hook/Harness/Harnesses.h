@@ -7,7 +7,7 @@
 #include <vector>
 
 /// The harnesses that the hook knows.
-namespace quillstead::Harnesses {
+namespace quillstead::hook::Harnesses {
 
 /// Every adapter, in the order in which messages name them.
 std::span<const HarnessAdapter* const> all();
@@ -18,4 +18,4 @@ const HarnessAdapter* named(std::string_view name);
 /// The names of all, in order.
 std::vector<std::string_view> knownNames();
 
-}  // namespace quillstead::Harnesses
+}  // namespace quillstead::hook::Harnesses

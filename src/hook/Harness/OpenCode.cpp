@@ -3,7 +3,7 @@
 #include "hook/Harness/Payload.h"
 #include "support/JSON/Writer.h"
 
-namespace quillstead {
+namespace quillstead::hook {
 
 std::optional<HookInput> OpenCodeAdapter::parse(std::string_view data) const {
   const std::optional<JSON::Document> document = Payload::read(data);
@@ -15,8 +15,8 @@ std::optional<HookInput> OpenCodeAdapter::parse(std::string_view data) const {
                    .transcriptPath = std::nullopt};
 }
 
-std::string OpenCodeAdapter::envelope(std::string text) const {
+std::string OpenCodeAdapter::envelope(std::string text, std::string_view /*event*/) const {
   return JSON::write(JSON::objectOf({{"context", std::move(text)}}), JSON::Slashes::escaped);
 }
 
-}  // namespace quillstead
+}  // namespace quillstead::hook

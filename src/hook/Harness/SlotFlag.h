@@ -1,10 +1,11 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <string_view>
 
-namespace quillstead {
+namespace quillstead::hook {
 
 /// The moment at which the harness runs the hook. No slot at all is a state of its own: rules and
 /// memory together.
@@ -15,10 +16,37 @@ namespace SlotFlag {
 /// The slots' names on the command line, in the order of `HookSlot`.
 inline constexpr std::array<std::string_view, 4> knownNames{"rules", "index", "recall", "pretool"};
 
-/// The slot of exactly that name.
-std::optional<HookSlot> named(std::string_view name);
+/// Empty for what is no slot.
+constexpr std::string_view name(HookSlot slot) {
+  switch (slot) {
+    case HookSlot::rules:
+      return "rules";
+    case HookSlot::index:
+      return "index";
+    case HookSlot::recall:
+      return "recall";
+    case HookSlot::pretool:
+      return "pretool";
+  }
+  return {};
+}
 
-std::string_view name(HookSlot slot);
+/// The slot of exactly that name.
+constexpr std::optional<HookSlot> named(std::string_view name) {
+  for (std::size_t at = 0; at < knownNames.size(); ++at) {
+    if (knownNames[at] == name) return static_cast<HookSlot>(at);
+  }
+  return std::nullopt;
+}
+
+/// The list has the name of every slot where the slot is, and no slot stands behind its end.
+constexpr bool namesMatchSlots() {
+  for (std::size_t at = 0; at < knownNames.size(); ++at) {
+    if (name(static_cast<HookSlot>(at)) != knownNames[at]) return false;
+  }
+  return name(static_cast<HookSlot>(knownNames.size())).empty();
+}
+static_assert(namesMatchSlots());
 
 }  // namespace SlotFlag
-}  // namespace quillstead
+}  // namespace quillstead::hook

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "support/JSON/View.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace quillstead {
+namespace quillstead::hook {
 
 /// What one lane brought back, every piece of it checked.
 struct LaneOutcome {
@@ -19,4 +21,16 @@ struct LaneOutcome {
   std::optional<std::string> justEnded;   ///< memory: a text fenced by <quillstead-now>
 };
 
-}  // namespace quillstead
+/// Numbers in the metadata of a reply.
+namespace ReplyNumber {
+
+/// The value when it is a number written as an integer of at least 1 and at most 64 bits; absent
+/// for anything else: a missing value, a boolean, 3.0.
+inline std::optional<std::int64_t> positive(JSON::View value) {
+  const std::optional<JSON::Number> number = value.number();
+  const auto integer = number ? number->integer() : std::nullopt;
+  return integer && *integer >= 1 ? integer : std::nullopt;
+}
+
+}  // namespace ReplyNumber
+}  // namespace quillstead::hook

@@ -14,7 +14,7 @@
 
 /// Asks the server for the memory that matters for the prompt, and checks every piece of its reply
 /// before any of it may reach the harness.
-namespace quillstead::MemoryLane {
+namespace quillstead::hook::MemoryLane {
 
 /// The arguments of "memory_get_relevant"; what the input lacks is left out.
 JSON::Object arguments(const HookInput& input);
@@ -22,7 +22,7 @@ JSON::Object arguments(const HookInput& input);
 // Each takes a value of the reply's metadata, null when it is missing, and gives its content only
 // when it is sound.
 
-/// A text that is not blank and begins with `tag`.
+/// A string that is not blank and begins with `tag`.
 std::optional<std::string> validFenced(JSON::View value, std::string_view tag);
 /// A reason of 1 to 32 ASCII letters, digits and hyphens.
 std::optional<std::string> validMiss(JSON::View value);
@@ -34,4 +34,4 @@ std::optional<std::vector<std::int64_t>> validSpans(JSON::View value, std::int64
 /// Calls the tool with all the time the deadline leaves. Blocks that long at most.
 LaneOutcome run(const HookInput& input, const MCPClient& client, const Deadline& deadline);
 
-}  // namespace quillstead::MemoryLane
+}  // namespace quillstead::hook::MemoryLane

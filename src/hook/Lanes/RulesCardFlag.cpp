@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string>
 
-namespace quillstead::RulesCardFlag {
+namespace quillstead::hook::RulesCardFlag {
 
 bool isOn(const OS::Environment& environment) {
   std::string value(Text::trimmed(environment.value("QUILLSTEAD_RULES_CARD").value_or("1")));
@@ -16,4 +16,4 @@ bool isOn(const OS::Environment& environment) {
   return value == "1" || value == "true" || value == "yes" || value == "on";
 }
 
-}  // namespace quillstead::RulesCardFlag
+}  // namespace quillstead::hook::RulesCardFlag

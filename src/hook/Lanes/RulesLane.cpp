@@ -1,27 +1,27 @@
 #include "hook/Lanes/RulesLane.h"
 
-#include "hook/Lanes/ReplyNumber.h"
+#include "contract/Contract.h"
 
 #include <algorithm>
 
-namespace quillstead::RulesLane {
+namespace quillstead::hook::RulesLane {
 
 namespace {
 
 std::string cardField(JSON::ObjectView meta) {
-  if (meta.find("quillstead/rulesLane").text() != "card") return "card=miss";
-  return meta.find("quillstead/card").text() == "pointer" ? "card=pointer" : "card=1";
+  if (meta.find(contract::Meta::rulesLane).string() != contract::asCard) return "card=miss";
+  return meta.find(contract::Meta::card).string() == contract::pointer ? "card=pointer" : "card=1";
 }
 
 void addRules(MCPReply& reply, LaneOutcome& outcome) {
-  const auto kind = reply.meta.find("quillstead/replyKind").text();
+  const auto kind = reply.meta.find(contract::Meta::replyKind).string();
   const bool hasText = reply.text && !reply.text->empty();
-  if (kind == "empty") {
+  if (kind == contract::ReplyKind::empty) {
     outcome.fields.emplace_back("rules=0");
-  } else if (kind == "rules" && hasText) {
+  } else if (kind == contract::ReplyKind::rules && hasText) {
     outcome.fields.emplace_back("rules=1");
     outcome.block = std::move(reply.text);
-    outcome.indexSpan = validSpan(reply.meta.find("quillstead/indexSpan"));
+    outcome.indexSpan = validSpan(reply.meta.find(contract::Meta::indexSpan));
   } else {
     outcome.fields.emplace_back("rules=MISS:no-kind");
   }
@@ -31,13 +31,15 @@ void addRules(MCPReply& reply, LaneOutcome& outcome) {
 
 JSON::Object arguments(const HookInput& input, const Wanted& wanted) {
   JSON::Object arguments;
-  if (input.cwd) arguments.set("cwd", *input.cwd);
-  if (input.sessionID) arguments.set("session_id", *input.sessionID);
-  if (input.transcriptPath) arguments.set("transcript_path", *input.transcriptPath);
+  if (input.cwd) arguments.set(contract::Argument::cwd, *input.cwd);
+  if (input.sessionID) arguments.set(contract::Argument::sessionID, *input.sessionID);
+  if (input.transcriptPath)
+    arguments.set(contract::Argument::transcriptPath, *input.transcriptPath);
   if (!wanted.card) return arguments;
-  arguments.set("card", true);
-  if (wanted.cardCeiling) arguments.set("card_ceiling", *wanted.cardCeiling);
-  if (wanted.cardHeadCeiling) arguments.set("card_head_ceiling", *wanted.cardHeadCeiling);
+  arguments.set(contract::Argument::card, true);
+  if (wanted.cardCeiling) arguments.set(contract::Argument::cardCeiling, *wanted.cardCeiling);
+  if (wanted.cardHeadCeiling)
+    arguments.set(contract::Argument::cardHeadCeiling, *wanted.cardHeadCeiling);
   return arguments;
 }
 
@@ -46,7 +48,7 @@ std::optional<std::int64_t> validSpan(JSON::View value) { return ReplyNumber::po
 LaneOutcome run(const HookInput& input, const Wanted& wanted, const MCPClient& client,
                 const Deadline& deadline) {
   const Seconds leash = std::min(deadline.leash(), longestLeash);
-  MCPReply reply = client.call("rules_get", arguments(input, wanted), leash);
+  MCPReply reply = client.call(contract::Tool::rulesGet, arguments(input, wanted), leash);
   LaneOutcome outcome;
   if (reply.miss) {
     outcome.fields.push_back("rules=MISS:" + std::string(*reply.miss));
@@ -58,4 +60,4 @@ LaneOutcome run(const HookInput& input, const Wanted& wanted, const MCPClient& c
   return outcome;
 }
 
-}  // namespace quillstead::RulesLane
+}  // namespace quillstead::hook::RulesLane

@@ -10,7 +10,7 @@
 #include <optional>
 
 /// Asks the server for the user's rules, whole or as a short card.
-namespace quillstead::RulesLane {
+namespace quillstead::hook::RulesLane {
 
 /// The most of the run's time that the rules may take, so that the memory keeps time of its own.
 inline constexpr Seconds longestLeash{1.5};
@@ -32,4 +32,4 @@ std::optional<std::int64_t> validSpan(JSON::View value);
 LaneOutcome run(const HookInput& input, const Wanted& wanted, const MCPClient& client,
                 const Deadline& deadline);
 
-}  // namespace quillstead::RulesLane
+}  // namespace quillstead::hook::RulesLane

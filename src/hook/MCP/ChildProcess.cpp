@@ -15,7 +15,7 @@
 #include <csignal>
 #include <optional>
 
-namespace quillstead::ChildProcess {
+namespace quillstead::hook::ChildProcess {
 
 namespace {
 
@@ -122,7 +122,7 @@ class Supervisor {
 
   /// Reads once from a stream that has something, or closes it when it has ended.
   static OS::Transfer::Result drain(OS::Descriptor& stream, std::string& kept) {
-    std::array<char, 65'536> buffer;
+    static std::array<char, 65'536> buffer;  // on a probed stack it would be 16 page faults
     const OS::Transfer part = OS::read(stream.number(), buffer.data(), buffer.size());
     if (part.result == OS::Transfer::Result::moved) {
       kept.append(buffer.data(), std::min(part.count, longestOutput - kept.size()));
@@ -173,6 +173,9 @@ class Supervisor {
 }  // namespace
 
 ChildOutcome run(const Task& task) {
+  // A command's name that no search has found: what is called so in the current directory belongs
+  // to whatever project that is.
+  if (task.executable.find('/') == std::string::npos) return NotSpawned{};
   auto wake = OS::makePipe();
   if (!wake) return NotSpawned{};
   const OS::ExitWatch watch(std::move(*wake));  // before the start: a child may end at once
@@ -181,4 +184,4 @@ ChildOutcome run(const Task& task) {
   return Supervisor(std::move(*child), task, watch).supervise();
 }
 
-}  // namespace quillstead::ChildProcess
+}  // namespace quillstead::hook::ChildProcess

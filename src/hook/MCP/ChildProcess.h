@@ -9,7 +9,7 @@
 #include <string_view>
 #include <variant>
 
-namespace quillstead {
+namespace quillstead::hook {
 
 /// The child ended by itself, or by somebody else's signal, in time. Buffers hold raw bytes.
 struct Exited {
@@ -23,7 +23,7 @@ struct TimedOut {
   std::string standardError;
 };
 
-/// No child ever existed: no such file, not executable, or no process to be had.
+/// No child ever existed: no such file, a bare name, not executable, or no process to be had.
 struct NotSpawned {};
 
 using ChildOutcome = std::variant<Exited, TimedOut, NotSpawned>;
@@ -32,10 +32,10 @@ namespace ChildProcess {
 
 /// Of each of its streams, the hook keeps this many bytes; a child that writes more is left waiting
 /// for its leash to run out.
-inline constexpr std::size_t longestOutput = std::size_t{8} * 1024 * 1024;
+inline constexpr std::size_t longestOutput = std::size_t{64} * 1024 * 1024;
 
 struct Task {
-  std::string executable;  ///< a path, relative to the current directory when it is relative
+  std::string executable;  ///< a path with a "/" in it, which may be relative
   std::string_view input;  ///< all that the child gets on standard input, which is then closed
   Seconds leash;           ///< how long the child may live, counted from when it was started
   std::function<void()>
@@ -50,4 +50,4 @@ struct Task {
 ChildOutcome run(const Task& task);
 
 }  // namespace ChildProcess
-}  // namespace quillstead
+}  // namespace quillstead::hook

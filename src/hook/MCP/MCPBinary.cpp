@@ -9,7 +9,7 @@
 #include <optional>
 #include <string_view>
 
-namespace quillstead::MCPBinary {
+namespace quillstead::hook::MCPBinary {
 
 namespace {
 
@@ -52,4 +52,4 @@ std::string resolve(const OS::Environment& environment) {
   return onPath(*chosen, environment).value_or(std::string(*chosen));
 }
 
-}  // namespace quillstead::MCPBinary
+}  // namespace quillstead::hook::MCPBinary

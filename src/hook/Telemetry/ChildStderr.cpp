@@ -3,12 +3,13 @@
 #include "hook/Telemetry/Stderr.h"
 #include "support/Text/Text.h"
 
-namespace quillstead::ChildStderr {
+namespace quillstead::hook::ChildStderr {
 
 namespace {
 
 constexpr int mostLines = 5;
 constexpr std::size_t mostCharacters = 1000;
+constexpr std::size_t mostBytes = 65'536;  ///< a character may be of any number of them
 
 /// The last lines of `text`. A line ends at a line feed, but not at one behind a carriage return:
 /// the two are one character.
@@ -23,21 +24,21 @@ std::string_view lastLines(std::string_view text) {
 
 }  // namespace
 
-std::optional<std::string> record(std::string_view tool, std::string raw,
+std::optional<std::string> record(std::string_view tool, std::string_view raw,
                                   std::optional<std::int32_t> status) {
-  const std::string said = Text::repaired(std::move(raw));
-  const std::string_view trimmed = Text::trimmed(said);
+  const std::string_view trimmed = Text::trimmed(raw);
   if (trimmed.empty()) return std::nullopt;
+  const std::string_view last = lastLines(trimmed).substr(0, mostBytes);
 
   std::string text = "the ";
   text.append(tool).append(" lane's MCP child said");
   if (status) text.append(" (exit ").append(std::to_string(*status)).append(")");
-  text.append(":\n").append(Text::firstCharacters(lastLines(trimmed), mostCharacters));
-  return text;
+  text.append(":\n").append(Text::firstCharacters(last, mostCharacters));
+  return Text::repaired(std::move(text));
 }
 
-void forward(std::string_view tool, std::string raw, std::optional<std::int32_t> status) {
-  if (const auto text = record(tool, std::move(raw), status)) Stderr::line(*text);
+void forward(std::string_view tool, std::string_view raw, std::optional<std::int32_t> status) {
+  if (const auto text = record(tool, raw, status)) Stderr::line(*text, mostBytes);
 }
 
-}  // namespace quillstead::ChildStderr
+}  // namespace quillstead::hook::ChildStderr

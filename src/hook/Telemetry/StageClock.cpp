@@ -1,6 +1,6 @@
 #include "hook/Telemetry/StageClock.h"
 
-namespace quillstead {
+namespace quillstead::hook {
 
 void StageClock::record(std::string_view name, OS::MonotonicClock::time_point start) {
   const auto elapsed = OS::MonotonicClock::now() - start;
@@ -19,4 +19,4 @@ std::optional<std::string> StageClock::segment(std::int64_t totalMilliseconds) c
   return text + "residual " + std::to_string(residual);
 }
 
-}  // namespace quillstead
+}  // namespace quillstead::hook

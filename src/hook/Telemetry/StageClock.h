@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace quillstead {
+namespace quillstead::hook {
 
 /// How long each stage of a run took, in the order they ended.
 class StageClock {
@@ -21,6 +21,15 @@ class StageClock {
   StageClock() = default;
   explicit StageClock(std::vector<Stage> stages) : stages_(std::move(stages)) {}
 
+  /// Runs a stage, notes how long it took, and gives its result.
+  template <typename Step>
+  auto timed(std::string_view name, Step step) {
+    const OS::MonotonicClock::time_point start = OS::MonotonicClock::now();
+    auto result = step();
+    record(name, start);
+    return result;
+  }
+
   /// Notes that the stage that began at `start` ends now.
   void record(std::string_view name, OS::MonotonicClock::time_point start);
 
@@ -32,4 +41,4 @@ class StageClock {
   std::vector<Stage> stages_;
 };
 
-}  // namespace quillstead
+}  // namespace quillstead::hook

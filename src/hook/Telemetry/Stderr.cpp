@@ -6,13 +6,31 @@
 #include <unistd.h>
 
 #include <string>
+#include <utility>
 
-namespace quillstead::Stderr {
+namespace quillstead::hook::Stderr {
 
-void line(std::string_view text) {
-  std::string record = "quillstead-hook: ";
-  record += text;
-  OS::writeLine(STDERR_FILENO, Text::repaired(std::move(record)));
+namespace {
+
+constexpr std::string_view ellipsis = "…";
+
+/// `record`, which is UTF-8, cut at the border of a character so that it and its line end take no
+/// more than `longest`.
+std::string cut(std::string record, std::size_t longest) {
+  if (record.size() + 1 <= longest) return record;
+  std::size_t end = longest - 1 - ellipsis.size();
+  while (Text::isContinuation(record[end])) --end;
+  record.resize(end);
+  record += ellipsis;
+  return record;
 }
 
-}  // namespace quillstead::Stderr
+}  // namespace
+
+void line(std::string_view text, std::size_t longest) {
+  std::string record = "quillstead-hook: ";
+  record += text;
+  OS::writeIfRoom(STDERR_FILENO, cut(Text::repaired(std::move(record)), longest) + '\n');
+}
+
+}  // namespace quillstead::hook::Stderr

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-namespace quillstead::TelemetryLine {
+namespace quillstead::hook::TelemetryLine {
 
 namespace {
 
@@ -43,7 +43,7 @@ std::string timestamp(std::chrono::system_clock::time_point now) {
 void append(std::string_view line, const std::string& path) {
   if (path.empty()) return;
   const OS::Descriptor log = OS::openForAppending(path.c_str());
-  if (log.isOpen()) OS::writeAll(log.number(), line);
+  if (log.isOpen()) OS::writeNow(log.number(), line);
 }
 
-}  // namespace quillstead::TelemetryLine
+}  // namespace quillstead::hook::TelemetryLine

@@ -7,7 +7,7 @@
 #include <string_view>
 
 /// The log: one line for every prompt that was served.
-namespace quillstead::TelemetryLine {
+namespace quillstead::hook::TelemetryLine {
 
 /// The log's path: QUILLSTEAD_HOOK_LOG as it is (empty: no log), else
 /// "/Library/Logs/quillstead-hook.log" in the home directory.
@@ -21,4 +21,4 @@ std::string timestamp(std::chrono::system_clock::time_point now);
 /// lost.
 void append(std::string_view line, const std::string& path);
 
-}  // namespace quillstead::TelemetryLine
+}  // namespace quillstead::hook::TelemetryLine

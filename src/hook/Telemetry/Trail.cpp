@@ -1,18 +1,14 @@
 #include "hook/Telemetry/Trail.h"
 
+#include "support/Text/Text.h"
+
 #include <algorithm>
 #include <iterator>
 
-namespace quillstead {
+namespace quillstead::hook {
 
 void Trail::append(std::vector<std::string> fields) {
   std::move(fields.begin(), fields.end(), std::back_inserter(fields_));
-}
-
-void Trail::replaceBeginningWith(std::string_view beginning, std::string_view field) {
-  for (std::string& present : fields_) {
-    if (present.starts_with(beginning)) present = field;
-  }
 }
 
 void Trail::replace(std::string_view old, std::string_view field) {
@@ -21,14 +17,7 @@ void Trail::replace(std::string_view old, std::string_view field) {
   }
 }
 
-std::string Trail::joined() const {
-  std::string text;
-  for (const std::string& field : fields_) {
-    if (!text.empty()) text += ' ';
-    text += field;
-  }
-  return text;
-}
+std::string Trail::joined() const { return Text::joined(fields_, " "); }
 
 std::string_view Trail::laneStatus(std::span<const std::string> fields, std::string_view key) {
   constexpr std::string_view miss = "MISS:";
@@ -41,4 +30,4 @@ std::string_view Trail::laneStatus(std::span<const std::string> fields, std::str
   return "ok";
 }
 
-}  // namespace quillstead
+}  // namespace quillstead::hook

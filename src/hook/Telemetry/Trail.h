@@ -5,16 +5,13 @@
 #include <string_view>
 #include <vector>
 
-namespace quillstead {
+namespace quillstead::hook {
 
 /// What a run has to report, as "key=value" fields in the order they came.
 class Trail {
  public:
   void append(std::string field) { fields_.push_back(std::move(field)); }
   void append(std::vector<std::string> fields);
-
-  /// Puts `field` in the place of every field that begins with `beginning`.
-  void replaceBeginningWith(std::string_view beginning, std::string_view field);
 
   /// Puts `field` in the place of every field that is exactly `old`.
   void replace(std::string_view old, std::string_view field);
@@ -32,4 +29,4 @@ class Trail {
   std::vector<std::string> fields_;
 };
 
-}  // namespace quillstead
+}  // namespace quillstead::hook

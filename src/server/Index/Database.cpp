@@ -2,7 +2,7 @@
 
 #include <sqlite3.h>
 
-namespace quillstead {
+namespace quillstead::server {
 
 namespace {
 
@@ -15,19 +15,35 @@ void configure() {
   }();
 }
 
-DatabaseTrouble troubleFor(int result) {
+DatabaseError errorFor(int result) {
   constexpr int primaryCode = 0xFF;
   switch (result & primaryCode) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-      return DatabaseTrouble::busy;
+      return DatabaseError::busy;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-    case SQLITE_ERROR:  // such as a table that is not there, or not as it should be
-      return DatabaseTrouble::damaged;
+    case SQLITE_ERROR:      // such as a table that is not there, or not as it should be
+    case SQLITE_INTERRUPT:  // a statement without an end, which only a forged schema can bring
+    case SQLITE_AUTH:
+      return DatabaseError::damaged;
     default:
-      return DatabaseTrouble::other;
+      return DatabaseError::other;
   }
+}
+
+/// A file may hold anything, so what can run by itself stays off: triggers, views, and functions
+/// called by the schema. Nothing but the full-text search may write its own tables.
+void distrust(sqlite3* database) {
+  sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+  sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+  sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  // Steps of SQLite's machine. Reading a row of ours takes some ten, so a million cards stay
+  // within.
+  constexpr int mostSteps = 50'000'000;
+  sqlite3_progress_handler(
+      database, mostSteps, [](void*) { return 1; }, nullptr);
 }
 
 }  // namespace
@@ -46,12 +62,17 @@ Statement& Statement::bind(int parameter, std::string_view text) {
   return *this;
 }
 
+Statement& Statement::bind(int parameter, void* object, const char* type) {
+  sqlite3_bind_pointer(statement_.get(), parameter, object, type, nullptr);
+  return *this;
+}
+
 Statement::Step Statement::step() {
   if (!statement_) return Step::failed;
   const int result = sqlite3_step(statement_.get());
   if (result == SQLITE_ROW) return Step::row;
   if (result == SQLITE_DONE) return Step::done;
-  *trouble_ = troubleFor(result);
+  *error_ = errorFor(result);
   return Step::failed;
 }
 
@@ -86,11 +107,12 @@ Database Database::openWith(const std::string& path, int flags) {
   sqlite3_open_v2(path.c_str(), &handle, flags | SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
                   nullptr);
   opened.database_.reset(handle);
+  distrust(handle);
   return opened;
 }
 
 Database Database::open(const std::string& path, std::chrono::milliseconds patience) {
-  Database database = openWith(path, 0);
+  Database database = openWith(path, SQLITE_OPEN_NOFOLLOW);
   database.setPatience(patience);
   return database;
 }
@@ -103,7 +125,7 @@ Database Database::inMemory() { return openWith(":memory:", SQLITE_OPEN_MEMORY);
 
 bool Database::run(const char* statements) {
   const int result = sqlite3_exec(database_.get(), statements, nullptr, nullptr, nullptr);
-  if (result != SQLITE_OK) *trouble_ = troubleFor(result);
+  if (result != SQLITE_OK) *error_ = errorFor(result);
   return result == SQLITE_OK;
 }
 
@@ -116,9 +138,11 @@ Statement Database::prepare(std::string_view statement) {
   sqlite3_stmt* prepared = nullptr;
   const int result = sqlite3_prepare_v2(database_.get(), statement.data(),
                                         static_cast<int>(statement.size()), &prepared, nullptr);
-  if (result != SQLITE_OK) *trouble_ = troubleFor(result);
-  return {prepared, trouble_.get()};
+  if (result != SQLITE_OK) *error_ = errorFor(result);
+  return {prepared, error_.get()};
 }
+
+std::int64_t Database::totalChanges() const { return sqlite3_total_changes(database_.get()); }
 
 bool Database::empty() {
   sqlite3* const handle = database_.get();
@@ -129,4 +153,4 @@ bool Database::empty() {
   return emptied;
 }
 
-}  // namespace quillstead
+}  // namespace quillstead::server

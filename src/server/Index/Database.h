@@ -9,10 +9,10 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
-namespace quillstead {
+namespace quillstead::server {
 
 /// Why an operation of a database failed.
-enum class DatabaseTrouble {
+enum class DatabaseError {
   none,
   busy,     ///< another process kept its lock for too long
   damaged,  ///< the file is not what it should be: `Database::empty` can make it usable again
@@ -29,12 +29,16 @@ class Statement {
   Statement& bind(int parameter, std::int64_t integer);
   Statement& bind(int parameter, std::string_view text);
 
+  /// Binds an object for a function that asks for it by its type's name. It must outlive the steps.
+  Statement& bind(int parameter, void* object, const char* type);
+
   Step step();
 
   /// Makes it ready to run again, and ends the reading that it may have begun.
   void reset();
 
-  /// Binds, runs to the end and resets; false when that failed.
+  /// Makes one step, which is all that a statement without rows needs, and resets; false when it
+  /// failed.
   bool run();
 
   // A column of the current row, counted from 0. A text is valid until the next step.
@@ -47,18 +51,19 @@ class Statement {
   struct Finalise {
     void operator()(sqlite3_stmt* statement) const;
   };
-  Statement(sqlite3_stmt* statement, DatabaseTrouble* trouble)
-      : statement_(statement), trouble_(trouble) {}
+  Statement(sqlite3_stmt* statement, DatabaseError* error) : statement_(statement), error_(error) {}
 
   std::unique_ptr<sqlite3_stmt, Finalise> statement_;
-  DatabaseTrouble* trouble_;  ///< the database's
+  DatabaseError* error_;  ///< the database's
 };
 
 /// An open SQLite database. Not shared between threads; processes share its file.
 class Database {
  public:
   /// Opens the file, made when missing; statements wait `patience` for others' locks. Whether it
-  /// really is a database shows at the first statement.
+  /// really is a database shows at the first statement. No part of the path may be a symbolic link.
+  /// Triggers and views in it do nothing, and a statement that does not end is ended: both count as
+  /// damage.
   static Database open(const std::string& path, std::chrono::milliseconds patience);
 
   static Database inMemory();
@@ -74,12 +79,18 @@ class Database {
 
   [[nodiscard]] Statement prepare(std::string_view statement);
 
+  /// How many rows all statements together have added, changed or removed since it was opened.
+  [[nodiscard]] std::int64_t totalChanges() const;
+
+  /// For what only SQLite's own interface offers.
+  [[nodiscard]] sqlite3* handle() const { return database_.get(); }
+
   /// Empties the database under its lock, however damaged it is; others that have it open see an
   /// empty one.
   bool empty();
 
   /// Why the operation that failed last did so.
-  [[nodiscard]] DatabaseTrouble trouble() const { return *trouble_; }
+  [[nodiscard]] DatabaseError error() const { return *error_; }
 
  private:
   struct Close {
@@ -88,8 +99,7 @@ class Database {
   static Database openWith(const std::string& path, int flags);
 
   std::unique_ptr<sqlite3, Close> database_;
-  std::unique_ptr<DatabaseTrouble> trouble_ =
-      std::make_unique<DatabaseTrouble>(DatabaseTrouble::none);
+  std::unique_ptr<DatabaseError> error_ = std::make_unique<DatabaseError>(DatabaseError::none);
 };
 
-}  // namespace quillstead
+}  // namespace quillstead::server

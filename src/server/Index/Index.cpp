@@ -1,82 +1,92 @@
 #include "server/Index/Index.h"
 
 #include "server/Index/IndexFile.h"
-#include "server/Index/IndexQuestions.h"
-#include "server/Index/IndexTables.h"
+#include "server/Index/IndexQueries.h"
 #include "server/Index/IndexUpdate.h"
 
-namespace quillstead {
+#include <utility>
+
+namespace quillstead::server {
 
 namespace {
 
 using namespace std::chrono_literals;
 
-/// How long one call waits for other servers' writing, and how long it goes on reading files.
-constexpr std::chrono::milliseconds patienceWithOthers = 500ms;
-constexpr std::chrono::milliseconds patienceWithFiles = 600ms;
-
 constexpr std::size_t mostOfOneTitle = 100;
 
-template <typename Answer>
-using Question = std::optional<Answer> (*)(Database&, std::string_view, std::size_t);
-
-/// All statements of the question see the same state, whatever other servers write meanwhile.
-template <typename Answer>
-std::optional<Answer> ask(Database& database, Question<Answer> question, std::string_view text,
-                          std::size_t limit) {
-  if (!database.run("BEGIN")) return std::nullopt;
-  std::optional<Answer> answer = question(database, text, limit);
+/// All statements of the query see the same state, whatever other servers write meanwhile. Gives
+/// the query's own result, absent also when it could not be asked.
+template <typename Query>
+auto ask(Database& database, const Query& query) {
+  using Answer = decltype(query(database));
+  if (!database.run("BEGIN")) return Answer();
+  Answer answer = query(database);
   database.rollBack();
   return answer;
 }
 
 }  // namespace
 
-Index::Index(const Scope& scope, const OS::Environment& environment)
-    : survey_(scope),
-      path_(IndexFile::place(scope, environment)),
-      database_(path_.empty() ? Database::inMemory() : Database::open(path_, patienceWithOthers)),
-      inMemory_(path_.empty()) {
-  if (bringUpToDate()) return;
-  if (database_.trouble() == DatabaseTrouble::busy) {
-    database_.setPatience(0ms);  // it answers as it was, or not at all; there was enough waiting
-    return;
+Index Index::opened(const Scope& scope, const OS::Environment& environment, Patience patience) {
+  std::string path = IndexFile::place(scope, environment);
+  Database database =
+      path.empty() ? Database::inMemory() : Database::open(path, patience.withOthers);
+  Index index(Survey::opened(scope), std::move(path), std::move(database), patience);
+  index.update();
+  return index;
+}
+
+/// `query`: gives an optional that is absent when the database failed.
+template <typename Query>
+auto Index::answerTo(const Query& query) {
+  using Answer = typename decltype(query(database_))::value_type;
+  if (auto answer = ask(database_, query)) return std::move(*answer);
+  if (database_.error() == DatabaseError::damaged && database_.empty() && bringUpToDate()) {
+    if (auto answer = ask(database_, query)) return std::move(*answer);
   }
-  if (database_.trouble() == DatabaseTrouble::damaged && database_.empty() && bringUpToDate()) {
-    return;
+  if (!path_.empty()) {
+    openInMemory();
+    if (auto answer = ask(database_, query)) return std::move(*answer);
   }
-  openInMemory();
+  return Answer();
 }
 
 std::vector<CardPlace> Index::search(std::string_view prompt, std::size_t limit) {
-  return answered(&IndexQuestions::search, prompt, limit);
+  return answerTo(
+      [&](Database& database) { return IndexQueries::search(database, prompt, limit); });
 }
 
-Titles Index::titles(std::size_t limit) { return answered(&IndexQuestions::titles, {}, limit); }
+Titles Index::titles(std::size_t limit) {
+  return answerTo([&](Database& database) { return IndexQueries::titles(database, limit); });
+}
 
 std::vector<CardPlace> Index::withTitle(std::string_view title) {
-  return answered(&IndexQuestions::withTitle, title, mostOfOneTitle);
+  return answerTo(
+      [&](Database& database) { return IndexQueries::withTitle(database, title, mostOfOneTitle); });
 }
 
-template <typename Answer>
-Answer Index::answered(Question<Answer> question, std::string_view text, std::size_t limit) {
-  if (auto answer = ask(database_, question, text, limit)) return std::move(*answer);
-  if (database_.trouble() == DatabaseTrouble::damaged && database_.empty() && bringUpToDate()) {
-    if (auto answer = ask(database_, question, text, limit)) return std::move(*answer);
+void Index::update() {
+  if (bringUpToDate()) return;
+  if (database_.error() == DatabaseError::busy) {
+    database_.setPatience(0ms);  // it answers as it was, or not at all; there was enough waiting
+    return;
   }
-  if (!inMemory_) {
-    openInMemory();
-    if (auto answer = ask(database_, question, text, limit)) return std::move(*answer);
-  }
-  return {};
+  if (database_.error() == DatabaseError::damaged && database_.empty() && bringUpToDate()) return;
+  openInMemory();
 }
 
 void Index::openInMemory() {
-  inMemory_ = true;
+  path_.clear();
   database_ = Database::inMemory();
   bringUpToDate();
 }
 
-bool Index::bringUpToDate() { return IndexUpdate::run(database_, survey_, patienceWithFiles); }
+bool Index::bringUpToDate() {
+  const auto deadline = OS::MonotonicClock::now() + patience_.withFiles;
+  const auto turn = [this] { return IndexFile::nextTurn(path_); };
+  const auto outcome = IndexUpdate::run(database_, survey_, deadline, turn);
+  if (outcome == IndexUpdate::Outcome::written && !path_.empty()) IndexFile::prune(path_);
+  return outcome != IndexUpdate::Outcome::failed;
+}
 
-}  // namespace quillstead
+}  // namespace quillstead::server

@@ -11,9 +11,14 @@
 
 /// The tables of an index: a row for each file that was looked at, its words when it is a card, and
 /// the fingerprint of all of them.
-namespace quillstead::IndexTables {
+namespace quillstead::server::IndexTables {
 
-/// A file as the index knows it.
+/// What an index is like: its tables, its tokenizer, and how texts are taken apart before they are
+/// written. Part of the file's name, so that versions of the server leave each other's alone. Raise
+/// it with every change of those; a test tells when that was forgotten.
+inline constexpr int version = 4;
+
+/// A file as the index knows it. `store` is written as the number of its enumerator.
 struct Row {
   std::int64_t id;
   Store::Kind store;
@@ -24,12 +29,41 @@ struct Row {
 /// Makes the tables where they are missing.
 bool create(Database& database);
 
-/// The fingerprint that the last update left; absent when there is none or it cannot be read.
-std::optional<std::int64_t> fingerprint(Database& database);
-bool setFingerprint(Database& database, std::int64_t fingerprint);
+/// What the last update left.
+struct State {
+  std::int64_t fingerprint = 0;             ///< of the files as the index knows them
+  bool isUnfinished = true;                 ///< there are files that it does not know yet
+  bool holdsRemovedWords = false;           ///< words of removed rows may still stand in its file
+  std::optional<std::uint64_t> namesStamp;  ///< of the survey that found nothing else to do
+
+  friend bool operator==(const State&, const State&) = default;
+};
+
+/// Absent when there is none or it cannot be read.
+std::optional<State> state(Database& database);
+
+/// `roots`: the directories of the stores that there are.
+bool setState(Database& database, State state, const std::vector<std::string>& roots);
+
+/// The roots that were noted; none when they cannot be read.
+std::vector<std::string> roots(Database& database);
+
+/// Rewrites a part of the words, so that those of removed rows leave the file. True when nothing is
+/// left to be done; absent when the database failed.
+std::optional<bool> wipeSome(Database& database);
 
 /// Absent when they could not be read.
 std::optional<std::vector<Row>> rows(Database& database);
+
+/// One of several parts of the rows, of about the same size, which together are all of them.
+struct Part {
+  std::uint64_t number;  ///< from 0
+  std::uint64_t of;
+};
+std::optional<std::vector<Row>> rows(Database& database, Part part);
+
+/// The number of rows, or somewhat more. Absent when it could not be read.
+std::optional<std::size_t> mostRows(Database& database);
 
 /// Writes rows; made once for many of them.
 class Writer {
@@ -38,14 +72,20 @@ class Writer {
 
   bool remove(std::int64_t id);
 
-  /// `card`: null for a file that is no card, so that it is known and not read again.
-  bool add(const Survey::File& file, const Card* card);
+  /// `card`: null for a file that is no card, so that it is known and not read again. `content`:
+  /// a hash of what the row was made of.
+  bool add(const Survey::File& file, const Card* card, std::uint64_t content);
+
+  /// Notes that the file has another stamp, when the row was made of the same content. False when
+  /// it was not, or the database failed: then the row is as it was.
+  bool touch(std::int64_t id, OS::FileStamp stamp, std::uint64_t content);
 
  private:
   Statement removeFile_;
   Statement removeCard_;
   Statement addFile_;
   Statement addCard_;
+  Statement touch_;
 };
 
-}  // namespace quillstead::IndexTables
+}  // namespace quillstead::server::IndexTables

@@ -1,55 +1,83 @@
 #include "server/Index/IndexUpdate.h"
 
 #include "server/Index/IndexTables.h"
-#include "server/Store/StoreFiles.h"
-#include "support/OS/MonotonicClock.h"
+#include "support/Text/Hash.h"
 
+#include <algorithm>
+#include <chrono>
 #include <optional>
 #include <unordered_map>
 #include <vector>
 
-namespace quillstead::IndexUpdate {
+namespace quillstead::server::IndexUpdate {
 
 namespace {
 
 using namespace std::chrono_literals;
+using Clock = OS::MonotonicClock;
 using IndexTables::Row;
 
-constexpr std::size_t filesPerStep = 1'000;
+/// A step ends with the first file behind one of these: so little is lost when a server is killed,
+/// and so long others wait for it.
+constexpr std::chrono::milliseconds longestStep = 100ms;
+constexpr std::size_t largestStep = 4'194'304;  // bytes of files
 
 /// A file that changed this short a time ago may change again without a new time or size, so it is
 /// noted as if it had another time, and read again by the next update.
 constexpr std::chrono::nanoseconds settlingTime = 50ms;
 constexpr std::chrono::nanoseconds settlingTimeWithCoarseClock = 2s;
 
-struct Changes {
-  std::vector<std::int64_t> gone;
-  std::vector<const Survey::File*> fresh;
-  Fingerprint unchanged;
+/// The content of a file that is no card.
+constexpr std::uint64_t noContent = 0;
+
+/// One file whose row is not as the file is.
+struct Change {
+  std::optional<std::int64_t> row;  ///< absent when it has none
+  const Survey::File* file;         ///< null when it is gone
 };
 
-std::string keyOf(Store::Kind store, std::string_view name) {
-  return (store == Store::Kind::project ? "j/" : "p/") + std::string(name);
+/// What is to be done, given what the index held at one moment.
+struct Plan {
+  std::vector<Change> changes;
+  std::size_t done = 0;  ///< how many of the changes are made
+  Fingerprint known;     ///< of the rows that are as their files
+};
+
+/// Tells files apart, but for a chance of one in 2^64.
+std::uint64_t keyOf(Store::Kind store, std::string_view name) {
+  return Text::mixed(Text::hashOf(name) + static_cast<std::uint64_t>(store) + 1);
 }
 
-Changes changesBetween(const std::vector<Row>& rows, const Survey& survey) {
-  std::unordered_map<std::string, const Row*> known;
-  known.reserve(rows.size());
-  Changes changes;
+Plan planFor(const std::vector<Row>& rows, const Survey& survey) {
+  std::unordered_map<std::uint64_t, const Row*> unseen;
+  unseen.reserve(rows.size());
+  Plan plan;
   for (const Row& row : rows) {
-    if (!known.emplace(keyOf(row.store, row.name), &row).second) changes.gone.push_back(row.id);
+    const bool single = unseen.emplace(keyOf(row.store, row.name), &row).second;
+    if (!single) plan.changes.push_back({.row = row.id, .file = nullptr});
   }
   for (const Survey::File& file : survey.files()) {
-    const auto found = known.find(keyOf(file.store, file.name));
-    if (found == known.end() || found->second->stamp != file.stamp) {
-      changes.fresh.push_back(&file);
+    const auto found = unseen.find(keyOf(file.store, file.name));
+    if (found == unseen.end()) {
+      plan.changes.push_back({.row = std::nullopt, .file = &file});
       continue;
     }
-    changes.unchanged.add(file.store, file.name, file.stamp);
-    known.erase(found);
+    const OS::FileStamp noted = found->second->stamp;
+    if (noted == file.stamp.value_or(noted)) {
+      plan.known.add(file.store, file.name, noted);
+    } else {
+      plan.changes.push_back({.row = found->second->id, .file = &file});
+    }
+    unseen.erase(found);
   }
-  for (const auto& [key, row] : known) changes.gone.push_back(row->id);
-  return changes;
+  for (const auto& [key, row] : unseen) {
+    if (survey.isComplete()) {
+      plan.changes.push_back({.row = row->id, .file = nullptr});
+    } else {
+      plan.known.add(row->store, row->name, row->stamp);
+    }
+  }
+  return plan;
 }
 
 OS::FileStamp notedStamp(OS::FileStamp stamp) {
@@ -64,76 +92,174 @@ OS::FileStamp notedStamp(OS::FileStamp stamp) {
   return stamp;
 }
 
-/// Reads one file and notes it. Absent when the database failed.
-std::optional<Survey::File> note(const Survey& survey, const Survey::File& file,
-                                 IndexTables::Writer& writer) {
-  Survey::File noted = file;
-  const auto read = StoreFiles::readCard(survey.cards(file.store), file.name);
-  const auto* content = std::get_if<StoreFiles::FileText>(&read);
-  noted.stamp = notedStamp(content ? content->stamp : file.stamp);
-  if (!content) {
-    if (!writer.add(noted, nullptr)) return std::nullopt;
-    return noted;
+/// One update. It holds what is carried from step to step.
+class Update {
+ public:
+  Update(Database& database, Survey& survey, Clock::time_point deadline, const ReadCard& read)
+      : database_(database),
+        survey_(survey),
+        patience_(std::max(deadline - Clock::now(), Clock::duration::zero())),
+        deadline_(deadline),
+        read_(read) {}
+
+  Outcome run(const Turn& turn) {
+    state_ = IndexTables::state(database_);
+    if (!state_ && database_.error() == DatabaseError::busy) return Outcome::failed;
+    if (isPartCurrent(turn)) return Outcome::current;
+    look();
+    // On a starved machine looking may take all the time, and yet each update has to get on.
+    deadline_ = std::max(deadline_, Clock::now() + patience_ / 2);
+    const bool isCurrent = survey_.isComplete() && state_ && !state_->isUnfinished &&
+                           state_->fingerprint == survey_.fingerprint().sum();
+    if (isCurrent && nextState(survey_.fingerprint(), true) == state_) return Outcome::current;
+    if (isCurrent) plan_ = Plan{.changes = {}, .done = 0, .known = survey_.fingerprint()};
+    // A crash of the machine may cost the index, which is rebuilt then. What is removed leaves the
+    // file. Others are locked out only while a step is committed, not as soon as the cache is full.
+    // Should this fail, so does what follows.
+    database_.run("PRAGMA synchronous = OFF; PRAGMA secure_delete = ON; PRAGMA cache_spill = OFF");
+    do {
+      if (!step()) return isCurrent ? Outcome::current : Outcome::failed;
+    } while (!isDone() && Clock::now() < deadline_);
+    return Outcome::written;
   }
-  const Card card = Card::parse(content->text, file.name);
-  if (!writer.add(noted, &card)) return std::nullopt;
-  return noted;
-}
 
-enum class Step { complete, partial, failed };
-
-/// One step, within a transaction that holds the lock.
-Step stepUnderLock(Database& database, Survey& survey) {
-  if (!IndexTables::create(database)) return Step::failed;
-  const auto rows = IndexTables::rows(database);
-  if (!rows) return Step::failed;
-
-  survey.repeat();  // others may have indexed newer files while this process waited for the lock
-  Changes changes = changesBetween(*rows, survey);
-  IndexTables::Writer writer(database);
-  for (const std::int64_t id : changes.gone) {
-    if (!writer.remove(id)) return Step::failed;
+ private:
+  /// True when no file of the part whose turn it is has changed, where that is all there is to
+  /// know.
+  bool isPartCurrent(const Turn& turn) {
+    if (!state_ || state_->isUnfinished || state_->holdsRemovedWords) return false;
+    if (!state_->namesStamp || state_->namesStamp != survey_.namesStamp()) return false;
+    const auto most = IndexTables::mostRows(database_);
+    if (!most) return false;
+    const auto parts = std::min<std::uint64_t>(*most / fewCards + 1, mostParts);
+    const auto rows = IndexTables::rows(database_, {.number = turn() % parts, .of = parts});
+    if (!rows) return false;
+    return std::all_of(rows->begin(), rows->end(), [this](const Row& row) {
+      return StoreFiles::cardStamp(survey_.cards(row.store), row.store, row.name.c_str()) ==
+             row.stamp;
+    });
   }
-  const bool complete = changes.fresh.size() <= filesPerStep;
-  if (!complete) changes.fresh.resize(filesPerStep);
-  for (const Survey::File* file : changes.fresh) {
-    const auto noted = note(survey, *file, writer);
-    if (!noted) return Step::failed;
-    changes.unchanged.add(noted->store, noted->name, noted->stamp);
-  }
-  if (!IndexTables::setFingerprint(database, changes.unchanged.sum())) return Step::failed;
-  return complete ? Step::complete : Step::partial;
-}
 
-Step step(Database& database, Survey& survey) {
-  if (!database.run("BEGIN IMMEDIATE")) return Step::failed;
-  const Step made = stepUnderLock(database, survey);
-  if (made != Step::failed && database.run("COMMIT")) return made;
-  database.rollBack();
-  return Step::failed;
-}
+  /// While the index is not finished, new files are found by their names, and the rest can wait.
+  void look() {
+    const bool namesDo = !state_ || state_->isUnfinished;
+    namesStamp_ = survey_.namesStamp();
+    if (namesDo) {
+      // Ending early, it would see the same names each time, and never the new ones behind them.
+      survey_.look(Survey::Depth::names, Clock::time_point::max());
+    } else {
+      survey_.look(Survey::Depth::stamps, deadline_);
+    }
+  }
+
+  /// The state when rows with the fingerprint `known` are as their files.
+  [[nodiscard]] IndexTables::State nextState(const Fingerprint& known, bool allChangesMade) const {
+    IndexTables::State next = *state_;
+    next.fingerprint = known.sum();
+    next.isUnfinished = !allChangesMade || !survey_.isComplete();
+    // A file that may have changed again since it was read is noted with another stamp than it has.
+    const bool isSettled = !next.isUnfinished && next.fingerprint == survey_.fingerprint().sum();
+    next.namesStamp.reset();
+    if (isSettled && survey_.files().size() > fewCards) next.namesStamp = namesStamp_;
+    return next;
+  }
+
+  [[nodiscard]] bool isDone() const {
+    return plan_->done == plan_->changes.size() && !state_->holdsRemovedWords;
+  }
+
+  bool step() {
+    if (database_.run("BEGIN IMMEDIATE") && stepUnderLock() && database_.run("COMMIT")) return true;
+    database_.rollBack();
+    return false;
+  }
+
+  bool stepUnderLock() {
+    if (!IndexTables::create(database_)) return false;
+    const auto found = IndexTables::state(database_);
+    const bool isOthers = found != state_;  // they may have indexed newer files than were seen
+    state_ = found;
+    if (!plan_ || isOthers) {
+      if (isOthers) look();
+      const auto rows = IndexTables::rows(database_);
+      if (!rows) return false;
+      plan_ = planFor(*rows, survey_);
+    }
+    if (!state_) state_ = IndexTables::State();
+    const Clock::time_point end = std::min(deadline_, Clock::now() + longestStep);
+    // Removed words can be wiped only once their removal is committed.
+    const bool stepMade = plan_->done < plan_->changes.size() ? makeChanges(end) : wipe(end);
+    if (!stepMade) return false;
+    state_ = nextState(plan_->known, plan_->done == plan_->changes.size());
+    return IndexTables::setState(database_, *state_, survey_.roots());
+  }
+
+  /// Takes the words of what was removed out of the file, until the step is long enough.
+  bool wipe(Clock::time_point end) {
+    while (state_->holdsRemovedWords) {
+      const auto wiped = IndexTables::wipeSome(database_);
+      if (!wiped) return false;
+      state_->holdsRemovedWords = !*wiped;
+      if (Clock::now() >= end) break;
+    }
+    return true;
+  }
+
+  /// Makes changes until the step is long enough; one at least.
+  bool makeChanges(Clock::time_point end) {
+    IndexTables::Writer writer(database_);
+    bytesRead_ = 0;
+    while (plan_->done < plan_->changes.size()) {
+      const Change& change = plan_->changes[plan_->done++];
+      if (!make(change, writer)) return false;
+      if (bytesRead_ >= largestStep || Clock::now() >= end) break;
+    }
+    return true;
+  }
+
+  bool make(const Change& change, IndexTables::Writer& writer) {
+    if (!change.file) return remove(*change.row, writer);
+    Survey::File noted = *change.file;
+    const OS::Descriptor& cards = survey_.cards(noted.store);
+    const auto read = read_(cards, noted.store, noted.name);
+    const auto* file = std::get_if<StoreFiles::FileText>(&read);
+    if (!noted.stamp && !file)
+      noted.stamp = StoreFiles::cardStamp(cards, noted.store, noted.name.c_str());
+    if (!noted.stamp && !file) return true;  // it is no file, or gone again
+    noted.stamp = notedStamp(file ? file->stamp : *noted.stamp);
+    const std::uint64_t content = file ? Text::hashOf(file->text) : noContent;
+    plan_->known.add(noted.store, noted.name, *noted.stamp);
+    if (file) bytesRead_ += file->text.size();
+    if (change.row) {
+      if (writer.touch(*change.row, *noted.stamp, content)) return true;
+      if (!remove(*change.row, writer)) return false;
+    }
+    if (!file) return writer.add(noted, nullptr, content);
+    const Card card = Card::parse(file->text, noted.name);
+    return writer.add(noted, &card, content);
+  }
+
+  bool remove(std::int64_t row, IndexTables::Writer& writer) {
+    state_->holdsRemovedWords = true;
+    return writer.remove(row);
+  }
+
+  Database& database_;
+  Survey& survey_;
+  const Clock::duration patience_;
+  Clock::time_point deadline_;
+  const ReadCard& read_;
+  std::optional<IndexTables::State> state_;  ///< of the index when last looked at
+  std::optional<std::uint64_t> namesStamp_;  ///< taken before the last look
+  std::optional<Plan> plan_;
+  std::size_t bytesRead_ = 0;  ///< in this step
+};
 
 }  // namespace
 
-bool run(Database& database, Survey& survey, std::chrono::milliseconds patience) {
-  const auto fingerprint = IndexTables::fingerprint(database);
-  if (fingerprint == survey.fingerprint()) return true;
-  if (!fingerprint && database.trouble() == DatabaseTrouble::busy) return false;
-  // A crash of the machine may cost the last steps but not the file; what was overwritten is not
-  // wiped. Should this fail, so does what follows.
-  database.run("PRAGMA synchronous = NORMAL; PRAGMA secure_delete = OFF");
-  const auto start = OS::MonotonicClock::now();
-  for (;;) {
-    switch (step(database, survey)) {
-      case Step::complete:
-        return true;
-      case Step::failed:
-        return false;
-      case Step::partial:
-        break;
-    }
-    if (OS::MonotonicClock::now() - start >= patience) return true;
-  }
+Outcome run(Database& database, Survey& survey, OS::MonotonicClock::time_point deadline,
+            const Turn& turn, const ReadCard& read) {
+  return Update(database, survey, deadline, read).run(turn);
 }
 
-}  // namespace quillstead::IndexUpdate
+}  // namespace quillstead::server::IndexUpdate

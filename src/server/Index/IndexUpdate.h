@@ -2,16 +2,45 @@
 
 #include "server/Index/Database.h"
 #include "server/Index/Survey.h"
+#include "server/Store/StoreFiles.h"
+#include "support/OS/MonotonicClock.h"
 
-#include <chrono>
+#include <functional>
+#include <string>
 
 /// Brings an index up to date with the files.
-namespace quillstead::IndexUpdate {
+namespace quillstead::server::IndexUpdate {
 
-/// Reads what changed, in steps that are each whole for whoever else uses the index. After
-/// `patience` it ends with the step it is at, and the next update goes on from there: a large store
-/// is indexed over several calls, none of which keeps its caller waiting. At least one step is
-/// made. False when the database could not be read, locked or written.
-bool run(Database& database, Survey& survey, std::chrono::milliseconds patience);
+/// Reads a card's file, as `StoreFiles::readCard` does.
+using ReadCard = std::function<StoreFiles::TextOrReason(const OS::Descriptor& cards,
+                                                        Store::Kind kind, const std::string& name)>;
 
-}  // namespace quillstead::IndexUpdate
+enum class Outcome {
+  current,  ///< the index was as the files
+  written,  ///< something was read, or is known to be gone; perhaps not all
+  failed,   ///< the database could not be read, locked or written
+};
+
+/// Gives 0, 1, 2 and so on at each call for one index, by whatever server.
+using Turn = std::function<std::uint64_t()>;
+
+/// A store of at most so many cards is looked at as a whole by every update.
+inline constexpr std::size_t fewCards = 2'000;
+
+/// In a larger one whose directory is as it was, so many of these updates look at every card once.
+inline constexpr std::uint64_t mostParts = 10;
+
+/// Looks at the files and reads what changed, in steps that are each kept, whatever becomes of the
+/// next, and each whole for whoever else uses the index. It ends with the first file behind the
+/// deadline, and the next update goes on from there: so a large store, or a slow one, is indexed
+/// over several calls, none of which keeps its caller waiting. At least one file is read when any
+/// changed. Texts that are gone leave the database's file at once, or over the next updates when
+/// the index is a large one.
+///
+/// Names that are new, gone or given to another file are seen at once. So is a change within a
+/// file, but in a store of more than `fewCards` whose directory tells of all names: there each
+/// update looks at a part of the files, in turn.
+Outcome run(Database& database, Survey& survey, OS::MonotonicClock::time_point deadline,
+            const Turn& turn, const ReadCard& read = &StoreFiles::readCard);
+
+}  // namespace quillstead::server::IndexUpdate

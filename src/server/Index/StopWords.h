@@ -1,11 +1,17 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
-/// Words so common in prompts that a card is not wanted for having them.
-namespace quillstead::StopWords {
+/// Words so common in a language that a card is not wanted for having them.
+namespace quillstead::server::StopWords {
 
-/// `word`: in lower case.
-bool contains(std::string_view word);
+/// A set of languages, one bit each.
+using Languages = std::uint32_t;
 
-}  // namespace quillstead::StopWords
+inline constexpr Languages english = 1;
+
+/// The languages in which `word`, in lower case, is a stop word.
+Languages languagesOf(std::string_view word);
+
+}  // namespace quillstead::server::StopWords

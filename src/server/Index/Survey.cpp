@@ -1,32 +1,69 @@
 #include "server/Index/Survey.h"
 
 #include "server/Store/StoreFiles.h"
+#include "support/OS/NamesStamp.h"
+#include "support/Text/Hash.h"
 
-namespace quillstead {
+namespace quillstead::server {
 
-Survey::Survey(const Scope& scope) {
-  for (const Store& store : scope.stores()) {
-    cards_.at(static_cast<std::size_t>(store.kind)) = StoreFiles::openCards(store);
-  }
-  repeat();
+namespace {
+
+/// Looking at so many files takes no time that matters, unless the file system is a slow one.
+constexpr std::size_t filesBetweenLooksAtTheClock = 32;
+
+}  // namespace
+
+void Fingerprint::add(Store::Kind store, std::string_view name, OS::FileStamp stamp) {
+  std::uint64_t hash = Text::hashOf(name) + static_cast<std::uint64_t>(store) + 1;
+  hash = Text::mixed(hash) + static_cast<std::uint64_t>(stamp.size);
+  hash = Text::mixed(hash) + static_cast<std::uint64_t>(stamp.modified);
+  sum_ += Text::mixed(hash);
 }
 
-void Survey::repeat() {
+Survey Survey::opened(const Scope& scope) {
+  Survey survey;
+  for (const Store& store : scope.stores()) {
+    OS::Descriptor& cards = survey.cards_.at(static_cast<std::size_t>(store.kind));
+    cards = StoreFiles::openCards(store);
+    if (cards.isOpen()) survey.roots_.push_back(store.root);
+  }
+  return survey;
+}
+
+void Survey::look(Depth depth, OS::MonotonicClock::time_point deadline) {
   files_.clear();
   fingerprint_ = {};
-  visit(Store::Kind::project);
-  visit(Store::Kind::personal);
+  complete_ = true;
+  visit(Store::Kind::project, depth, deadline);
+  visit(Store::Kind::personal, depth, deadline);
+}
+
+std::optional<std::uint64_t> Survey::namesStamp() const {
+  std::uint64_t all = 0;
+  for (const OS::Descriptor& directory : cards_) {
+    const auto stamp = directory.isOpen() ? OS::namesStamp(directory) : 0;
+    if (!stamp) return std::nullopt;
+    all = Text::mixed(all + *stamp + 1);
+  }
+  return all;
 }
 
 const OS::Descriptor& Survey::cards(Store::Kind store) const {
   return cards_.at(static_cast<std::size_t>(store));
 }
 
-void Survey::visit(Store::Kind store) {
-  StoreFiles::forEachCard(cards(store), [&](std::string_view name, OS::FileStamp stamp) {
-    files_.push_back({.store = store, .name = std::string(name), .stamp = stamp});
-    fingerprint_.add(store, name, stamp);
+void Survey::visit(Store::Kind store, Depth depth, OS::MonotonicClock::time_point deadline) {
+  StoreFiles::forEachCardName(cards(store), [&](const char* name) {
+    const bool due = files_.size() % filesBetweenLooksAtTheClock == 0;
+    if (complete_ && due && OS::MonotonicClock::now() >= deadline) complete_ = false;
+    if (!complete_) return;
+    if (depth == Depth::names) {
+      files_.push_back({.store = store, .name = name, .stamp = std::nullopt});
+    } else if (const auto stamp = StoreFiles::cardStamp(cards(store), store, name)) {
+      files_.push_back({.store = store, .name = name, .stamp = *stamp});
+      fingerprint_.add(store, name, *stamp);
+    }
   });
 }
 
-}  // namespace quillstead
+}  // namespace quillstead::server

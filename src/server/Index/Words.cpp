@@ -1,103 +1,179 @@
 #include "server/Index/Words.h"
 
+#include "server/Index/CommonPhrases.h"
+#include "server/Index/CommonWords.h"
+#include "server/Index/Ranking.h"
 #include "server/Index/StopWords.h"
-#include "support/Text/Character.h"
+#include "server/Index/WordSplitter.h"
 #include "support/Text/Text.h"
 
 #include <algorithm>
-#include <unordered_set>
+#include <array>
+#include <bit>
+#include <unordered_map>
 
-namespace quillstead::Words {
+namespace quillstead::server::Words {
 
 namespace {
 
-bool isASCII(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
+using CommonPhrases::Saying;
+using Text::PairedScript;
+using WordSplitter::Word;
 
-/// Gathers words, each once.
+bool isOneCharacter(std::string_view word) {
+  return !word.empty() && Text::decodeFirst(word).length == word.size();
+}
+
+double pairSays(PairedScript script, PairedScript neighbour) {
+  if (script != neighbour) return Ranking::otherPair;
+  switch (script) {
+    case PairedScript::han:
+      return Ranking::pairOfHan;
+    case PairedScript::hangul:
+      return Ranking::pairOfHangul;
+    case PairedScript::hiragana:
+      return Ranking::pairOfHiragana;
+    case PairedScript::alphabet:
+      return Ranking::pairOfAlphabet;
+    case PairedScript::katakana:
+    case PairedScript::none:
+      break;
+  }
+  return Ranking::otherPair;
+}
+
+/// Gathers the terms of a prompt, stop words of every language included.
 class Gatherer {
  public:
-  void take(char32_t character) {
-    if (Text::isIdeograph(character)) {
-      endWord();
-      takeIdeograph(character);
-    } else if (Text::isWordCharacter(character)) {
-      endIdeographs();
-      Text::appendCharacter(word_, static_cast<std::uint32_t>(Text::lowered(character)));
-    } else {
-      endWord();
-      endIdeographs();
+  void take(const Word& word) {
+    switch (word.kind) {
+      case Word::Kind::whole:
+      case Word::Kind::part:
+        takeWord(word);
+        break;
+      case Word::Kind::run:
+        run_ = word.text;
+        sayings_ = CommonPhrases::sayings(word.text);
+        break;
+      case Word::Kind::pair:
+        takePair(word, pairSays(word.script, word.neighbour), false);
+        break;
+      case Word::Kind::only:
+        takePair(word, Ranking::commonWord, true);
+        break;
+      case Word::Kind::last:
+        break;
     }
   }
 
-  std::vector<std::string> finish() {
-    endWord();
-    endIdeographs();
-    return std::move(words_);
+  /// Those that are stop words in the language to which most words of the prompt belong, or in
+  /// English, are left out.
+  std::vector<SearchTerm> finish() {
+    const StopWords::Languages spoken = StopWords::english | mostSpoken();
+    std::vector<SearchTerm> terms;
+    for (Found& one : found_) {
+      if ((one.stopWordIn & spoken) == 0) terms.push_back(std::move(one.term));
+    }
+    return terms;
   }
 
  private:
-  void add(std::string word) {
-    if (seen_.insert(word).second) words_.push_back(std::move(word));
-  }
+  struct Found {
+    SearchTerm term;
+    StopWords::Languages stopWordIn = 0;
+  };
 
-  void endWord() {
-    const bool single = word_.size() == 1;
-    if (!word_.empty() && !single && !StopWords::contains(word_)) add(word_);
-    word_.clear();
-  }
-
-  void takeIdeograph(char32_t character) {
-    std::string next;
-    Text::appendCharacter(next, static_cast<std::uint32_t>(character));
-    if (!ideograph_.empty()) {
-      add(ideograph_ + ' ' + next);
-      paired_ = true;
+  void add(Found found) {
+    const auto [place, isNew] = places_.emplace(found.term.word, found_.size());
+    if (isNew) {
+      found_.push_back(std::move(found));
+    } else {
+      double& says = found_[place->second].term.says;
+      says = std::max(says, found.term.says);
     }
-    ideograph_ = std::move(next);
   }
 
-  void endIdeographs() {
-    if (!ideograph_.empty() && !paired_) add(ideograph_);
-    ideograph_.clear();
-    paired_ = false;
+  void takeWord(const Word& word) {
+    std::string text = lowered(word.text);
+    const StopWords::Languages stopWordIn = StopWords::languagesOf(text);
+    if (isOneCharacter(text) && stopWordIn == 0) return;
+    double says = word.kind == Word::Kind::part ? Ranking::partOfName : Ranking::ordinaryWord;
+    if (CommonWords::contains(text)) says = std::min(says, Ranking::commonWord);
+    if (isOneCharacter(text)) says = 0;
+    add({.term = {.word = std::move(text), .says = says}, .stopWordIn = stopWordIn});
   }
 
-  std::string word_;
-  std::string ideograph_;  ///< the last character of a run without blanks
-  bool paired_ = false;    ///< that character is part of a word already
-  std::vector<std::string> words_;
-  std::unordered_set<std::string> seen_;
+  /// A pair that lies in a phrase that says nothing is left out, one that touches it says half.
+  void takePair(const Word& word, double says, bool isBeginning) {
+    const auto at = static_cast<std::size_t>(word.text.data() - run_.data());
+    const Saying first = sayings_[at];
+    const Saying second = sayings_[at + word.text.size() - 1];
+    if (std::max(first, second) == Saying::nothing) return;
+    constexpr double half = 0.5;
+    if (std::min(first, second) == Saying::nothing) says *= half;
+    if (std::max(first, second) == Saying::little) says *= half;
+    const PairedScript script = isBeginning ? PairedScript::none : word.script;
+    add({.term = {.word = std::string(word.text),
+                  .says = says,
+                  .isBeginning = isBeginning,
+                  .script = script}});
+  }
+
+  [[nodiscard]] StopWords::Languages mostSpoken() const {
+    constexpr std::size_t bits = 32;
+    std::array<std::size_t, bits> counts{};
+    for (const Found& one : found_) {
+      for (StopWords::Languages left = one.stopWordIn; left != 0; left &= left - 1) {
+        ++counts.at(static_cast<std::size_t>(std::countr_zero(left)));
+      }
+    }
+    const std::size_t most = *std::max_element(counts.begin(), counts.end());
+    StopWords::Languages languages = 0;
+    for (std::size_t bit = 0; bit < bits && most > 0; ++bit) {
+      if (counts.at(bit) == most) languages |= StopWords::Languages{1} << bit;
+    }
+    return languages;
+  }
+
+  std::string_view run_;
+  std::vector<Saying> sayings_;  ///< of the run's bytes
+  std::vector<Found> found_;
+  std::unordered_map<std::string, std::size_t> places_;  ///< in `found_`
 };
 
 }  // namespace
 
-std::string spaced(std::string_view text) {
+std::string lowered(std::string_view word) {
   std::string result;
-  result.reserve(text.size());
-  while (!text.empty()) {
-    const auto plain = static_cast<std::size_t>(
-        std::find_if_not(text.begin(), text.end(), isASCII) - text.begin());
-    result.append(text.substr(0, plain));
-    text.remove_prefix(plain);
-    if (text.empty()) break;
-    const Text::Decoded next = Text::decodeFirst(text);
-    const bool alone = Text::isIdeograph(next.character);
-    if (alone) result += ' ';
-    result.append(text.substr(0, next.length));
-    if (alone) result += ' ';
-    text.remove_prefix(next.length);
+  result.reserve(word.size());
+  while (!word.empty()) {
+    const Text::Decoded next = Text::decodeFirst(word);
+    const char32_t character = next.valid ? Text::lowered(next.character) : U' ';
+    Text::appendCharacter(result, static_cast<std::uint32_t>(character));
+    word.remove_prefix(next.length);
   }
   return result;
 }
 
-std::vector<std::string> telling(std::string_view text) {
-  Gatherer gatherer;
-  while (!text.empty()) {
-    const Text::Decoded next = Text::decodeFirst(text);
-    gatherer.take(next.valid ? next.character : U' ');
-    text.remove_prefix(next.length);
-  }
-  return gatherer.finish();
+std::string indexed(std::string_view text) {
+  std::string words;
+  words.reserve(text.size() + text.size() / 4);
+  WordSplitter::split(text, [&words](const Word& word) {
+    if (word.kind == Word::Kind::run) return;
+    words.append(word.text).append(" ");
+  });
+  return words;
 }
 
-}  // namespace quillstead::Words
+std::vector<SearchTerm> searchTerms(std::string_view prompt) {
+  Gatherer gatherer;
+  prompt = prompt.substr(0, Ranking::mostPromptBytes);
+  WordSplitter::split(prompt, [&gatherer](const Word& word) { gatherer.take(word); });
+  std::vector<SearchTerm> terms = gatherer.finish();
+  std::erase_if(terms, [](const SearchTerm& term) { return term.says <= 0; });
+  if (terms.size() > Ranking::mostWords)
+    terms.erase(terms.begin() + Ranking::mostWords, terms.end());
+  return terms;
+}
+
+}  // namespace quillstead::server::Words

@@ -1,14 +1,14 @@
 #include "server/Protocol/Methods.h"
 
 #include "server/Protocol/Reply.h"
+#include "server/Shown.h"
 #include "server/Tools/Tools.h"
 
 #include <algorithm>
 #include <array>
 #include <string>
-#include <variant>
 
-namespace quillstead::Methods {
+namespace quillstead::server::Methods {
 
 namespace {
 
@@ -22,9 +22,9 @@ constexpr std::string_view instructions =
     "card, and memory_add for what will be worth knowing in later sessions.";
 
 JSON::Value initialize(JSON::View id, JSON::ObjectView parameters) {
-  const auto wanted = parameters.find("protocolVersion").text();
+  const auto wanted = parameters.find("protocolVersion").string();
   if (!wanted) {
-    return Reply::error(id, Reply::Error::invalidParameters, "protocolVersion must be a text");
+    return Reply::error(id, Reply::Error::invalidParams, "protocolVersion must be a string");
   }
   JSON::Object capabilities = JSON::objectOf({{"tools", JSON::Object()}});
   JSON::Object server =
@@ -37,25 +37,26 @@ JSON::Value initialize(JSON::View id, JSON::ObjectView parameters) {
 
 JSON::Value listTools(JSON::View id, JSON::ObjectView parameters) {
   const JSON::View cursor = parameters.find("cursor");
-  if (cursor.isThere() && !cursor.isNull()) {  // none was ever handed out: the list has one page
-    return Reply::error(id, Reply::Error::invalidParameters, "the cursor is unknown");
+  if (cursor.exists() && !cursor.isNull()) {  // none was ever handed out: the list has one page
+    return Reply::error(id, Reply::Error::invalidParams, "the cursor is unknown");
   }
   return Reply::result(id, JSON::objectOf({{"tools", Tools::list()}}));
 }
 
 JSON::Value callTool(JSON::View id, JSON::ObjectView parameters,
                      const OS::Environment& environment) {
-  const auto name = parameters.find("name").text();
-  if (!name) return Reply::error(id, Reply::Error::invalidParameters, "name must be a text");
+  const auto name = parameters.find("name").string();
+  if (!name) return Reply::error(id, Reply::Error::invalidParams, "name must be a string");
   const JSON::View arguments = parameters.find("arguments");
-  if (arguments.isThere() && !arguments.isNull() && !arguments.object()) {
-    return Reply::error(id, Reply::Error::invalidParameters, "arguments must be an object");
+  if (arguments.exists() && !arguments.isNull() && !arguments.object()) {
+    return Reply::error(id, Reply::Error::invalidParams, "arguments must be an object");
   }
-  auto outcome = Tools::call(*name, arguments.object().value_or(JSON::ObjectView()), environment);
-  if (const auto* bad = std::get_if<BadArguments>(&outcome)) {
-    return Reply::error(id, Reply::Error::invalidParameters, bad->reason);
+  auto reply = Tools::call(*name, arguments.object().value_or(JSON::ObjectView()), environment);
+  if (!reply) {
+    return Reply::error(id, Reply::Error::invalidParams,
+                        "there is no tool \"" + Shown::line(*name) + '"');
   }
-  return Reply::result(id, asResult(std::move(std::get<ToolReply>(outcome))));
+  return Reply::result(id, Tools::asResult(std::move(*reply)));
 }
 
 }  // namespace
@@ -71,8 +72,8 @@ JSON::Value answer(JSON::View id, std::string_view method, JSON::ObjectView para
   if (method == "ping") return Reply::result(id, {});
   if (method == "tools/list") return listTools(id, parameters);
   if (method == "tools/call") return callTool(id, parameters, environment);
-  return Reply::error(id, Reply::Error::unknownMethod,
-                      "there is no method \"" + std::string(method) + '"');
+  return Reply::error(id, Reply::Error::methodNotFound,
+                      "there is no method \"" + Shown::line(method) + '"');
 }
 
-}  // namespace quillstead::Methods
+}  // namespace quillstead::server::Methods

@@ -6,7 +6,7 @@
 #include <string_view>
 
 /// The requests that a client may make.
-namespace quillstead::Methods {
+namespace quillstead::server::Methods {
 
 /// The response to a well-formed request, errors included.
 JSON::Value answer(JSON::View id, std::string_view method, JSON::ObjectView parameters,
@@ -16,4 +16,4 @@ JSON::Value answer(JSON::View id, std::string_view method, JSON::ObjectView para
 /// else the newest that is.
 std::string_view agreedVersion(std::string_view wanted);
 
-}  // namespace quillstead::Methods
+}  // namespace quillstead::server::Methods

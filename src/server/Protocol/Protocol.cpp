@@ -8,13 +8,16 @@
 
 #include <utility>
 
-namespace quillstead::Protocol {
+namespace quillstead::server::Protocol {
 
 namespace {
 
+/// So many take less than 200 MB, and are more than a client can mean.
+constexpr std::size_t mostValues = 4'000'000;
+
 bool isResponse(JSON::ObjectView message) {
-  return !message.find("method").isThere() &&
-         (message.find("result").isThere() || message.find("error").isThere());
+  return !message.find("method").exists() &&
+         (message.find("result").exists() || message.find("error").exists());
 }
 
 std::optional<JSON::Value> answerTo(JSON::View value, const OS::Environment& environment) {
@@ -23,54 +26,61 @@ std::optional<JSON::Value> answerTo(JSON::View value, const OS::Environment& env
   if (isResponse(*message)) return std::nullopt;
 
   const JSON::View id = message->find("id");
-  const bool usableId = !id.isThere() || id.text() || id.number();
-  const auto method = message->find("method").text();
-  if (message->find("jsonrpc").text() != "2.0" || !method || !usableId) {
+  const bool usableId = !id.exists() || id.string() || id.number();
+  const auto method = message->find("method").string();
+  if (message->find("jsonrpc").string() != "2.0" || !method || !usableId) {
     return Reply::error(usableId ? id : JSON::View(), Reply::Error::invalidRequest,
-                        "not a request of JSON-RPC 2.0 with an id that is a text or a number");
+                        "not a request of JSON-RPC 2.0 with an id that is a string or a number");
   }
-  if (!id.isThere()) return std::nullopt;  // a notification; none of them changes anything here
+  if (!id.exists()) return std::nullopt;  // a notification; none of them changes anything here
 
   const JSON::View parameters = message->find("params");
-  if (parameters.isThere() && !parameters.object()) {
-    return Reply::error(id, Reply::Error::invalidParameters, "params must be an object");
+  if (parameters.exists() && !parameters.object()) {
+    return Reply::error(id, Reply::Error::invalidParams, "params must be an object");
   }
   return Methods::answer(id, *method, parameters.object().value_or(JSON::ObjectView()),
                          environment);
 }
 
-/// Several messages in one array, as one of the protocol's versions allows.
-std::optional<JSON::Value> answerToBatch(JSON::ArrayView batch,
-                                         const OS::Environment& environment) {
-  if (batch.empty()) return Reply::error({}, Reply::Error::invalidRequest, "an empty batch");
-  JSON::Array answers;
+/// Several messages in one array, as one of the protocol's versions allows. Each is answered before
+/// the next is looked at, so that no more than one answer is held.
+bool answerBatch(JSON::ArrayView batch, const OS::Environment& environment, const Sink& write) {
+  std::string_view before = "[";
   for (const JSON::View message : batch) {
-    if (auto reply = answerTo(message, environment)) answers.push_back(std::move(*reply));
+    const auto reply = answerTo(message, environment);
+    if (!reply) continue;
+    std::string text(before);
+    if (!write(text.append(JSON::write(*reply, JSON::Slashes::plain)))) return false;
+    before = ",";
   }
-  if (answers.empty()) return std::nullopt;
-  return JSON::Value(std::move(answers));
+  const bool answeredAny = before == ",";
+  return !answeredAny || write("]");
 }
 
 }  // namespace
 
-std::optional<std::string> answer(std::string_view line, const OS::Environment& environment) {
-  if (Text::isBlank(line)) return std::nullopt;
-  const std::optional<JSON::Document> message = JSON::read(line);
+bool answer(std::string_view line, const OS::Environment& environment, const Sink& write) {
+  if (Text::isBlank(line)) return true;
+  const std::optional<JSON::Document> message = JSON::read(line, mostValues);
+  if (const auto batch = message ? message->root().array() : std::nullopt;
+      batch && !batch->empty()) {
+    return answerBatch(*batch, environment, write);
+  }
   std::optional<JSON::Value> reply;
   if (!message) {
-    reply = Reply::error({}, Reply::Error::unreadable, "the line is not a JSON object");
-  } else if (const auto batch = message->root().array()) {
-    reply = answerToBatch(*batch, environment);
+    reply = Reply::error({}, Reply::Error::parseError,
+                         "the line is not a JSON object, or holds too many values");
+  } else if (message->root().array()) {
+    reply = Reply::error({}, Reply::Error::invalidRequest, "an empty batch");
   } else {
     reply = answerTo(message->root(), environment);
   }
-  if (!reply) return std::nullopt;
-  return JSON::write(*reply, JSON::Slashes::plain);
+  return !reply || write(JSON::write(*reply, JSON::Slashes::plain));
 }
 
 std::string answerToTooLongLine() {
-  return JSON::write(Reply::error({}, Reply::Error::unreadable, "the line is too long"),
+  return JSON::write(Reply::error({}, Reply::Error::parseError, "the line is too long"),
                      JSON::Slashes::plain);
 }
 
-}  // namespace quillstead::Protocol
+}  // namespace quillstead::server::Protocol

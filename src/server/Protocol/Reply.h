@@ -2,22 +2,30 @@
 
 #include "support/JSON/Value.h"
 
+#include <cstdint>
 #include <string_view>
+#include <utility>
 
-/// JSON-RPC answers.
-namespace quillstead::Reply {
+/// JSON-RPC answers. `id`: the request's, whose document must outlive the reply; absent when it
+/// could not be read, which is written as null.
+namespace quillstead::server::Reply {
 
 /// The error codes of JSON-RPC 2.0.
-enum class Error {
-  unreadable = -32'700,
+enum class Error : std::int32_t {
+  parseError = -32'700,
   invalidRequest = -32'600,
-  unknownMethod = -32'601,
-  invalidParameters = -32'602,
+  methodNotFound = -32'601,
+  invalidParams = -32'602,
 };
 
-/// `id`: the request's, whose document must outlive the reply; absent when it could not be read,
-/// which is written as null.
-JSON::Value result(JSON::View id, JSON::Object result);
-JSON::Value error(JSON::View id, Error code, std::string_view message);
+inline JSON::Value result(JSON::View id, JSON::Object result) {
+  return JSON::objectOf({{"jsonrpc", "2.0"}, {"id", id}, {"result", std::move(result)}});
+}
 
-}  // namespace quillstead::Reply
+inline JSON::Value error(JSON::View id, Error code, std::string_view message) {
+  JSON::Object error =
+      JSON::objectOf({{"code", static_cast<std::int64_t>(code)}, {"message", message}});
+  return JSON::objectOf({{"jsonrpc", "2.0"}, {"id", id}, {"error", std::move(error)}});
+}
+
+}  // namespace quillstead::server::Reply

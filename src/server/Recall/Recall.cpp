@@ -1,70 +1,177 @@
 #include "server/Recall/Recall.h"
 
-#include "server/Fence.h"
+#include "contract/Contract.h"
+#include "server/Markdown/Markdown.h"
+#include "server/Recall/Passage.h"
+#include "server/Shown.h"
 #include "server/Store/Card.h"
 #include "server/Store/StoreFiles.h"
+#include "support/Text/Lines.h"
 #include "support/Text/Text.h"
 
+#include <algorithm>
+#include <array>
+#include <numeric>
+#include <utility>
 #include <variant>
 
-namespace quillstead::Recall {
+namespace quillstead::server::Recall {
 
 namespace {
 
 constexpr std::string_view header =
     "Cards from memory that match this prompt, best first (`grab` reads a whole card):";
-constexpr std::string_view gap = "\n\n";
 
-/// At most `limit` bytes of `text`, no character taken apart.
-std::string_view beginning(std::string_view text, std::size_t limit) {
-  if (text.size() <= limit) return text;
-  while (limit > 0 && (static_cast<unsigned char>(text[limit]) & 0xC0U) == 0x80) --limit;
-  return Text::trimmed(text.substr(0, limit));
+constexpr std::string_view titleMark = "## ";
+constexpr std::string_view cutMark = "…";
+constexpr std::string_view passageNote = "\n… (a passage; `grab` reads all of it)";
+
+/// `line`, or as much of it as `limit` bytes hold.
+std::string shortened(std::string_view line, std::size_t limit) {
+  if (line.size() <= limit) return std::string(line);
+  return std::string(Passage::beginning(line, limit - cutMark.size())).append(cutMark);
+}
+
+std::vector<ShownCard> read(const Scope& scope, const std::vector<CardPlace>& places) {
+  std::vector<ShownCard> all;
+  for (const CardPlace& place : places) {
+    const auto& store = place.store == Store::Kind::project ? scope.project : scope.personal;
+    if (!store) continue;
+    auto content = StoreFiles::readCard(StoreFiles::openCards(*store), store->kind, place.fileName);
+    auto* const file = std::get_if<StoreFiles::FileText>(&content);
+    if (file) all.push_back({.place = place, .text = std::move(file->text)});
+  }
+  return all;
+}
+
+/// What the cards of a block have to share.
+std::size_t roomFor(std::size_t cards) {
+  namespace Fence = contract::MemoryFence;
+  return longestBlock - Fence::opening.size() - header.size() - Fence::closing.size() -
+         cards * Fence::gap.size();
 }
 
 std::string source(const Card& card, const CardPlace& place) {
   std::string line;
   line.append("(").append(nameOf(place.store)).append(": ");
-  line.append(onOneLine(Text::repaired(place.fileName)));
+  line.append(Shown::line(place.fileName));
   for (const std::string& tag : card.tags) {
-    line.append(&tag == &card.tags.front() ? "; " : ", ").append(tag);
+    line.append(&tag == &card.tags.front() ? "; " : ", ").append(Shown::line(tag));
   }
   return line.append(")");
 }
+
+/// A card as it is shown, before it is known how much room it gets.
+class Printable {
+ public:
+  Printable(std::string_view text, const CardPlace& place) {
+    const Card card = Card::parse(text, place.fileName);
+    title_ = std::string(titleMark) + Shown::line(card.title);
+    source_ = source(card, place);
+    if (!card.body.empty()) body_ = Markdown::withLowerHeadings(Shown::text(card.body));
+  }
+
+  /// How many bytes it takes within `limit`, which are all of them when it has to be cut.
+  [[nodiscard]] std::size_t need(std::size_t limit) const {
+    return std::min(head(limit).size() + body_.size(), limit);
+  }
+
+  [[nodiscard]] std::string within(std::size_t limit,
+                                   const std::vector<Words::SearchTerm>& terms) const {
+    std::string shown = head(limit);
+    if (shown.size() + body_.size() <= limit) return shown.append(body_);
+    const std::size_t taken = shown.size() + cutMark.size() + passageNote.size();
+    const std::string_view passage = Passage::best(body_, terms, limit - std::min(limit, taken));
+    if (passage.data() != body_.data()) shown += cutMark;
+    return shown.append(passage).append(passageNote);
+  }
+
+ private:
+  /// What stands before the body.
+  [[nodiscard]] std::string head(std::size_t limit) const {
+    const std::size_t longestLine = limit / 3;
+    std::string lines = shortened(title_, longestLine + titleMark.size());
+    lines.append("\n").append(shortened(source_, longestLine));
+    if (!body_.empty()) lines += '\n';
+    return lines;
+  }
+
+  std::string title_;
+  std::string source_;
+  std::string body_;
+};
 
 }  // namespace
 
 Block fenced(const std::vector<std::string>& cards) {
   Block block;
   if (cards.empty()) return block;
-  block.text.append(Fence::memoryOpening).append(header);
+  block.text.append(contract::MemoryFence::opening).append(header);
   for (const std::string& card : cards) {
-    block.text.append(gap).append(card);
+    block.text.append(contract::MemoryFence::gap).append(card);
     block.spans.push_back(card.size());
   }
-  block.text.append(Fence::memoryClosing);
+  block.text.append(contract::MemoryFence::closing);
   return block;
 }
 
-std::string rendered(std::string_view text, const CardPlace& place) {
-  const Card card = Card::parse(text, place.fileName);
-  std::string whole = Fence::harmless("## " + card.title + "\n" + onOneLine(source(card, place)) +
-                                      (card.body.empty() ? "" : "\n" + card.body));
-  if (whole.size() <= longestCard) return whole;
-  const std::string note = "\n… (cut; `grab` reads all of it)";
-  return std::string(beginning(whole, longestCard - note.size())) + note;
+std::string rendered(std::string_view text, const CardPlace& place,
+                     const std::vector<Words::SearchTerm>& terms, std::size_t limit) {
+  return Printable(text, place).within(limit, terms);
 }
 
-Block block(const Scope& scope, const std::vector<CardPlace>& places) {
-  std::vector<std::string> cards;
-  for (const CardPlace& place : places) {
-    const auto& store = place.store == Store::Kind::project ? scope.project : scope.personal;
-    if (!store) continue;
-    const auto read = StoreFiles::readCard(StoreFiles::openCards(*store), place.fileName);
-    const auto* file = std::get_if<StoreFiles::FileText>(&read);
-    if (file) cards.push_back(rendered(file->text, place));
+std::vector<std::size_t> shares(const std::vector<std::size_t>& needs, std::size_t room) {
+  std::vector<std::size_t> smallestFirst(needs.size());
+  std::iota(smallestFirst.begin(), smallestFirst.end(), 0U);
+  std::sort(smallestFirst.begin(), smallestFirst.end(),
+            [&needs](std::size_t one, std::size_t other) { return needs[one] < needs[other]; });
+  std::vector<std::size_t> all(needs.size());
+  std::size_t left = needs.size();
+  for (const std::size_t card : smallestFirst) {
+    all[card] = std::min({needs[card], room / left, longestCard});
+    room -= all[card];
+    --left;
   }
-  return fenced(cards);
+  return all;
 }
 
-}  // namespace quillstead::Recall
+std::vector<CardPlace> choose(std::vector<CardPlace> candidates) {
+  std::array<std::size_t, 2> matching{};
+  for (const CardPlace& place : candidates) ++matching.at(static_cast<std::size_t>(place.store));
+  std::array<std::size_t, 2> free{};
+  for (const std::size_t store : {0U, 1U}) {
+    free.at(store) = matching.at(1 - store) > 0 ? mostOfOneStore : mostCards;
+  }
+  std::erase_if(candidates, [&](const CardPlace& place) {
+    std::size_t& places = free.at(static_cast<std::size_t>(place.store));
+    if (places == 0) return true;
+    --places;
+    return false;
+  });
+  candidates.resize(std::min(candidates.size(), mostCards));
+  return candidates;
+}
+
+Block block(const Scope& scope, const std::vector<CardPlace>& places, std::string_view prompt) {
+  const std::vector<Words::SearchTerm> terms = Words::searchTerms(prompt);
+  std::vector<ShownCard> found = read(scope, places);
+  std::vector<Printable> printables;
+  std::vector<std::size_t> needs;
+  needs.reserve(found.size());
+  for (const ShownCard& one : found) {
+    needs.push_back(printables.emplace_back(one.text, one.place).need(longestCard));
+  }
+  const std::vector<std::size_t> limits = shares(needs, roomFor(found.size()));
+  std::vector<std::string> cards;
+  cards.reserve(found.size());
+  for (std::size_t at = 0; at < found.size(); ++at) {
+    // What fits is shown as it was measured.
+    const std::size_t limit = needs[at] > limits[at] ? limits[at] : longestCard;
+    cards.push_back(printables[at].within(limit, terms));
+  }
+  Block block = fenced(cards);
+  block.cards = std::move(found);
+  return block;
+}
+
+}  // namespace quillstead::server::Recall

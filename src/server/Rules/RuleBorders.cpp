@@ -1,10 +1,10 @@
 #include "server/Rules/RuleBorders.h"
 
-#include "server/Store/Lines.h"
-#include "server/Store/Markdown.h"
+#include "server/Markdown/Markdown.h"
+#include "support/Text/Lines.h"
 #include "support/Text/Text.h"
 
-namespace quillstead::RuleBorders {
+namespace quillstead::server::RuleBorders {
 
 namespace {
 
@@ -30,7 +30,7 @@ std::vector<std::size_t> of(std::string_view text) {
   Markdown::CodeFence code;
   bool inCode = false;
   for (std::string_view rest = text; !rest.empty();) {
-    const std::string_view line = takeLine(rest);
+    const std::string_view line = Text::takeLine(rest);
     const bool wasInCode = inCode;
     inCode = code.covers(line);
     if (Text::isBlank(line)) {
@@ -48,4 +48,4 @@ std::vector<std::size_t> of(std::string_view text) {
   return borders;
 }
 
-}  // namespace quillstead::RuleBorders
+}  // namespace quillstead::server::RuleBorders

@@ -5,7 +5,7 @@
 #include <vector>
 
 /// Where a text of rules may be cut without taking a rule apart.
-namespace quillstead::RuleBorders {
+namespace quillstead::server::RuleBorders {
 
 /// The lengths of those beginnings of `text` that end with a whole rule, growing, the last being
 /// all of it. A rule is an item of an outermost list with all that belongs to it, or a paragraph; a
@@ -13,4 +13,4 @@ namespace quillstead::RuleBorders {
 /// `text` has no white space at its ends; an empty text gives none.
 std::vector<std::size_t> of(std::string_view text);
 
-}  // namespace quillstead::RuleBorders
+}  // namespace quillstead::server::RuleBorders

@@ -1,14 +1,14 @@
 #include "server/Rules/RulesCard.h"
 
+#include "contract/Contract.h"
 #include "server/Rules/RuleBorders.h"
-#include "server/Rules/RulesIndex.h"
 
 #include <algorithm>
 #include <array>
 #include <limits>
 #include <vector>
 
-namespace quillstead::RulesCard {
+namespace quillstead::server::RulesCard {
 
 namespace {
 
@@ -67,7 +67,7 @@ Card within(std::string_view rules, const Titles& titles, const Ceilings& ceilin
   const std::size_t headRoom = less(ceilings.head.value_or(unlimited), RulesBlock::fenceSize);
 
   // Rules that fit beside a small index are not cut for the sake of a large one.
-  const std::size_t wanted = RulesIndex::rendered(titles, RulesIndex::ordinaryLimit).size();
+  const std::size_t wanted = RulesBlock::index(titles, RulesBlock::ordinaryIndex).size();
   const std::size_t reserved =
       wanted == 0 ? 0 : std::min(wanted + RulesBlock::lineBeforeIndex, room / indexShare);
   Head head = headWithin(rules, std::min(headRoom, less(room, reserved)));
@@ -78,13 +78,11 @@ Card within(std::string_view rules, const Titles& titles, const Ceilings& ceilin
   const bool fits = RulesBlock::fenceSize <=
                     std::min(ceilings.block.value_or(unlimited), ceilings.head.value_or(unlimited));
   const std::string index =
-      fits ? RulesIndex::rendered(titles, std::min(left, RulesIndex::ordinaryLimit)) : "";
+      fits ? RulesBlock::index(titles, std::min(left, RulesBlock::ordinaryIndex)) : "";
   return {.kind = head.kind, .block = RulesBlock::fenced(head.text, index)};
 }
 
-}  // namespace
-
-Card made(std::string_view rules, const Titles& titles, const Ceilings& ceilings) {
+Card madeWithoutNote(std::string_view rules, const Titles& titles, const Ceilings& ceilings) {
   if (ceilings.head && !ceilings.block) {
     // Who asks for the head alone to be short may take head and index apart, but also the block
     // whole or not at all. So all of it stays within that size where this leaves both something.
@@ -95,6 +93,25 @@ Card made(std::string_view rules, const Titles& titles, const Ceilings& ceilings
   return within(rules, titles, ceilings, Shortened::index);
 }
 
+std::optional<std::size_t> less(std::optional<std::size_t> ceiling, std::size_t taken) {
+  return ceiling ? std::optional(less(*ceiling, taken)) : std::nullopt;
+}
+
+}  // namespace
+
+Card made(std::string_view rules, const Titles& titles, const Ceilings& ceilings,
+          std::string_view note) {
+  const std::size_t alone = note.size() + RulesBlock::fenceSize;
+  const bool fits =
+      alone <= std::min(ceilings.block.value_or(unlimited), ceilings.head.value_or(unlimited));
+  if (note.empty() || !fits) return madeWithoutNote(rules, titles, ceilings);
+  const std::size_t taken = note.size() + RulesBlock::gapBeforeNote;
+  Card card = madeWithoutNote(
+      rules, titles, {.block = less(ceilings.block, taken), .head = less(ceilings.head, taken)});
+  card.block.closeHeadWith(note);
+  return card;
+}
+
 std::string_view nameOf(Kind kind) {
   switch (kind) {
     case Kind::whole:
@@ -102,11 +119,11 @@ std::string_view nameOf(Kind kind) {
     case Kind::cut:
       return "cut";
     case Kind::pointer:
-      return "pointer";
+      return contract::pointer;
     case Kind::nothing:
       break;
   }
   return "nothing";
 }
 
-}  // namespace quillstead::RulesCard
+}  // namespace quillstead::server::RulesCard

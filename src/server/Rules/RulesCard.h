@@ -9,7 +9,7 @@
 #include <string_view>
 
 /// The rules in as little room as a harness gives them.
-namespace quillstead::RulesCard {
+namespace quillstead::server::RulesCard {
 
 /// Bytes; absent is no limit.
 struct Ceilings {
@@ -31,10 +31,12 @@ struct Card {
 };
 
 /// With a ceiling for the head alone, the whole block stays within it when that leaves room for
-/// rules and index.
-Card made(std::string_view rules, const Titles& titles, const Ceilings& ceilings);
+/// rules and index. `note` ends the head, whatever else comes short, unless it is empty or the
+/// ceilings have no room for it alone.
+Card made(std::string_view rules, const Titles& titles, const Ceilings& ceilings,
+          std::string_view note = {});
 
 /// "whole", "cut", "pointer" or "nothing".
 std::string_view nameOf(Kind kind);
 
-}  // namespace quillstead::RulesCard
+}  // namespace quillstead::server::RulesCard

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-namespace quillstead {
+namespace quillstead::server {
 
 /// One piece of memory, as its file tells it.
 struct Card {
@@ -16,7 +16,4 @@ struct Card {
   static Card parse(std::string_view text, std::string_view fileName);
 };
 
-/// `text` as one line: every run of white space and control characters one blank, none at the ends.
-std::string onOneLine(std::string_view text);
-
-}  // namespace quillstead
+}  // namespace quillstead::server

@@ -2,9 +2,15 @@
 
 #include "server/Store/StoreFiles.h"
 #include "support/Text/Character.h"
+#include "support/Text/Hash.h"
 #include "support/Text/Text.h"
 
-namespace quillstead::CardName {
+#include <sys/random.h>
+
+#include <chrono>
+#include <cstdint>
+
+namespace quillstead::server::CardName {
 
 namespace {
 
@@ -42,10 +48,24 @@ bool hasParentStep(std::string_view name) {
 
 }  // namespace
 
-std::string fromTitle(std::string_view title, unsigned attempt) {
-  std::string name = stemOf(title);
-  if (attempt > 1) name += '-' + std::to_string(attempt);
-  return name.append(StoreFiles::cardSuffix);
+std::string fromTitle(std::string_view title, std::string_view mark) {
+  return stemOf(title).append("-").append(mark).append(StoreFiles::cardSuffix);
+}
+
+std::string randomMark() {
+  constexpr std::string_view signs = "0123456789abcdefghjkmnpqrstvwxyz";  // none looks like another
+  constexpr std::size_t length = 6;
+  std::uint64_t number = 0;
+  if (getentropy(&number, sizeof number) != 0) {  // the time tells two cards apart, too
+    const auto now = std::chrono::system_clock::now().time_since_epoch().count();
+    number = Text::mixed(static_cast<std::uint64_t>(now));
+  }
+  std::string mark;
+  for (std::size_t count = 0; count < length; ++count) {
+    mark += signs[number % signs.size()];
+    number /= signs.size();
+  }
+  return mark;
 }
 
 Flaw flawOf(std::string_view name) {
@@ -57,4 +77,4 @@ Flaw flawOf(std::string_view name) {
   return usable ? Flaw::none : Flaw::unusable;
 }
 
-}  // namespace quillstead::CardName
+}  // namespace quillstead::server::CardName

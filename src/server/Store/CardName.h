@@ -4,15 +4,19 @@
 #include <string_view>
 
 /// Names of card files.
-namespace quillstead::CardName {
+namespace quillstead::server::CardName {
 
 /// A file name made from a title: its letters and digits in lower case, hyphens between, at most 60
-/// bytes before ".md". `attempt` 1 gives the plain name, 2 and on give it with that number.
-std::string fromTitle(std::string_view title, unsigned attempt);
+/// bytes, then `mark` and ".md".
+std::string fromTitle(std::string_view title, std::string_view mark);
+
+/// Six random letters and digits, one of a thousand million, so that cards of one title that are
+/// added in two clones of a repository do not meet in one file.
+std::string randomMark();
 
 /// Why a name that a caller gave cannot be a file in a store's memory directory.
 enum class Flaw { none, absolute, leavesStore, inSubdirectory, unusable };
 
 Flaw flawOf(std::string_view name);
 
-}  // namespace quillstead::CardName
+}  // namespace quillstead::server::CardName

@@ -1,12 +1,12 @@
 #include "server/Store/NewCard.h"
 
+#include "server/Markdown/FrontMatter.h"
+#include "server/Markdown/Markdown.h"
 #include "server/Store/Card.h"
 #include "server/Store/CardName.h"
-#include "server/Store/FrontMatter.h"
-#include "server/Store/Lines.h"
-#include "server/Store/Markdown.h"
 #include "server/Store/StoreFiles.h"
 #include "support/OS/AtomicFile.h"
+#include "support/Text/Lines.h"
 #include "support/Text/Text.h"
 
 #include <array>
@@ -14,16 +14,16 @@
 #include <cstring>
 #include <ctime>
 
-namespace quillstead::NewCards {
+namespace quillstead::server::NewCards {
 
 namespace {
 
 constexpr std::size_t longestTitleFromText = 80;  // characters
-constexpr unsigned mostAttempts = 10'000;
+constexpr int mostAttempts = 100;
 
 std::string_view firstLine(std::string_view text) {
   text = Text::trimmed(text);
-  return takeLine(text);
+  return Text::takeLine(text);
 }
 
 /// The text's own heading when it begins with one.
@@ -34,11 +34,11 @@ std::optional<std::string_view> ownHeading(std::string_view text) {
 
 std::string titleOf(const NewCard& card) {
   if (card.title) {
-    std::string title = onOneLine(*card.title);
+    std::string title = Text::onOneLine(*card.title);
     if (!title.empty()) return title;
   }
-  if (const auto heading = ownHeading(card.text)) return onOneLine(*heading);
-  const std::string line = onOneLine(firstLine(card.text));
+  if (const auto heading = ownHeading(card.text)) return Text::onOneLine(*heading);
+  const std::string line = Text::onOneLine(firstLine(card.text));
   const std::string_view shortened = Text::firstCharacters(line, longestTitleFromText);
   return shortened.size() < line.size() ? std::string(shortened) + "…" : line;
 }
@@ -86,7 +86,7 @@ std::string composed(const NewCard& card, std::chrono::system_clock::time_point 
   text += "---\n\n";
 
   const auto heading = ownHeading(card.text);
-  if (!heading || onOneLine(*heading) != title) text += headingOf(title) + "\n\n";
+  if (!heading || Text::onOneLine(*heading) != title) text += headingOf(title) + "\n\n";
   return text.append(Text::trimmed(card.text)).append("\n");
 }
 
@@ -100,11 +100,13 @@ std::variant<AddedCard, NotAdded> add(const Store& store, const NewCard& card) {
                                                      : "cannot be made or opened")};
   }
   OS::AtomicFile::removeLeftovers(cards);
+  const mode_t mode = store.kind == Store::Kind::personal ? OS::AtomicFile::onlyForTheUser
+                                                          : OS::AtomicFile::asTheMaskSays;
 
   const std::string title = titleOf(card);
-  for (unsigned attempt = 1; attempt <= mostAttempts; ++attempt) {
-    std::string name = CardName::fromTitle(title, attempt);
-    switch (OS::AtomicFile::create(cards, name, text)) {
+  for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+    std::string name = CardName::fromTitle(title, CardName::randomMark());
+    switch (OS::AtomicFile::create(cards, name, text, mode)) {
       case OS::AtomicFile::Outcome::created:
         return AddedCard{.title = title, .fileName = std::move(name)};
       case OS::AtomicFile::Outcome::exists:
@@ -113,7 +115,7 @@ std::variant<AddedCard, NotAdded> add(const Store& store, const NewCard& card) {
         return NotAdded{"the file " + name + " cannot be written: " + std::strerror(errno)};
     }
   }
-  return NotAdded{"too many cards have this title"};
+  return NotAdded{"no name was free for it"};
 }
 
-}  // namespace quillstead::NewCards
+}  // namespace quillstead::server::NewCards

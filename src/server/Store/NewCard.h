@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-namespace quillstead {
+namespace quillstead::server {
 
 /// A card that a caller wants remembered.
 struct NewCard {
@@ -40,4 +40,4 @@ std::variant<AddedCard, NotAdded> add(const Store& store, const NewCard& card);
 
 }  // namespace NewCards
 
-}  // namespace quillstead
+}  // namespace quillstead::server

@@ -1,20 +1,28 @@
 #pragma once
 
+#include "server/Store/UserPlaces.h"
+#include "support/OS/Descriptor.h"
 #include "support/OS/Environment.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace quillstead {
+namespace quillstead::server {
 
 /// One directory of memory: `rules.md`, and `memory/` with one card a file.
 struct Store {
-  enum class Kind { project, personal };  ///< in the order in which equal cards rank
+  /// In the order in which equal cards rank. Indexes keep the numbers.
+  enum class Kind { project = 0, personal = 1 };
 
   Kind kind;
   std::string root;  ///< absolute; every link followed when it exists
+
+  /// The directory, held open since its owner and its mode were asked, so that nothing else can
+  /// take its place; null when it was not there.
+  std::shared_ptr<const OS::Descriptor> directory = nullptr;
 };
 
 /// "project" or "personal", as users and agents write it.
@@ -22,8 +30,9 @@ std::string_view nameOf(Store::Kind kind);
 
 /// The stores that one call is about.
 struct Scope {
-  std::optional<Store> personal;  ///< may not exist yet; absent when there is no home directory
-  std::optional<Store> project;   ///< absent when the working directory is in no project
+  std::optional<Store> personal;  ///< may not exist yet; absent when there is no place for it
+  std::optional<Store> project;   ///< absent when the working directory is in no trusted project
+  bool projectLeftOut = false;    ///< there is a project store, but the user does not trust it
 
   /// Those there are, the personal one first.
   [[nodiscard]] std::vector<Store> stores() const;
@@ -32,7 +41,9 @@ struct Scope {
   static Scope find(const OS::Environment& environment, std::optional<std::string_view> cwd);
 };
 
-/// The user's home directory: HOME, or what the system says when it is unset or empty.
-std::string homeDirectory(const OS::Environment& environment);
+/// What the user is told of a project that is left out. It holds nothing of the project's.
+inline constexpr std::string_view projectLeftOutNote =
+    "(This project has a memory store of its own, which is left out because the user has not "
+    "trusted it. To use it, the user can run `quillstead trust` in the project.)";
 
-}  // namespace quillstead
+}  // namespace quillstead::server

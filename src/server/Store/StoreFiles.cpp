@@ -1,26 +1,25 @@
 #include "server/Store/StoreFiles.h"
 
+#include "server/Complaint.h"
+#include "support/OS/Beneath.h"
 #include "support/OS/CanonicalPath.h"
 #include "support/OS/Directory.h"
+#include "support/Text/Lines.h"
 #include "support/Text/Text.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <memory>
 #include <optional>
 
-namespace quillstead::StoreFiles {
+namespace quillstead::server::StoreFiles {
 
 namespace {
 
-constexpr std::string_view cardsName = "/memory";
+constexpr const char* cardsName = "memory";
 constexpr const char* rulesName = "rules.md";
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-/// Where `path` leads, when that is in the store.
-std::optional<std::string> resolvedInside(const Store& store, const std::string& path) {
-  const std::optional<std::string> root = OS::canonicalPath(store.root);
-  std::optional<std::string> target = OS::canonicalPath(path);
-  if (!root || !target || !target->starts_with(*root + '/')) return std::nullopt;
-  return target;
-}
 
 NoText reason(OS::NoContent reason) {
   switch (reason) {
@@ -38,73 +37,191 @@ NoText reason(OS::NoContent reason) {
   return NoText::unreadable;
 }
 
-TextOrReason asText(std::variant<OS::FileContent, OS::NoContent> read) {
+/// Why a file or directory of such a store is passed over; absent when it is not.
+std::optional<NoText> flawOf(Store::Kind kind, OS::Ownership ownership) {
+  switch (ownership) {
+    case OS::Ownership::ours:
+      break;
+    case OS::Ownership::someoneElses:
+      // The personal store is where the user says it is, whoever it belongs to.
+      if (kind == Store::Kind::project) return NoText::someoneElses;
+      break;
+    case OS::Ownership::everybodys:
+      return NoText::everybodys;
+  }
+  return std::nullopt;
+}
+
+/// The flaw of `name` itself, which may be a symbolic link.
+std::optional<NoText> flawOf(Store::Kind kind, const OS::Descriptor& directory, const char* name) {
+  struct stat status {};
+  if (fstatat(directory.number(), name, &status, AT_SYMLINK_NOFOLLOW) != 0) return NoText::missing;
+  return flawOf(kind, OS::ownershipOf(status));
+}
+
+std::string cardNamed(Store::Kind kind, const std::string& name) {
+  return "the " + std::string(nameOf(kind)) + " card " + name;
+}
+
+void passOver(const std::string& path, NoText flaw) {
+  complain(path + " is passed over: " + std::string(explained(flaw)));
+}
+
+/// True when the text has git's marks around two sides that nobody has chosen from yet.
+bool holdsConflict(std::string_view text) {
+  constexpr std::string_view beginning = "<<<<<<< ";
+  constexpr std::string_view end = ">>>>>>> ";
+  if (text.find(beginning) == std::string_view::npos) return false;
+  bool begun = false;
+  while (!text.empty()) {
+    const std::string_view line = Text::takeLine(text);
+    if (begun && line.starts_with(end)) return true;
+    begun = begun || line.starts_with(beginning);
+  }
+  return false;
+}
+
+TextOrReason asText(Store::Kind kind, std::variant<OS::FileContent, OS::NoContent> read) {
   if (const auto* none = std::get_if<OS::NoContent>(&read)) return reason(*none);
   auto& content = std::get<OS::FileContent>(read);
+  if (const auto flaw = flawOf(kind, content.ownership)) return *flaw;
   if (content.bytes.find('\0') != std::string::npos) return NoText::binary;
   if (content.bytes.starts_with(byteOrderMark)) content.bytes.erase(0, byteOrderMark.size());
+  if (holdsConflict(content.bytes)) return NoText::conflict;
   return FileText{.text = Text::repaired(std::move(content.bytes)), .stamp = content.stamp};
 }
 
-/// Reads `name` in an open directory whose path is `directoryPath`, links within the store
-/// included.
-TextOrReason readFollowing(const Store& store, const OS::Descriptor& directory,
-                           const std::string& directoryPath, const std::string& name) {
-  auto read = OS::readFile(directory, name, largestFile);
-  const auto* none = std::get_if<OS::NoContent>(&read);
-  if (!none || *none != OS::NoContent::symbolicLink) return asText(std::move(read));
+/// The store's directory: the one that is held open, or one that came later.
+class Root {
+ public:
+  explicit Root(const Store& store) : held_(store.directory) {
+    if (!held_) opened_ = OS::openDirectory(store.root, OS::Links::followed);
+  }
 
-  const auto target = resolvedInside(store, directoryPath + '/' + name);
-  if (!target) return NoText::outsideStore;
-  return asText(OS::readFile(directory, *target, largestFile));
+  [[nodiscard]] const OS::Descriptor& directory() const { return held_ ? *held_ : opened_; }
+
+ private:
+  std::shared_ptr<const OS::Descriptor> held_;
+  OS::Descriptor opened_;
+};
+
+/// Where a link at `path` in the store leads, relative to the store's directory; absent when that
+/// is not in the store. Only a link with an absolute path needs this, which nothing below a
+/// directory can be opened by.
+std::optional<std::string> targetInside(const Store& store, const std::string& path) {
+  const std::optional<std::string> root = OS::canonicalPath(store.root);
+  const std::optional<std::string> target = OS::canonicalPath(store.root + '/' + path);
+  if (!root || !target || !target->starts_with(*root + '/')) return std::nullopt;
+  return target->substr(root->size() + 1);
 }
 
-std::string cardsPath(const Store& store) { return store.root + std::string(cardsName); }
+/// Reads the file at `path` in the store, links within the store included. `name` is the same in
+/// `directory`.
+TextOrReason readFollowing(const Store& store, const std::string& path,
+                           const OS::Descriptor& directory, const std::string& name) {
+  auto read = OS::readFile(directory, name, largestFile);
+  const auto* none = std::get_if<OS::NoContent>(&read);
+  if (!none || *none != OS::NoContent::symbolicLink) return asText(store.kind, std::move(read));
+
+  if (const auto flaw = flawOf(store.kind, directory, name.c_str())) return *flaw;
+  const auto target = targetInside(store, path);
+  if (!target) return NoText::outsideStore;
+  return asText(store.kind, OS::readFileBeneath(Root(store).directory(), *target, largestFile));
+}
 
 }  // namespace
 
 OS::Descriptor openCards(const Store& store) {
-  OS::Descriptor plain = OS::openDirectory(cardsPath(store), OS::Links::refused);
-  if (plain.isOpen()) return plain;
-  const auto target = resolvedInside(store, cardsPath(store));
-  return target ? OS::openDirectory(*target, OS::Links::refused) : OS::Descriptor();
+  const Root root(store);
+  const std::string path = store.root + '/' + cardsName;
+  const auto linkFlaw = flawOf(store.kind, root.directory(), cardsName);
+  if (linkFlaw == NoText::missing) return {};
+
+  constexpr int flags = O_RDONLY | O_DIRECTORY;
+  OS::Descriptor cards = OS::openBeneath(root.directory(), cardsName, flags);
+  if (!cards.isOpen()) {
+    const auto target = targetInside(store, cardsName);
+    if (target) cards = OS::openBeneath(root.directory(), *target, flags);
+  }
+  struct stat status {};
+  if (!cards.isOpen() || fstat(cards.number(), &status) != 0) return {};
+  const auto flaw = linkFlaw ? linkFlaw : flawOf(store.kind, OS::ownershipOf(status));
+  if (!flaw) return cards;
+  passOver(path, *flaw);
+  return {};
 }
 
 OS::Descriptor makeCards(const Store& store) {
   constexpr mode_t onlyForTheUser = 0700;
-  constexpr mode_t forAll = 0755;
+  constexpr mode_t forAll = 0777;  // less the process's mask
   const bool isPersonal = store.kind == Store::Kind::personal;
-  OS::makeDirectories(cardsPath(store), isPersonal ? onlyForTheUser : forAll);
+  OS::makeDirectories(store.root + '/' + cardsName, isPersonal ? onlyForTheUser : forAll);
   return openCards(store);
 }
 
 bool cardsLeadOut(const Store& store) {
-  const std::string path = cardsPath(store);
-  return OS::canonicalPath(path).has_value() && !resolvedInside(store, path);
+  const std::string path = store.root + '/' + cardsName;
+  return OS::canonicalPath(path).has_value() && !targetInside(store, cardsName);
 }
 
-void forEachCard(const OS::Descriptor& cards,
-                 const std::function<void(std::string_view name, OS::FileStamp stamp)>& visit) {
+std::string_view explained(NoText reason) {
+  switch (reason) {
+    case NoText::outsideStore:
+      return "it is a symbolic link out of the store";
+    case NoText::someoneElses:
+      return "it belongs to another user";
+    case NoText::everybodys:
+      return "everybody may write it";
+    case NoText::notAFile:
+      return "it is not a file";
+    case NoText::tooLarge:
+      return "it is larger than 1 MiB";
+    case NoText::binary:
+      return "it is not text";
+    case NoText::conflict:
+      return "it holds a merge conflict that is not solved";
+    case NoText::missing:
+    case NoText::unreadable:
+      break;
+  }
+  return "it cannot be read";
+}
+
+void forEachCardName(const OS::Descriptor& cards, const std::function<void(const char*)>& visit) {
   if (!cards.isOpen()) return;
-  OS::forEachFile(cards, cardSuffix, [&](std::string_view name, OS::FileStamp stamp) {
-    if (!name.starts_with('.')) visit(name, stamp);
+  OS::forEachName(cards, cardSuffix, [&](const char* name) {
+    if (*name != '.') visit(name);
   });
 }
 
-TextOrReason readCard(const OS::Descriptor& cards, const std::string& name) {
-  return asText(OS::readFile(cards, name, largestFile));
+std::optional<OS::FileStamp> cardStamp(const OS::Descriptor& cards, Store::Kind kind,
+                                       const char* name) {
+  const auto state = OS::stateOf(cards, name);
+  if (!state) return std::nullopt;
+  if (const auto flaw = flawOf(kind, state->ownership)) {
+    passOver(cardNamed(kind, name), *flaw);
+    return std::nullopt;
+  }
+  return state->stamp;
+}
+
+TextOrReason readCard(const OS::Descriptor& cards, Store::Kind kind, const std::string& name) {
+  auto read = asText(kind, OS::readFile(cards, name, largestFile));
+  const auto* reason = std::get_if<NoText>(&read);
+  if (reason && *reason == NoText::conflict) passOver(cardNamed(kind, name), *reason);
+  return read;
 }
 
 TextOrReason readCardOrLink(const Store& store, const std::string& name) {
   const OS::Descriptor cards = openCards(store);
   if (!cards.isOpen()) return NoText::missing;
-  return readFollowing(store, cards, cardsPath(store), name);
+  return readFollowing(store, std::string(cardsName) + '/' + name, cards, name);
 }
 
 TextOrReason readRules(const Store& store) {
-  const OS::Descriptor root = OS::openDirectory(store.root, OS::Links::followed);
-  if (!root.isOpen()) return NoText::missing;
-  return readFollowing(store, root, store.root, rulesName);
+  const Root root(store);
+  if (!root.directory().isOpen()) return NoText::missing;
+  return readFollowing(store, rulesName, root.directory(), rulesName);
 }
 
-}  // namespace quillstead::StoreFiles
+}  // namespace quillstead::server::StoreFiles

@@ -1,55 +1,56 @@
 #include "server/Tools/Arguments.h"
 
+#include "contract/Contract.h"
 #include "support/Text/Text.h"
 
-namespace quillstead {
+namespace quillstead::server {
 
 namespace {
 
-void addUnlessBlank(std::vector<std::string>& texts, std::string_view text) {
-  text = Text::trimmed(text);
-  if (!text.empty()) texts.emplace_back(text);
+void addUnlessBlank(std::vector<std::string>& strings, std::string_view string) {
+  string = Text::trimmed(string);
+  if (!string.empty()) strings.emplace_back(string);
 }
 
 }  // namespace
 
-std::optional<std::string> Arguments::text(std::string_view name) {
+std::optional<std::string> Arguments::string(std::string_view name) {
   const JSON::View value = find(name);
-  if (!value.isThere()) return std::nullopt;
-  const auto given = value.text();
+  if (!value.exists()) return std::nullopt;
+  const auto given = value.string();
   if (!given || given->find('\0') != std::string_view::npos) {
-    complain(name, "a text without zero characters");
+    complain(name, "a string without zero characters");
     return std::nullopt;
   }
   return std::string(*given);
 }
 
-std::optional<std::string> Arguments::anyText(std::string_view name) {
+std::optional<std::string> Arguments::anyString(std::string_view name) {
   const JSON::View value = find(name);
-  if (!value.isThere()) return std::nullopt;
-  if (const auto given = value.text()) return std::string(*given);
-  complain(name, "a text");
+  if (!value.exists()) return std::nullopt;
+  if (const auto given = value.string()) return std::string(*given);
+  complain(name, "a string");
   return std::nullopt;
 }
 
-std::string Arguments::neededText(std::string_view name) {
-  std::optional<std::string> given = text(name);
+std::string Arguments::neededString(std::string_view name) {
+  std::optional<std::string> given = string(name);
   if (given && !Text::isBlank(*given)) return std::move(*given);
-  complain(name, "a text that is not blank");
+  complain(name, "a string that is not blank");
   return {};
 }
 
-std::optional<std::string> Arguments::trimmedText(std::string_view name) {
-  const std::optional<std::string> given = text(name);
+std::optional<std::string> Arguments::trimmedString(std::string_view name) {
+  const std::optional<std::string> given = string(name);
   if (!given || Text::isBlank(*given)) return std::nullopt;
   return std::string(Text::trimmed(*given));
 }
 
-std::vector<std::string> Arguments::texts(std::string_view name) {
+std::vector<std::string> Arguments::strings(std::string_view name) {
   std::vector<std::string> all;
   const JSON::View value = find(name);
-  if (!value.isThere()) return all;
-  if (const auto list = value.text()) {
+  if (!value.exists()) return all;
+  if (const auto list = value.string()) {
     std::string_view rest = *list;
     for (;;) {
       const std::size_t comma = rest.find(',');
@@ -58,23 +59,23 @@ std::vector<std::string> Arguments::texts(std::string_view name) {
       rest.remove_prefix(comma + 1);
     }
   }
-  if (!value.array()) complain(name, "an array of texts");
+  if (!value.array()) complain(name, "an array of strings");
   for (const JSON::View element : value.elements()) {
-    if (!element.text()) complain(name, "an array of texts");
-    addUnlessBlank(all, element.text().value_or(""));
+    if (!element.string()) complain(name, "an array of strings");
+    addUnlessBlank(all, element.string().value_or(""));
   }
   return all;
 }
 
 bool Arguments::flag(std::string_view name) {
   const JSON::View value = find(name);
-  if (value.isThere() && !value.boolean()) complain(name, "true or false");
+  if (value.exists() && !value.boolean()) complain(name, "true or false");
   return value.boolean().value_or(false);
 }
 
 std::optional<std::size_t> Arguments::count(std::string_view name) {
   const JSON::View value = find(name);
-  if (!value.isThere()) return std::nullopt;
+  if (!value.exists()) return std::nullopt;
   const auto integer = value.number() ? value.number()->integer() : std::nullopt;
   if (!integer || *integer < 1) {
     complain(name, "an integer of at least 1");
@@ -84,7 +85,7 @@ std::optional<std::size_t> Arguments::count(std::string_view name) {
 }
 
 std::optional<Store::Kind> Arguments::store(std::string_view name) {
-  const std::optional<std::string> given = text(name);
+  const std::optional<std::string> given = string(name);
   if (!given) return std::nullopt;
   for (const Store::Kind kind : {Store::Kind::project, Store::Kind::personal}) {
     if (*given == nameOf(kind)) return kind;
@@ -93,10 +94,15 @@ std::optional<Store::Kind> Arguments::store(std::string_view name) {
   return std::nullopt;
 }
 
-Scope Arguments::scope(const OS::Environment& environment) {
-  const std::optional<std::string> cwd = text("cwd");
-  const bool usable = cwd && !Text::isBlank(*cwd);
-  return Scope::find(environment, usable ? std::optional<std::string_view>(*cwd) : std::nullopt);
+std::optional<std::string> Arguments::cwd() {
+  std::optional<std::string> given = string(contract::Argument::cwd);
+  return given && Text::isBlank(*given) ? std::nullopt : given;
+}
+
+SessionMemory::Caller Arguments::caller() {
+  SessionMemory::Caller caller{.sessionID = anyString(contract::Argument::sessionID),
+                               .transcriptPath = anyString(contract::Argument::transcriptPath)};
+  return caller;
 }
 
 JSON::View Arguments::find(std::string_view name) const {
@@ -108,4 +114,4 @@ void Arguments::complain(std::string_view name, std::string_view expected) {
   if (!flaw_) flaw_ = std::string(name) + " must be " + std::string(expected);
 }
 
-}  // namespace quillstead
+}  // namespace quillstead::server

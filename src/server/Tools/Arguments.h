@@ -1,8 +1,8 @@
 #pragma once
 
+#include "server/Session/SessionMemory.h"
 #include "server/Store/Scope.h"
 #include "support/JSON/View.h"
-#include "support/OS/Environment.h"
 
 #include <cstddef>
 #include <optional>
@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace quillstead {
+namespace quillstead::server {
 
 /// The arguments of one call, read one by one. A value that is missing or null is absent; the first
 /// value of a wrong kind is remembered and makes the call a bad one.
@@ -18,20 +18,20 @@ class Arguments {
  public:
   explicit Arguments(JSON::ObjectView arguments) : arguments_(arguments) {}
 
-  /// A text without zero characters.
-  std::optional<std::string> text(std::string_view name);
+  /// A string without zero characters.
+  std::optional<std::string> string(std::string_view name);
 
-  /// A text that may hold anything.
-  std::optional<std::string> anyText(std::string_view name);
+  /// A string that may hold anything.
+  std::optional<std::string> anyString(std::string_view name);
 
-  /// A text that must be there and not blank.
-  std::string neededText(std::string_view name);
+  /// A string that must be there and not blank.
+  std::string neededString(std::string_view name);
 
-  /// The text when it is not blank, without its blanks at both ends.
-  std::optional<std::string> trimmedText(std::string_view name);
+  /// The string when it is not blank, without its blanks at both ends.
+  std::optional<std::string> trimmedString(std::string_view name);
 
-  /// An array of texts, or one text in which commas set them apart; blank ones are left out.
-  std::vector<std::string> texts(std::string_view name);
+  /// An array of strings, or one string in which commas set them apart; blank ones are left out.
+  std::vector<std::string> strings(std::string_view name);
 
   bool flag(std::string_view name);
 
@@ -40,8 +40,11 @@ class Arguments {
 
   std::optional<Store::Kind> store(std::string_view name);
 
-  /// The stores for the call's "cwd".
-  Scope scope(const OS::Environment& environment);
+  /// The call's working directory; absent when none is given or it is blank.
+  std::optional<std::string> cwd();
+
+  /// The session that makes the call.
+  SessionMemory::Caller caller();
 
   /// What was wrong first; absent when nothing was.
   [[nodiscard]] const std::optional<std::string>& flaw() const { return flaw_; }
@@ -54,4 +57,4 @@ class Arguments {
   std::optional<std::string> flaw_;
 };
 
-}  // namespace quillstead
+}  // namespace quillstead::server

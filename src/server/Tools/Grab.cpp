@@ -1,22 +1,51 @@
 #include "server/Tools/Grab.h"
 
+#include "contract/Contract.h"
 #include "server/Index/Index.h"
+#include "server/Shown.h"
 #include "server/Store/Card.h"
 #include "server/Store/CardName.h"
 #include "server/Store/StoreFiles.h"
+#include "support/Text/Lines.h"
 
 #include <utility>
 #include <variant>
 
-namespace quillstead::Grab {
+namespace quillstead::server::Grab {
 
 namespace {
 
-ToolReply cardReply(std::string text, const CardPlace& place) {
-  ToolReply reply{.text = std::move(text), .meta = {}};
-  reply.meta.set("quillstead/replyKind", "card");
-  reply.meta.set("quillstead/store", nameOf(place.store));
-  reply.meta.set("quillstead/file", place.fileName);
+struct FoundCard {
+  CardPlace place;
+  std::string text;
+};
+
+/// What looking for a card in the stores brought.
+struct Found {
+  std::vector<FoundCard> cards;      ///< at most one of each store
+  std::optional<ToolReply> refusal;  ///< why a card that is there is not shown
+};
+
+/// The user's own card comes as it is, but for what could end the fence.
+std::string fenced(std::string_view text, Store::Kind store) {
+  std::string block(contract::MemoryFence::opening);
+  block += store == Store::Kind::personal ? Shown::escapeFences(text) : Shown::text(text);
+  return block.append(contract::MemoryFence::closing);
+}
+
+ToolReply cardReply(const std::vector<FoundCard>& cards) {
+  ToolReply reply;
+  for (const auto& [place, text] : cards) {
+    if (!reply.text.empty()) reply.text += "\n\n";
+    if (cards.size() > 1) {
+      reply.text.append("The ").append(nameOf(place.store)).append(" card ");
+      reply.text.append(Shown::line(place.fileName)).append(":\n");
+    }
+    reply.text += fenced(text, place.store);
+  }
+  reply.meta.set(contract::Meta::replyKind, contract::ReplyKind::card);
+  reply.meta.set(contract::Meta::store, nameOf(cards.front().place.store));
+  reply.meta.set(contract::Meta::file, cards.front().place.fileName);
   return reply;
 }
 
@@ -37,25 +66,9 @@ std::string_view explained(CardName::Flaw flaw) {
   return "it cannot be the name of a file";
 }
 
-std::string_view explained(StoreFiles::NoText reason) {
-  switch (reason) {
-    case StoreFiles::NoText::outsideStore:
-      return "it is a symbolic link out of the store";
-    case StoreFiles::NoText::notAFile:
-      return "it is not a file";
-    case StoreFiles::NoText::tooLarge:
-      return "it is larger than 1 MiB";
-    case StoreFiles::NoText::binary:
-      return "it is not text";
-    case StoreFiles::NoText::missing:
-    case StoreFiles::NoText::unreadable:
-      break;
-  }
-  return "it cannot be read";
-}
-
 ToolReply refused(std::string_view name, std::string_view reason) {
-  return refusal("The card \"" + onOneLine(name) + "\" was refused: " + std::string(reason) + '.');
+  return refusal("The card \"" + Shown::line(name) + "\" was refused: " + std::string(reason) +
+                 '.');
 }
 
 /// The stores to look into, the project's first.
@@ -67,61 +80,75 @@ std::vector<Store> storesFor(const Scope& scope, std::optional<Store::Kind> want
   return stores;
 }
 
-ToolReply notFound(std::string_view name, const std::vector<Store>& stores) {
-  std::string text = "There is no card \"" + onOneLine(name) + "\".";
+ToolReply notFound(std::string_view name, const std::vector<Store>& stores, bool leftOut) {
+  std::string text = "There is no card \"" + Shown::line(name) + "\".";
   for (const Store& store : stores) {
     if (!StoreFiles::cardsLeadOut(store)) continue;
     text += " Cards in " + store.root + "/memory were passed over: it is a symbolic link out of " +
             "the store.";
   }
-  return refusal(std::move(text));
+  if (leftOut) text.append(" ").append(projectLeftOutNote);
+  return refusal(text);
 }
 
-/// The answer for a file of that name; absent when no store has one.
-std::optional<ToolReply> byFileName(const std::vector<Store>& stores, const std::string& name) {
+/// Looks for a file of that name in the store. True when there is one, shown or not.
+bool look(const Store& store, const std::string& name, Found& found) {
+  auto read = StoreFiles::readCardOrLink(store, name);
+  if (auto* file = std::get_if<StoreFiles::FileText>(&read)) {
+    found.cards.push_back(
+        {.place = {.store = store.kind, .fileName = name}, .text = std::move(file->text)});
+    return true;
+  }
+  const auto reason = std::get<StoreFiles::NoText>(read);
+  if (reason == StoreFiles::NoText::missing) return false;
+  if (!found.refusal) found.refusal = refused(name, StoreFiles::explained(reason));
+  return true;
+}
+
+Found byFileName(const std::vector<Store>& stores, const std::string& name) {
+  Found found;
+  for (const Store& store : stores) look(store, name, found);
+  return found;
+}
+
+/// The first card of each store among `places`.
+Found byTitle(const std::vector<Store>& stores, const std::vector<CardPlace>& places) {
+  Found found;
   for (const Store& store : stores) {
-    auto read = StoreFiles::readCardOrLink(store, name);
-    if (auto* file = std::get_if<StoreFiles::FileText>(&read)) {
-      return cardReply(std::move(file->text), {.store = store.kind, .fileName = name});
+    for (const CardPlace& place : places) {
+      if (place.store == store.kind && look(store, place.fileName, found)) break;
     }
-    const auto reason = std::get<StoreFiles::NoText>(read);
-    if (reason != StoreFiles::NoText::missing) return refused(name, explained(reason));
   }
-  return std::nullopt;
+  return found;
 }
 
-std::optional<ToolReply> byTitle(const std::vector<Store>& stores,
-                                 const std::vector<CardPlace>& places) {
-  for (const CardPlace& place : places) {
-    for (const Store& store : stores) {
-      if (store.kind != place.store) continue;
-      if (auto reply = byFileName({store}, place.fileName)) return reply;
-    }
-  }
-  return std::nullopt;
+/// Absent when nothing was found.
+std::optional<ToolReply> replyOf(Found found) {
+  if (!found.cards.empty()) return cardReply(found.cards);
+  return std::move(found.refusal);
 }
 
 }  // namespace
 
-ToolOutcome run(Arguments& arguments, const OS::Environment& environment) {
-  const std::string name = arguments.neededText("name");
+ToolReply run(Arguments& arguments, const OS::Environment& environment) {
+  const std::string name = arguments.neededString("name");
   const std::optional<Store::Kind> wanted = arguments.store("store");
-  const Scope scope = arguments.scope(environment);
-  if (arguments.flaw()) return BadArguments{*arguments.flaw()};
+  const std::optional<std::string> cwd = arguments.cwd();
+  if (arguments.flaw()) return badArguments(*arguments.flaw());
+  const Scope scope = Scope::find(environment, cwd);
   const std::vector<Store> stores = storesFor(scope, wanted);
 
   // A title may look like a path, so titles come first.
-  Index index(scope, environment);
-  if (auto reply = byTitle(stores, index.withTitle(onOneLine(name)))) return std::move(*reply);
+  Index index = Index::opened(scope, environment, Index::untilCardsAreKnown);
+  const std::vector<CardPlace> places = index.withTitle(Text::onOneLine(name));
+  if (auto reply = replyOf(byTitle(stores, places))) return std::move(*reply);
 
   const CardName::Flaw flaw = CardName::flawOf(name);
   if (flaw != CardName::Flaw::none) return refused(name, explained(flaw));
   const bool complete = name.ends_with(StoreFiles::cardSuffix);
-  if (auto reply =
-          byFileName(stores, complete ? name : name + std::string(StoreFiles::cardSuffix))) {
-    return std::move(*reply);
-  }
-  return notFound(name, stores);
+  const std::string fileName = complete ? name : name + std::string(StoreFiles::cardSuffix);
+  if (auto reply = replyOf(byFileName(stores, fileName))) return std::move(*reply);
+  return notFound(name, stores, scope.projectLeftOut && wanted != Store::Kind::personal);
 }
 
-}  // namespace quillstead::Grab
+}  // namespace quillstead::server::Grab

@@ -7,7 +7,7 @@
 #include <string_view>
 
 /// The tool "grab": one whole card, by its title or file name.
-namespace quillstead::Grab {
+namespace quillstead::server::Grab {
 
 inline constexpr std::string_view description =
     "Reads one whole card from memory, by its title or its file name.";
@@ -16,13 +16,13 @@ inline constexpr std::string_view schema = R"json({
   "properties": {
     "name": {"type": "string", "description": "The card's title or file name"},
     "store": {"type": "string", "enum": ["project", "personal"],
-              "description": "By default both, the project's first"},
+              "description": "By default both"},
     "cwd": {"type": "string",
             "description": "Working directory; the nearest .quillstead above it is the project's"}
   },
   "required": ["name"]
 })json";
 
-ToolOutcome run(Arguments& arguments, const OS::Environment& environment);
+ToolReply run(Arguments& arguments, const OS::Environment& environment);
 
-}  // namespace quillstead::Grab
+}  // namespace quillstead::server::Grab

@@ -1,10 +1,16 @@
 #include "server/Tools/MemoryAdd.h"
 
+#include "contract/Contract.h"
+#include "server/OwnBlocks.h"
+#include "server/Shown.h"
 #include "server/Store/NewCard.h"
+#include "server/Store/Scope.h"
+#include "support/Text/Text.h"
 
+#include <string_view>
 #include <utility>
 
-namespace quillstead::MemoryAdd {
+namespace quillstead::server::MemoryAdd {
 
 namespace {
 
@@ -15,37 +21,47 @@ const Store* storeFor(const Scope& scope, std::optional<Store::Kind> wanted) {
   return store ? &*store : nullptr;
 }
 
+/// Why there is no such store.
+std::string_view whyNone(const Scope& scope, std::optional<Store::Kind> wanted) {
+  if (wanted != Store::Kind::project) {
+    return "There is no place for personal memory: no home directory is known, or everybody may "
+           "write the directory of memory.";
+  }
+  if (scope.projectLeftOut) return projectLeftOutNote;
+  return "There is no project here: no directory .quillstead in the working directory or above it.";
+}
+
 }  // namespace
 
-ToolOutcome run(Arguments& arguments, const OS::Environment& environment) {
-  NewCard card{.text = arguments.neededText("text"),
-               .title = arguments.trimmedText("title"),
-               .tags = arguments.texts("tags"),
-               .session = arguments.text("_quillstead_session"),
-               .subagent = arguments.text("_quillstead_subagent")};
+ToolReply run(Arguments& arguments, const OS::Environment& environment) {
+  NewCard card{.text = OwnBlocks::removed(arguments.neededString("text")),
+               .title = arguments.trimmedString("title"),
+               .tags = arguments.strings("tags"),
+               .session = arguments.string(contract::Argument::session),
+               .subagent = arguments.string(contract::Argument::subagent)};
   const std::optional<Store::Kind> wanted = arguments.store("store");
-  const Scope scope = arguments.scope(environment);
-  if (arguments.flaw()) return BadArguments{*arguments.flaw()};
-
-  const Store* const store = storeFor(scope, wanted);
-  if (!store) {
-    return refusal(wanted == Store::Kind::project
-                       ? "There is no project here: no directory .quillstead in the working "
-                         "directory or above it."
-                       : "There is no place for personal memory: no home directory is known.");
+  const std::optional<std::string> cwd = arguments.cwd();
+  if (arguments.flaw()) return badArguments(*arguments.flaw());
+  if (Text::isBlank(card.text)) {
+    return refusal("Not remembered: it holds nothing but what memory had given.");
   }
+
+  const Scope scope = Scope::find(environment, cwd);
+  const Store* const store = storeFor(scope, wanted);
+  if (!store) return refusal(std::string(whyNone(scope, wanted)));
   const auto outcome = NewCards::add(*store, card);
   if (const auto* failed = std::get_if<NotAdded>(&outcome)) {
     return refusal("Not remembered: " + failed->reason + '.');
   }
   const auto& added = std::get<AddedCard>(outcome);
-  ToolReply reply{.text = "Remembered \"" + added.title + "\" as " +
-                          std::string(nameOf(store->kind)) + " card " + added.fileName + '.',
+  ToolReply reply{.text = "Remembered \"" + Shown::line(added.title) + "\" as " +
+                          std::string(nameOf(store->kind)) + " card " +
+                          Shown::line(added.fileName) + '.',
                   .meta = {}};
-  reply.meta.set("quillstead/replyKind", "added");
-  reply.meta.set("quillstead/store", nameOf(store->kind));
-  reply.meta.set("quillstead/file", added.fileName);
+  reply.meta.set(contract::Meta::replyKind, contract::ReplyKind::added);
+  reply.meta.set(contract::Meta::store, nameOf(store->kind));
+  reply.meta.set(contract::Meta::file, added.fileName);
   return reply;
 }
 
-}  // namespace quillstead::MemoryAdd
+}  // namespace quillstead::server::MemoryAdd

@@ -7,7 +7,7 @@
 #include <string_view>
 
 /// The tool "memory_add": a new card.
-namespace quillstead::MemoryAdd {
+namespace quillstead::server::MemoryAdd {
 
 inline constexpr std::string_view description =
     "Remembers something for later sessions, as a new card: one decision, fact or way of "
@@ -26,6 +26,6 @@ inline constexpr std::string_view schema = R"json({
   "required": ["text"]
 })json";
 
-ToolOutcome run(Arguments& arguments, const OS::Environment& environment);
+ToolReply run(Arguments& arguments, const OS::Environment& environment);
 
-}  // namespace quillstead::MemoryAdd
+}  // namespace quillstead::server::MemoryAdd

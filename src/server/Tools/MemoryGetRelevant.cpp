@@ -1,34 +1,64 @@
 #include "server/Tools/MemoryGetRelevant.h"
 
+#include "contract/Contract.h"
 #include "server/Index/Index.h"
+#include "server/OwnBlocks.h"
 #include "server/Recall/Recall.h"
+#include "server/Recall/ShownCards.h"
+#include "server/Session/SessionMemory.h"
+#include "support/Text/Text.h"
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
-namespace quillstead::MemoryGetRelevant {
+namespace quillstead::server::MemoryGetRelevant {
 
-ToolOutcome run(Arguments& arguments, const OS::Environment& environment) {
-  const std::optional<std::string> prompt = arguments.anyText("prompt");
-  const Scope scope = arguments.scope(environment);
-  if (arguments.flaw()) return BadArguments{*arguments.flaw()};
-  if (!prompt) return BadArguments{"prompt must be a text"};
+namespace {
 
-  Index index(scope, environment);
-  Recall::Block block = Recall::block(scope, index.search(*prompt, Recall::mostCards));
+/// A harness makes such a prompt by itself, to say that something in the background has ended.
+bool isFromHarness(std::string_view prompt) {
+  return Text::trimmed(prompt).starts_with("<task-notification>");
+}
+
+Recall::Block cardsFor(std::string_view prompt, const Scope& scope,
+                       const SessionMemory::Caller& caller, const OS::Environment& environment) {
+  if (isFromHarness(prompt)) return {};
+  Index index = Index::opened(scope, environment, Index::untilCardsAreKnown);
+  const std::string said = OwnBlocks::removed(prompt);
+  std::vector<CardPlace> candidates = index.search(said, Recall::mostCandidates);
+  auto session = SessionMemory::of(caller, environment);
+  if (session) ShownCards::remove(candidates, *session, scope);
+  Recall::Block block = Recall::block(scope, Recall::choose(std::move(candidates)), said);
+  if (session) ShownCards::note(block, *session, scope);
+  return block;
+}
+
+}  // namespace
+
+ToolReply run(Arguments& arguments, const OS::Environment& environment) {
+  const std::optional<std::string> prompt = arguments.anyString(contract::Argument::prompt);
+  const std::optional<std::string> cwd = arguments.cwd();
+  const SessionMemory::Caller caller = arguments.caller();
+  if (arguments.flaw()) return badArguments(*arguments.flaw());
+  if (!prompt) return badArguments("prompt must be a string");
+
+  Recall::Block block = cardsFor(*prompt, Scope::find(environment, cwd), caller, environment);
   ToolReply reply;
   if (block.spans.empty()) {
     reply.text = "No card in memory matches.";
-    reply.meta.set("quillstead/replyKind", "empty");
+    reply.meta.set(contract::Meta::replyKind, contract::ReplyKind::empty);
     return reply;
   }
   JSON::Array spans;
   for (const std::size_t span : block.spans) spans.emplace_back(static_cast<std::int64_t>(span));
   reply.text = std::move(block.text);
-  reply.meta.set("quillstead/replyKind", "cards");
-  reply.meta.set("quillstead/cardCount", static_cast<std::int64_t>(spans.size()));
-  reply.meta.set("quillstead/cardSpans", std::move(spans));
+  reply.meta.set(contract::Meta::replyKind, contract::ReplyKind::cards);
+  reply.meta.set(contract::Meta::cardCount, static_cast<std::int64_t>(spans.size()));
+  reply.meta.set(contract::Meta::cardSpans, std::move(spans));
   return reply;
 }
 
-}  // namespace quillstead::MemoryGetRelevant
+}  // namespace quillstead::server::MemoryGetRelevant

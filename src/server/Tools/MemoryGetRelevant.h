@@ -7,7 +7,7 @@
 #include <string_view>
 
 /// The tool "memory_get_relevant": the cards that matter for a prompt.
-namespace quillstead::MemoryGetRelevant {
+namespace quillstead::server::MemoryGetRelevant {
 
 inline constexpr std::string_view description =
     "The cards from memory that matter for a prompt, best first.";
@@ -23,6 +23,6 @@ inline constexpr std::string_view schema = R"json({
   "required": ["prompt"]
 })json";
 
-ToolOutcome run(Arguments& arguments, const OS::Environment& environment);
+ToolReply run(Arguments& arguments, const OS::Environment& environment);
 
-}  // namespace quillstead::MemoryGetRelevant
+}  // namespace quillstead::server::MemoryGetRelevant

@@ -7,7 +7,7 @@
 #include <string_view>
 
 /// The tool "rules_get": the rules that always hold, and what memory has.
-namespace quillstead::RulesGet {
+namespace quillstead::server::RulesGet {
 
 inline constexpr std::string_view description =
     "The rules that always hold for this user and project, and the titles of the cards in "
@@ -27,6 +27,6 @@ inline constexpr std::string_view schema = R"json({
   }
 })json";
 
-ToolOutcome run(Arguments& arguments, const OS::Environment& environment);
+ToolReply run(Arguments& arguments, const OS::Environment& environment);
 
-}  // namespace quillstead::RulesGet
+}  // namespace quillstead::server::RulesGet

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "server/Shown.h"
 #include "support/JSON/Value.h"
 
 #include <string>
-#include <variant>
+#include <string_view>
 
-namespace quillstead {
+namespace quillstead::server {
 
 /// What a tool answers.
 struct ToolReply {
@@ -14,18 +15,15 @@ struct ToolReply {
   bool isError = false;  ///< the tool ran and could not do it; `text` says why
 };
 
-/// The arguments do not fit the tool's schema.
-struct BadArguments {
-  std::string reason;
-};
-
-using ToolOutcome = std::variant<ToolReply, BadArguments>;
-
-inline ToolReply refusal(std::string text) {
-  return {.text = std::move(text), .meta = {}, .isError = true};
+/// `text` may quote anything.
+inline ToolReply refusal(std::string_view text) {
+  return {.text = Shown::text(text), .meta = {}, .isError = true};
 }
 
-/// The reply as the result of "tools/call".
-JSON::Object asResult(ToolReply reply);
+/// The arguments do not fit the tool's schema. The protocol has the tool say so, and not the
+/// server, so that the agent reads the reason and can call again.
+inline ToolReply badArguments(const std::string& reason) {
+  return refusal("Wrong arguments: " + reason + '.');
+}
 
-}  // namespace quillstead
+}  // namespace quillstead::server

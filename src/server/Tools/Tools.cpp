@@ -1,5 +1,6 @@
 #include "server/Tools/Tools.h"
 
+#include "contract/Contract.h"
 #include "server/Tools/Arguments.h"
 #include "server/Tools/Grab.h"
 #include "server/Tools/MemoryAdd.h"
@@ -8,9 +9,11 @@
 #include "support/JSON/Reader.h"
 
 #include <array>
+#include <optional>
 #include <string>
+#include <utility>
 
-namespace quillstead::Tools {
+namespace quillstead::server::Tools {
 
 namespace {
 
@@ -19,15 +22,15 @@ struct Tool {
   std::string_view description;
   std::string_view schema;  ///< of its arguments, as JSON
   bool changesMemory;
-  ToolOutcome (*run)(Arguments& arguments, const OS::Environment& environment);
+  ToolReply (*run)(Arguments& arguments, const OS::Environment& environment);
 };
 
 constexpr std::array<Tool, 4> tools{{
-    {"rules_get", RulesGet::description, RulesGet::schema, false, RulesGet::run},
-    {"memory_get_relevant", MemoryGetRelevant::description, MemoryGetRelevant::schema, false,
-     MemoryGetRelevant::run},
-    {"memory_add", MemoryAdd::description, MemoryAdd::schema, true, MemoryAdd::run},
-    {"grab", Grab::description, Grab::schema, false, Grab::run},
+    {contract::Tool::rulesGet, RulesGet::description, RulesGet::schema, false, RulesGet::run},
+    {contract::Tool::memoryGetRelevant, MemoryGetRelevant::description, MemoryGetRelevant::schema,
+     false, MemoryGetRelevant::run},
+    {contract::Tool::memoryAdd, MemoryAdd::description, MemoryAdd::schema, true, MemoryAdd::run},
+    {contract::Tool::grab, Grab::description, Grab::schema, false, Grab::run},
 }};
 
 JSON::Value described(const Tool& tool) {
@@ -50,14 +53,23 @@ JSON::Array list() {
   return all;
 }
 
-ToolOutcome call(std::string_view name, JSON::ObjectView arguments,
-                 const OS::Environment& environment) {
+std::optional<ToolReply> call(std::string_view name, JSON::ObjectView arguments,
+                              const OS::Environment& environment) {
   for (const Tool& tool : tools) {
     if (tool.name != name) continue;
     Arguments given(arguments);
     return tool.run(given, environment);
   }
-  return BadArguments{"there is no tool \"" + std::string(name) + '"'};
+  return std::nullopt;
 }
 
-}  // namespace quillstead::Tools
+JSON::Object asResult(ToolReply reply) {
+  JSON::Array content;
+  content.emplace_back(JSON::objectOf({{"type", "text"}, {"text", std::move(reply.text)}}));
+  JSON::Object result = JSON::objectOf({{"content", std::move(content)}});
+  if (reply.isError) result.set("isError", true);
+  if (!reply.meta.empty()) result.set("_meta", std::move(reply.meta));
+  return result;
+}
+
+}  // namespace quillstead::server::Tools

@@ -4,15 +4,20 @@
 #include "support/JSON/Value.h"
 #include "support/OS/Environment.h"
 
+#include <optional>
 #include <string_view>
 
 /// The tools that the server offers.
-namespace quillstead::Tools {
+namespace quillstead::server::Tools {
 
 /// Their names, descriptions and schemas, as "tools/list" gives them.
 JSON::Array list();
 
-ToolOutcome call(std::string_view name, JSON::ObjectView arguments,
-                 const OS::Environment& environment);
+/// What the tool answers; absent when there is no tool of that name.
+std::optional<ToolReply> call(std::string_view name, JSON::ObjectView arguments,
+                              const OS::Environment& environment);
 
-}  // namespace quillstead::Tools
+/// The reply as the result of "tools/call".
+JSON::Object asResult(ToolReply reply);
+
+}  // namespace quillstead::server::Tools

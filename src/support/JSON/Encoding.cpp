@@ -1,5 +1,6 @@
 #include "support/JSON/Encoding.h"
 
+#include "support/JSON/Surrogates.h"
 #include "support/Text/Text.h"
 
 #include <cstdint>
@@ -44,9 +45,6 @@ class Units {
   std::size_t offset_ = 0;
 };
 
-bool isHighSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool isLowSurrogate(std::uint32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-
 }  // namespace
 
 DetectedEncoding detectEncoding(std::string_view bytes) {
@@ -72,10 +70,10 @@ std::optional<std::string> toUTF8(std::string_view bytes, Encoding encoding) {
   utf8.reserve(bytes.size());
   while (!units.atEnd()) {
     std::uint32_t character = units.next();
-    if (!isWide(encoding) && isHighSurrogate(character)) {
+    if (!isWide(encoding) && Surrogates::isHigh(character)) {
       const std::uint32_t low = units.atEnd() ? 0 : units.next();
-      if (!isLowSurrogate(low)) return std::nullopt;
-      character = 0x10000 + ((character - 0xD800) << 10U) + (low - 0xDC00);
+      if (!Surrogates::isLow(low)) return std::nullopt;
+      character = Surrogates::joined(character, low);
     }
     if (!Text::appendCharacter(utf8, character)) return std::nullopt;
   }

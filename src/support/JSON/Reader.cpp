@@ -2,6 +2,7 @@
 
 #include "support/JSON/Encoding.h"
 #include "support/JSON/RepeatedKeys.h"
+#include "support/JSON/Surrogates.h"
 #include "support/OS/LargeMemory.h"
 #include "support/Text/Blocks.h"
 #include "support/Text/Text.h"
@@ -26,8 +27,8 @@ bool isWhiteSpace(char byte) {
   return byte <= ' ' && (byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t');
 }
 
-/// Room for the texts of a document, and for its values and members when they are as many as usual:
-/// more come in blocks of their own.
+/// Room for the strings of a document, and for its values and members when they are as many as
+/// usual: more come in blocks of their own.
 std::size_t usualMemory(std::size_t documentSize) {
   constexpr std::size_t most = 4U << 20U;
   constexpr std::size_t least = 512;
@@ -43,8 +44,8 @@ class Parser {
       : next_(document.data()),
         end_(next_ + document.size()),
         memory_(usualMemory(document.size())),
-        // No text is longer than what it is written as.
-        texts_(static_cast<char*>(memory_.take(document.size() + sizeof(Text::Blocks::Block)))),
+        // No string is longer than what it is written as.
+        strings_(static_cast<char*>(memory_.take(document.size() + sizeof(Text::Blocks::Block)))),
         valuesLeft_(mostValues) {
     members_.reserve(usualMembers);
     elements_.reserve(std::min(document.size() / bytesPerElement, mostReserved));
@@ -56,7 +57,7 @@ class Parser {
     if (!startsWith('{') && !startsWith('[')) return std::nullopt;
     const View root = any();
     skipWhiteSpace();
-    if (!root.isThere() || next_ != end_) return std::nullopt;
+    if (!root.exists() || next_ != end_) return std::nullopt;
     return Document(std::move(memory_), root);
   }
 
@@ -69,7 +70,7 @@ class Parser {
       case '[':
         return array();
       case '"':
-        return text();
+        return string();
       case 't':
         return skip("true") ? View(true) : View();
       case 'f':
@@ -103,12 +104,12 @@ class Parser {
   bool member() {
     skipWhiteSpace();
     if (valuesLeft_-- == 0) return false;
-    const std::optional<std::string_view> key = text().text();
+    const std::optional<std::string_view> key = string().string();
     skipWhiteSpace();
     if (!key || !skip(':')) return false;
     const View value = element();
     members_.push_back({*key, value});
-    return value.isThere();
+    return value.exists();
   }
 
   View array() {
@@ -119,7 +120,7 @@ class Parser {
     if (!skip(']')) {
       do {
         const View value = element();
-        if (!value.isThere()) return {};
+        if (!value.exists()) return {};
         elements_.push_back(value);
       } while (skip(','));
       if (!skip(']')) return {};
@@ -138,21 +139,21 @@ class Parser {
     return value;
   }
 
-  View text() {
+  View string() {
     if (!skip('"')) return {};
-    const char* const first = texts_;
+    const char* const first = strings_;
     plainCharacters();
     if (!skip('"') && !specialCharacters()) return {};
-    return View(std::string_view(first, texts_));
+    return View(std::string_view(first, strings_));
   }
 
   void plainCharacters() {
-    const std::size_t count = Text::Blocks::copyBefore(rest(), texts_, areSpecial);
+    const std::size_t count = Text::Blocks::copyBefore(rest(), strings_, areSpecial);
     next_ += count;
-    texts_ += count;
+    strings_ += count;
   }
 
-  /// The rest of a text from a character on that is not plain, with the quote behind it.
+  /// The rest of a string from a character on that is not plain, with the quote behind it.
   bool specialCharacters() {
     do {
       if (!(startsWith('\\') ? escape() : characterBeyondASCII())) return false;
@@ -170,7 +171,9 @@ class Parser {
     return true;
   }
 
-  void append(std::string_view bytes) { texts_ = std::copy(bytes.begin(), bytes.end(), texts_); }
+  void append(std::string_view bytes) {
+    strings_ = std::copy(bytes.begin(), bytes.end(), strings_);
+  }
 
   bool escape() {
     if (end_ - next_ < 2) return false;
@@ -178,7 +181,7 @@ class Parser {
     if (letter == 'u') return escapedCharacter();
     const char meaning = meaningOf(letter);
     if (meaning == 0) return false;
-    *texts_++ = meaning;
+    *strings_++ = meaning;
     next_ += 2;
     return true;
   }
@@ -209,10 +212,10 @@ class Parser {
   bool escapedCharacter() {
     std::uint32_t character = 0;
     if (!escapedUnit(character)) return false;
-    if (character >= 0xD800 && character <= 0xDBFF) {
+    if (Surrogates::isHigh(character)) {
       std::uint32_t low = 0;
-      if (!escapedUnit(low) || low < 0xDC00 || low > 0xDFFF) return false;
-      character = 0x10000 + ((character - 0xD800) << 10U) + (low - 0xDC00);
+      if (!escapedUnit(low) || !Surrogates::isLow(low)) return false;
+      character = Surrogates::joined(character, low);
     }
     std::string bytes;
     if (!Text::appendCharacter(bytes, character)) return false;
@@ -234,9 +237,9 @@ class Parser {
     if (!skip('0') && !digits()) return {};
     if (skip('.') && !digits()) return {};
     if ((skip('e') || skip('E')) && !exponent()) return {};
-    const char* const written = texts_;
+    const char* const written = strings_;
     append({first, next_});
-    return View(Number({written, texts_}));
+    return View(Number({written, strings_}));
   }
 
   bool exponent() {
@@ -276,7 +279,7 @@ class Parser {
   const char* next_;
   const char* end_;
   Arena memory_;
-  char* texts_;  ///< where the next text goes
+  char* strings_;  ///< where the next string goes
   std::size_t depth_ = 0;
   std::size_t valuesLeft_;  ///< how many more values the document may hold, keys counted too
   std::vector<MemberView> members_;  ///< of the objects that are open

@@ -13,7 +13,7 @@ Value Value::number(std::string text) {
 Value Value::copyOf(View part) {
   if (const auto boolean = part.boolean()) return *boolean;
   if (const auto read = part.number()) return number(std::string(read->text()));
-  if (const auto text = part.text()) return *text;
+  if (const auto string = part.string()) return *string;
   if (const auto array = part.array()) {
     Array elements;
     for (const View element : *array) elements.push_back(copyOf(element));

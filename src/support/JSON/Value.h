@@ -43,14 +43,14 @@ class Object {
   std::vector<Member> members_;
 };
 
-/// One text in two parts that lie elsewhere.
-struct JoinedText {
+/// A string that lies elsewhere, and what is put behind it.
+struct JoinedString {
   std::string_view first;
-  std::string_view second;
+  std::string second;
 };
 
 /// A value that is made to be written. It owns what it is made of, but for parts of documents that
-/// were read and joined texts, which must outlive it.
+/// were read and of joined strings, which must outlive it.
 class Value {
  public:
   // Defined behind `Member`, whose size the members' list has to know.
@@ -59,10 +59,10 @@ class Value {
   Value(bool boolean);
   Value(std::int64_t integer);
   Value(int integer);
-  Value(std::string text);
-  Value(std::string_view text);
-  Value(const char* text);
-  Value(JoinedText text);
+  Value(std::string string);
+  Value(std::string_view string);
+  Value(const char* string);
+  Value(JoinedString string);
   Value(Array array);
   Value(Object object);
   Value(View part);
@@ -78,8 +78,10 @@ class Value {
   /// Each gives the content when the value was made of that, else null.
   [[nodiscard]] const bool* boolean() const { return std::get_if<bool>(&data_); }
   [[nodiscard]] std::optional<Number> number() const;
-  [[nodiscard]] const std::string* text() const { return std::get_if<std::string>(&data_); }
-  [[nodiscard]] const JoinedText* joinedText() const { return std::get_if<JoinedText>(&data_); }
+  [[nodiscard]] const std::string* string() const { return std::get_if<std::string>(&data_); }
+  [[nodiscard]] const JoinedString* joinedString() const {
+    return std::get_if<JoinedString>(&data_);
+  }
   [[nodiscard]] const Array* array() const { return std::get_if<Array>(&data_); }
   [[nodiscard]] const Object* object() const { return std::get_if<Object>(&data_); }
   [[nodiscard]] const View* part() const { return std::get_if<View>(&data_); }
@@ -89,7 +91,7 @@ class Value {
     std::string text;
   };
 
-  std::variant<std::monostate, bool, NumberText, std::string, JoinedText, Array, Object, View>
+  std::variant<std::monostate, bool, NumberText, std::string, JoinedString, Array, Object, View>
       data_;
 };
 
@@ -103,10 +105,10 @@ inline Value::Value(std::nullptr_t) {}
 inline Value::Value(bool boolean) : data_(boolean) {}
 inline Value::Value(std::int64_t integer) : data_(NumberText{std::to_string(integer)}) {}
 inline Value::Value(int integer) : Value(std::int64_t{integer}) {}
-inline Value::Value(std::string text) : data_(std::move(text)) {}
-inline Value::Value(std::string_view text) : data_(std::string(text)) {}
-inline Value::Value(const char* text) : data_(std::string(text)) {}
-inline Value::Value(JoinedText text) : data_(text) {}
+inline Value::Value(std::string string) : data_(std::move(string)) {}
+inline Value::Value(std::string_view string) : data_(std::string(string)) {}
+inline Value::Value(const char* string) : data_(std::string(string)) {}
+inline Value::Value(JoinedString string) : data_(std::move(string)) {}
 inline Value::Value(Array array) : data_(std::move(array)) {}
 inline Value::Value(Object object) : data_(std::move(object)) {}
 inline Value::Value(View part) : data_(part) {}

@@ -14,7 +14,7 @@ std::optional<std::int64_t> Number::integer() const {
   return value;
 }
 
-double Number::approximation() const { return std::strtod(std::string(text_).c_str(), nullptr); }
+double Number::toDouble() const { return std::strtod(std::string(text_).c_str(), nullptr); }
 
 View ObjectView::find(std::string_view key) const {
   for (const MemberView& member : members_) {

@@ -26,7 +26,7 @@ class Number {
   [[nodiscard]] std::optional<std::int64_t> integer() const;
 
   /// The nearest double; infinite when the number is beyond a double's range.
-  [[nodiscard]] double approximation() const;
+  [[nodiscard]] double toDouble() const;
 
  private:
   std::string_view text_;
@@ -35,7 +35,7 @@ class Number {
 using ArrayView = std::span<const View>;
 
 /// A value in a document that was read, or the absence of one. It costs nothing to copy, and is
-/// valid as long as the document is there. Texts are valid UTF-8.
+/// valid as long as the document is there. Strings are valid UTF-8.
 class View {
  public:
   View() = default;  ///< absent
@@ -43,17 +43,17 @@ class View {
   explicit View(bool boolean) : View(Kind::boolean, nullptr, boolean ? 1 : 0) {}
   explicit View(Number number) : View(Kind::number, number.text().data(), number.text().size()) {}
   explicit View(const char*) = delete;  // would be taken for a boolean
-  explicit View(std::string_view text) : View(Kind::text, text.data(), text.size()) {}
+  explicit View(std::string_view string) : View(Kind::string, string.data(), string.size()) {}
   explicit View(ArrayView array);
   explicit View(ObjectView object);
 
-  [[nodiscard]] bool isThere() const { return kind() != Kind::absent; }
+  [[nodiscard]] bool exists() const { return kind() != Kind::absent; }
   [[nodiscard]] bool isNull() const { return kind() == Kind::null; }
 
   /// Each gives the content when the value is there and of that kind.
   [[nodiscard]] std::optional<bool> boolean() const;
   [[nodiscard]] std::optional<Number> number() const;
-  [[nodiscard]] std::optional<std::string_view> text() const;
+  [[nodiscard]] std::optional<std::string_view> string() const;
   [[nodiscard]] std::optional<ArrayView> array() const;
   [[nodiscard]] std::optional<ObjectView> object() const;
 
@@ -61,7 +61,7 @@ class View {
   [[nodiscard]] ArrayView elements() const { return array().value_or(ArrayView()); }
 
  private:
-  enum class Kind : std::uint8_t { absent, null, boolean, number, text, array, object };
+  enum class Kind : std::uint8_t { absent, null, boolean, number, string, array, object };
 
   View(Kind kind, const void* start, std::size_t size)
       : start_(start), sizeAndKind_(size << kindBits | static_cast<std::uint64_t>(kind)) {}
@@ -111,8 +111,8 @@ inline std::optional<Number> View::number() const {
   return Number(characters());
 }
 
-inline std::optional<std::string_view> View::text() const {
-  if (kind() != Kind::text) return std::nullopt;
+inline std::optional<std::string_view> View::string() const {
+  if (kind() != Kind::string) return std::nullopt;
   return characters();
 }
 

@@ -25,7 +25,7 @@ class Writer {
 
   void write(const Value& value) {
     if (const View* part = value.part()) return writeContent(*part);
-    if (const JoinedText* text = value.joinedText()) return writeJoinedText(*text);
+    if (const JoinedString* joined = value.joinedString()) return writeJoinedString(*joined);
     writeContent(value);
   }
 
@@ -35,7 +35,7 @@ class Writer {
   /// Of a `Value` or a `View`, which are asked for it in the same way.
   template <typename AnyValue>
   void writeContent(const AnyValue& value) {
-    if (const auto text = value.text()) return writeText(*text);
+    if (const auto string = value.string()) return writeString(*string);
     if (const auto object = value.object()) return writeObject(*object);
     if (const auto array = value.array()) return writeArray(*array);
     if (const auto number = value.number()) return void(out_ += number->text());
@@ -48,7 +48,7 @@ class Writer {
     char separator = '{';
     for (const auto& member : object.members()) {
       out_ += separator;
-      writeText(member.key);
+      writeString(member.key);
       out_ += ':';
       write(member.value);
       separator = ',';
@@ -67,16 +67,16 @@ class Writer {
     out_ += array.empty() ? "[]" : "]";
   }
 
-  void writeText(std::string_view text) {
+  void writeString(std::string_view string) {
     out_ += '"';
-    writeCharacters(text);
+    writeCharacters(string);
     out_ += '"';
   }
 
-  void writeJoinedText(const JoinedText& text) {
+  void writeJoinedString(const JoinedString& string) {
     out_ += '"';
-    writeCharacters(text.first);
-    writeCharacters(text.second);
+    writeCharacters(string.first);
+    writeCharacters(string.second);
     out_ += '"';
   }
 

@@ -6,7 +6,7 @@
 
 namespace quillstead::JSON {
 
-/// How "/" stands in written texts: as it is, or as "\/".
+/// How "/" stands in written strings: as it is, or as "\/".
 enum class Slashes { plain, escaped };
 
 /// `value` as one compact JSON document in UTF-8: no white space, members in their order, numbers

@@ -26,42 +26,60 @@ std::string temporaryName() {
 }
 
 /// Writes a file that nobody knows of yet; false with errno when that failed.
-bool writeNew(const Descriptor& directory, const std::string& name, std::string_view bytes) {
-  constexpr mode_t mode = 0644;
+bool writeNew(const Descriptor& directory, const std::string& name, std::string_view bytes,
+              mode_t mode) {
   constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
   const Descriptor file(openat(directory.number(), name.c_str(), flags, mode));
   return file.isOpen() && writeAll(file.number(), bytes) && fsync(file.number()) == 0;
 }
 
+/// Writes a file under a name that nobody knows of, then lets `rename` give it its own. Gives 0 or
+/// the error number.
+template <typename Rename>
+int written(const Descriptor& directory, std::string_view bytes, mode_t mode, Rename rename) {
+  const std::string temporary = temporaryName();
+  const int error = writeNew(directory, temporary, bytes, mode) ? rename(temporary.c_str()) : errno;
+  if (error == 0) {
+    fsync(directory.number());  // the file stands either way; this only makes its name durable
+  } else {
+    unlinkat(directory.number(), temporary.c_str(), 0);
+  }
+  return error;
+}
+
 }  // namespace
 
-Outcome create(const Descriptor& directory, const std::string& name, std::string_view bytes) {
+Outcome create(const Descriptor& directory, const std::string& name, std::string_view bytes,
+               mode_t mode) {
   if (faccessat(directory.number(), name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
     return Outcome::exists;  // spares the writing; the renaming below decides
   }
-  const std::string temporary = temporaryName();
-  int error = 0;
-  if (!writeNew(directory, temporary, bytes)) {
-    error = errno;
-  } else {
-    error = renameExclusively(directory, temporary.c_str(), name.c_str());
-  }
-  if (error == 0) {
-    fsync(directory.number());  // the file stands either way; this only makes its name durable
-    return Outcome::created;
-  }
-  unlinkat(directory.number(), temporary.c_str(), 0);
+  const int error = written(directory, bytes, mode, [&](const char* temporary) {
+    return renameExclusively(directory, temporary, name.c_str());
+  });
+  if (error == 0) return Outcome::created;
   errno = error;
   return error == EEXIST ? Outcome::exists : Outcome::failed;
+}
+
+bool replace(const Descriptor& directory, const std::string& name, std::string_view bytes,
+             mode_t mode) {
+  const int place = directory.number();
+  const int error = written(directory, bytes, mode, [&](const char* temporary) {
+    return renameat(place, temporary, place, name.c_str()) == 0 ? 0 : errno;
+  });
+  errno = error;
+  return error == 0;
 }
 
 void removeLeftovers(const Descriptor& directory) {
   using namespace std::chrono;
   const auto hourAgo = system_clock::now() - hours(1);
   std::vector<std::string> leftovers;
-  forEachFile(directory, temporarySuffix, [&](std::string_view name, FileStamp stamp) {
-    if (name.starts_with(temporaryPrefix) &&
-        nanoseconds(stamp.modified) < hourAgo.time_since_epoch()) {
+  forEachName(directory, temporarySuffix, [&](const char* name) {
+    if (!std::string_view(name).starts_with(temporaryPrefix)) return;
+    const auto stamp = stampOf(directory, name);
+    if (stamp && nanoseconds(stamp->modified) < hourAgo.time_since_epoch()) {
       leftovers.emplace_back(name);
     }
   });

@@ -76,6 +76,24 @@ bool writeAll(int descriptor, std::string_view bytes) {
   return true;
 }
 
+void writeNow(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const Transfer written = write(descriptor, bytes);
+    if (written.result != Transfer::Result::moved) return;
+    bytes.remove_prefix(written.count);
+  }
+}
+
+void writeIfRoom(int descriptor, std::string_view bytes) {
+  pollfd room{.fd = descriptor, .events = POLLOUT, .revents = 0};
+  while (!bytes.empty() && poll(&room, 1, 0) > 0) {
+    // A pipe that has room has room for this much.
+    const Transfer written = write(descriptor, bytes.substr(0, PIPE_BUF));
+    if (written.result != Transfer::Result::moved) return;
+    bytes.remove_prefix(written.count);
+  }
+}
+
 bool writeLine(int descriptor, std::string_view text) {
   if (text.size() >= mostAtOnce) return writeAll(descriptor, text) && writeAll(descriptor, "\n");
   while (!text.empty()) {

@@ -53,7 +53,15 @@ Transfer write(int descriptor, std::string_view bytes);
 /// non-blocking descriptor has no room. False when the end could not be written.
 bool writeAll(int descriptor, std::string_view bytes);
 
-/// Writes `text` and a line feed, likewise, without copying the text.
+/// Writes what a non-blocking descriptor takes of `bytes` now, and leaves the rest.
+void writeNow(int descriptor, std::string_view bytes);
+
+/// Writes `bytes`, which should be few, as far as the descriptor takes them without waiting, be it
+/// a blocking one: others that write to the same pipe at the same moment are reckoned not to fill
+/// it.
+void writeIfRoom(int descriptor, std::string_view bytes);
+
+/// Writes `text` and a line feed as `writeAll` does, without copying the text.
 bool writeLine(int descriptor, std::string_view text);
 
 /// The two ends of a pipe, closed on exec and never numbered 0 to 2, which belong to the standard

@@ -40,24 +40,29 @@ Descriptor openDirectory(const std::string& path, Links links) {
   return Descriptor(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | follow));
 }
 
-bool forEachFile(const Descriptor& directory, std::string_view suffix,
-                 const std::function<void(std::string_view name, FileStamp stamp)>& visit) {
+bool forEachName(const Descriptor& directory, std::string_view suffix,
+                 const std::function<void(const char* name)>& visit) {
   const Listing listing = openListing(directory);
   if (!listing) return false;
-  const int number = dirfd(listing.get());
-
   errno = 0;
   while (const dirent* entry = readdir(listing.get())) {
-    const std::string_view name = entry->d_name;
-    struct stat status {};
-    if (mayBeFile(*entry) && name.ends_with(suffix) &&
-        fstatat(number, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-        S_ISREG(status.st_mode)) {
-      visit(name, fileStamp(status));
-    }
+    const char* const name = entry->d_name;
+    if (mayBeFile(*entry) && std::string_view(name).ends_with(suffix)) visit(name);
     errno = 0;
   }
   return errno == 0;
+}
+
+std::optional<FileState> stateOf(const Descriptor& directory, const char* name) {
+  struct stat status {};
+  if (fstatat(directory.number(), name, &status, AT_SYMLINK_NOFOLLOW) != 0) return std::nullopt;
+  if (!S_ISREG(status.st_mode)) return std::nullopt;
+  return FileState{.stamp = fileStamp(status), .ownership = ownershipOf(status)};
+}
+
+std::optional<FileStamp> stampOf(const Descriptor& directory, const char* name) {
+  const auto state = stateOf(directory, name);
+  return state ? std::optional(state->stamp) : std::nullopt;
 }
 
 bool makeDirectories(const std::string& path, mode_t mode) {

@@ -1,5 +1,7 @@
 #include "support/OS/FileContent.h"
 
+#include "support/OS/Beneath.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -18,6 +20,7 @@ NoContent reasonNotOpened(int error) {
     case EINVAL:
       return NoContent::missing;
     case ELOOP:
+    case EXDEV:
       return NoContent::symbolicLink;
     case ENXIO:
     case EOPNOTSUPP:  // a socket, on macOS
@@ -45,12 +48,10 @@ bool readUpTo(int descriptor, std::size_t limit, std::size_t expected, std::stri
   return true;
 }
 
-}  // namespace
+constexpr int flagsToRead = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
-std::variant<FileContent, NoContent> readFile(const Descriptor& directory, const std::string& name,
-                                              std::size_t limit) {
-  constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-  const Descriptor file(openat(directory.number(), name.c_str(), flags));
+/// `file`: just opened, or not, with errno.
+std::variant<FileContent, NoContent> contentOf(const Descriptor& file, std::size_t limit) {
   if (!file.isOpen()) return reasonNotOpened(errno);
 
   struct stat status {};
@@ -63,7 +64,20 @@ std::variant<FileContent, NoContent> readFile(const Descriptor& directory, const
   std::string bytes;
   if (!readUpTo(file.number(), limit, size, bytes)) return NoContent::unreadable;
   if (bytes.size() > limit) return NoContent::tooLarge;  // it grew meanwhile
-  return FileContent{.bytes = std::move(bytes), .stamp = stamp};
+  return FileContent{.bytes = std::move(bytes), .stamp = stamp, .ownership = ownershipOf(status)};
+}
+
+}  // namespace
+
+std::variant<FileContent, NoContent> readFile(const Descriptor& directory, const std::string& name,
+                                              std::size_t limit) {
+  constexpr int flags = flagsToRead | O_NOFOLLOW;
+  return contentOf(Descriptor(openat(directory.number(), name.c_str(), flags)), limit);
+}
+
+std::variant<FileContent, NoContent> readFileBeneath(const Descriptor& directory,
+                                                     const std::string& path, std::size_t limit) {
+  return contentOf(openBeneath(directory, path, flagsToRead), limit);
 }
 
 }  // namespace quillstead::OS

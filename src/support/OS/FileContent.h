@@ -2,6 +2,7 @@
 
 #include "support/OS/Descriptor.h"
 #include "support/OS/FileStamp.h"
+#include "support/OS/Ownership.h"
 
 #include <cstddef>
 #include <string>
@@ -9,15 +10,16 @@
 
 namespace quillstead::OS {
 
-/// A file's bytes, and its stamp at the time they were read.
+/// A file's bytes, and what it was when they were read.
 struct FileContent {
   std::string bytes;
   FileStamp stamp;
+  Ownership ownership;
 };
 
 enum class NoContent {
   missing,
-  symbolicLink,  ///< the name is one; it was not followed
+  symbolicLink,  ///< one was not followed: any, or one that leads out of the directory
   notAFile,      ///< a directory, a pipe, a device
   tooLarge,
   unreadable,  ///< no permission, or an error while reading
@@ -27,5 +29,9 @@ enum class NoContent {
 /// Never follows a symbolic link in the last place and never waits.
 std::variant<FileContent, NoContent> readFile(const Descriptor& directory, const std::string& name,
                                               std::size_t limit);
+
+/// The same for a file below `directory`, also behind symbolic links that stay there.
+std::variant<FileContent, NoContent> readFileBeneath(const Descriptor& directory,
+                                                     const std::string& path, std::size_t limit);
 
 }  // namespace quillstead::OS

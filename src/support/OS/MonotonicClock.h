@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <ctime>
 
 namespace quillstead::OS {
 
@@ -14,6 +15,9 @@ struct MonotonicClock {
   static constexpr bool is_steady = true;
 
   static time_point now() noexcept;
+
+ private:
+  static clockid_t identifier() noexcept;  ///< what the system calls it
 };
 
 }  // namespace quillstead::OS

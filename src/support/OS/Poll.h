@@ -16,4 +16,7 @@ namespace quillstead::OS {
 /// it asks for after a millisecond: descriptors that do not block are then looked at in turn.
 void waitForEvents(std::span<pollfd> descriptors, std::optional<std::chrono::nanoseconds> atMost);
 
+/// The one call for it that the system has, with `poll`'s result and errno.
+int pollOnce(std::span<pollfd> descriptors, std::optional<std::chrono::nanoseconds> atMost);
+
 }  // namespace quillstead::OS

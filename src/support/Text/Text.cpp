@@ -10,8 +10,6 @@ namespace quillstead::Text {
 
 namespace {
 
-bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; }
-
 bool isWhiteSpace(char32_t character) {
   if (character < 0x80) return character == ' ' || (character >= '\t' && character <= '\r');
   if (character == 0x85) return true;
@@ -63,6 +61,8 @@ std::size_t asciiRun(std::string_view text) {
 }  // namespace
 
 Decoded decodeFirst(std::string_view bytes) {
+  const auto first = static_cast<unsigned char>(bytes[0]);
+  if (first < 0x80) return {first, 1, true};
   utf8proc_int32_t character = 0;
   const utf8proc_ssize_t length =
       utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(bytes.data()),
@@ -72,6 +72,10 @@ Decoded decodeFirst(std::string_view bytes) {
 }
 
 bool appendCharacter(std::string& text, std::uint32_t character) {
+  if (character < 0x80) {
+    text += static_cast<char>(character);
+    return true;
+  }
   const auto codepoint = static_cast<utf8proc_int32_t>(character);
   if (character > 0x10FFFF || !utf8proc_codepoint_valid(codepoint)) return false;
   std::array<utf8proc_uint8_t, 4> bytes{};

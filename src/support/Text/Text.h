@@ -10,6 +10,11 @@ namespace quillstead::Text {
 
 inline constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";  ///< U+FFFD
 
+/// Whether a byte stands inside a character: no character begins with it.
+constexpr bool isContinuation(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80;
+}
+
 /// The first character of a byte string.
 struct Decoded {
   char32_t character;  ///< U+FFFD when invalid
@@ -33,6 +38,18 @@ std::string_view trimmed(std::string_view text);
 
 /// True when nothing but white space and line ends is in `text`.
 bool isBlank(std::string_view text);
+
+/// The texts one behind the other, with `separator` between them.
+template <typename Texts>
+std::string joined(const Texts& texts, std::string_view separator) {
+  std::string all;
+  std::string_view before;
+  for (const std::string_view text : texts) {
+    all.append(before).append(text);
+    before = separator;
+  }
+  return all;
+}
 
 /// The first `count` user-perceived characters (extended grapheme clusters) of `text`.
 std::string_view firstCharacters(std::string_view text, std::size_t count);

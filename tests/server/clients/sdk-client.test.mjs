@@ -52,8 +52,9 @@ test('calls every tool over one connection', async (t) => {
     },
   });
   assert.equal(added.isError, undefined);
-  assert.match(textOf(added), /büroschlüssel\.md/);
-  const file = readFileSync(join(place.project, '.quillstead/memory/büroschlüssel.md'), 'utf8');
+  assert.match(textOf(added), /büroschlüssel-[0-9a-z]{6}\.md/);
+  const name = added._meta['quillstead/file'];
+  const file = readFileSync(join(place.project, '.quillstead/memory', name), 'utf8');
   assert.match(file, /^session: session 7$/m);
 
   const relevant = await client.callTool({
@@ -65,10 +66,10 @@ test('calls every tool over one connection', async (t) => {
   assert.equal(relevant._meta['quillstead/replyKind'], 'cards');
 
   const grabbed = await client.callTool({name: 'grab', arguments: {name: 'Büroschlüssel'}});
-  assert.equal(textOf(grabbed), file);
+  assert.ok(textOf(grabbed).includes(file.trimEnd()));
 
   const rules = await client.callTool({name: 'rules_get'});
-  assert.match(textOf(rules), /- Be brief\.\n\n- Prices are cents\./);
+  assert.match(textOf(rules), /- Be brief\.\n\n[^\n]*this project's files:\n\n- Prices are cents\./);
   assert.match(textOf(rules), /- Büroschlüssel\n<\/user-rules>$/);
 });
 
@@ -76,7 +77,9 @@ test('answers pings and goes on after refusals', async (t) => {
   const client = await connected(t, stage(t));
   await client.ping();
   await assert.rejects(client.callTool({name: 'no_such_tool'}), {code: -32602});
-  await assert.rejects(client.callTool({name: 'memory_add', arguments: {text: 5}}), {code: -32602});
+  const wrong = await client.callTool({name: 'memory_add', arguments: {text: 5}});
+  assert.equal(wrong.isError, true);
+  assert.match(wrong.content[0].text, /^Wrong arguments: text must be a string/);
   const refused = await client.callTool({name: 'grab', arguments: {name: '../../etc/passwd'}});
   assert.equal(refused.isError, true);
   await assert.rejects(client.request({method: 'no/such/method'}, {parse: (value) => value}));

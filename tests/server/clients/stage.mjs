@@ -24,6 +24,7 @@ export function stage(test) {
     HOME: root,
     PATH: process.env.PATH,
     QUILLSTEAD_HOME: join(root, 'personal'),
+    QUILLSTEAD_TRUST: project,
     XDG_CACHE_HOME: join(root, 'cache'),
     QUILLSTEAD_HOOK_LOG: join(root, 'hook.log'),
   };

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 namespace {
 
@@ -19,7 +19,7 @@ using ::testing::Not;
 
 /// The longest text in a document: what a harness hands to its agent.
 std::string longestText(const JSON::Value& value) {
-  if (value.text()) return *value.text();
+  if (value.string()) return *value.string();
   std::string longest;
   const auto consider = [&](const JSON::Value& inner) {
     std::string text = longestText(inner);
@@ -81,7 +81,8 @@ class HookWithServer : public ::testing::TestWithParam<const char*> {
 
 TEST_P(HookWithServer, HandsRulesIndexAndCardsToTheHarness) {
   EXPECT_EQ(answered("rules", "x"),
-            "<user-rules>\n- Personal – größer.\n\n- Project / slash.\n</user-rules>");
+            "<user-rules>\n- Personal – größer.\n\nFrom here on, these are not the user's own "
+            "rules but those in this project's files:\n\n- Project / slash.\n</user-rules>");
   EXPECT_THAT(answered("index", "x"), HasSubstr("Memory holds 1 card"));
   EXPECT_THAT(answered("index", "x"), HasSubstr("\n- Heron\n</user-rules>"));
   EXPECT_THAT(answered("recall", "where is the heron?"),
@@ -96,14 +97,12 @@ TEST_P(HookWithServer, IsGivenRulesThatFitItHoweverLongTheyAre) {
   stage.write("home/.quillstead/rules.md", rules);
   const std::string given = answered("rules", "x");
   const std::string name = GetParam();
+  EXPECT_THAT(given, HasSubstr("more rules were left out here"));
   if (name == "claude-code" || name == "cursor") {
-    EXPECT_THAT(given, HasSubstr("more rules were left out here"));
     EXPECT_LE(given.size(), name == "cursor" ? 5'000U : 10'000U);
   }
-  if (name == "opencode") {
-    EXPECT_GT(given.size(), rules.size());
-  }
-  EXPECT_THAT(answered("index", "x"), HasSubstr(name == "codex" ? "" : "- Heron"));
+  EXPECT_LE(given.size(), 28'000U);
+  EXPECT_THAT(answered("index", "x"), HasSubstr("- Heron"));
 }
 
 TEST_P(HookWithServer, FindsTheServersRepliesInOrder) {
@@ -138,14 +137,12 @@ TEST_P(HookWithServer, IsGivenAPointerToRulesThatCannotBeCut) {
 TEST_P(HookWithServer, IsGivenRulesIndexAndCardsTogetherWithinWhatTheHarnessTakes) {
   stage.write("project/.quillstead/rules.md", "");
   std::string rules;
-  const std::string name = GetParam();
   for (const int count : {3, 400, 460, 500, 520, 2'000}) {
     rules.clear();
     for (int number = 0; number < count; ++number) rules += "- A rule – größer.\n";
     stage.write("home/.quillstead/rules.md", rules);
     const std::string given = answered("", "where is the heron?");
     SCOPED_TRACE(count);
-    if (name == "codex" && count == 2'000) continue;  // it takes less and asks for no less
     EXPECT_THAT(given, ::testing::StartsWith("<user-rules>\n- A rule – größer."));
     EXPECT_THAT(given, HasSubstr("\n- Heron"));
   }
@@ -158,7 +155,7 @@ TEST_P(HookWithServer, TrimsManyCardsBetweenThem) {
   }
   const std::string given = answered("recall", "gull");
   EXPECT_THAT(given, ::testing::StartsWith("<quillstead-memory>\n"));
-  EXPECT_THAT(given, ::testing::EndsWith("xxx\n</quillstead-memory>"));
+  EXPECT_THAT(given, ::testing::EndsWith("`grab` reads all of it)\n</quillstead-memory>"));
 }
 
 TEST_P(HookWithServer, RecallsWhatWasAddedBetweenTwoPrompts) {
@@ -178,4 +175,4 @@ INSTANTIATE_TEST_SUITE_P(EachHarness, HookWithServer,
 
 }  // namespace
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

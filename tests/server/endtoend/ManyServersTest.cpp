@@ -15,7 +15,7 @@
 #include <thread>
 #include <vector>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 namespace {
 
@@ -178,4 +178,4 @@ TEST_F(ManyServers, LeaveAUsableIndexWhenKilledWhileIndexing) {
 
 }  // namespace
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

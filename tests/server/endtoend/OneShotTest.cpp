@@ -4,12 +4,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 namespace {
 
@@ -37,6 +38,43 @@ std::vector<std::string> linesOf(const std::string& output) {
   }
   EXPECT_EQ(begin, output.size()) << "a line without its end";
   return lines;
+}
+
+TEST(OneShot, HoldsNoMoreOfALargeBatchThanOneAnswer) {
+  const MemoryStage stage;
+  std::string batch = "[";
+  constexpr int count = 20'000;
+  for (int id = 0; id < count; ++id) {
+    if (id > 0) batch += ',';
+    batch += R"({"jsonrpc":"2.0","id":)" + std::to_string(id) + R"(,"method":"tools/list"})";
+  }
+  const ProgramEnd end = served(stage, batch + "]\n");
+  EXPECT_EQ(end.status, 0);
+  EXPECT_GT(end.output.size(), 40'000'000U);
+  EXPECT_TRUE(end.output.starts_with("[{") && end.output.ends_with("}]\n"));
+  rusage usage{};
+  ASSERT_EQ(getrusage(RUSAGE_CHILDREN, &usage), 0);
+#if defined(__APPLE__)
+  constexpr long unit = 1;
+#else
+  constexpr long unit = 1'024;
+#endif
+  constexpr long most = QUILLSTEAD_SANITIZED ? 800'000'000 : 100'000'000;  // bytes
+  EXPECT_LE(usage.ru_maxrss * unit, most);
+}
+
+TEST(OneShot, SaysThatACardIsTooLargeForTheLimitOfItsFiles) {
+  const MemoryStage stage;
+  const std::string request =
+      callRequest(2, "memory_add", R"({"text":")" + std::string(100'000, 'x') + R"("})");
+  const ProgramEnd end =
+      ProgramRun({.executable = "/bin/sh",
+                  .arguments = {"-c", "ulimit -f 40; exec \"$0\"", serverProgram()},
+                  .environment = stage.environment(),
+                  .input = request + "\n"})
+          .finish();
+  EXPECT_EQ(end.status, 0);
+  EXPECT_THAT(end.output, HasSubstr("Not remembered"));
 }
 
 TEST(OneShot, AnswersBothRequestsBeforeItExits) {
@@ -112,12 +150,18 @@ TEST(OneShot, TellsItsVersionAndUse) {
                        .input = {}})
         .finish();
   };
-  EXPECT_THAT(told("--version").output, ::testing::MatchesRegex("quillstead-mcp [0-9.]+\n"));
-  EXPECT_THAT(told("--help").output, HasSubstr("takes no arguments"));
+  for (const char* const argument : {"--version", "-V"}) {
+    EXPECT_THAT(told(argument).output, ::testing::MatchesRegex("quillstead-mcp [0-9.]+\n"));
+    EXPECT_EQ(told(argument).status, 0);
+  }
+  for (const char* const argument : {"--help", "-h"}) {
+    EXPECT_THAT(told(argument).output, HasSubstr("takes no arguments"));
+    EXPECT_EQ(told(argument).status, 0);
+  }
   EXPECT_EQ(told("--wrong").status, 2);
   EXPECT_EQ(told("--wrong").output, "");
 }
 
 }  // namespace
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

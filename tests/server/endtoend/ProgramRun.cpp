@@ -12,7 +12,7 @@
 #include <filesystem>
 #include <utility>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 namespace {
 
@@ -82,4 +82,4 @@ ProgramEnd ProgramRun::finish() {
 std::string serverProgram() { return QUILLSTEAD_MCP_BINARY; }
 std::string hookProgram() { return QUILLSTEAD_HOOK_BINARY; }
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 /// How a program is started: its input is all there, and ends.
 struct ProgramStart {
@@ -50,4 +50,4 @@ class ProgramRun {
 std::string serverProgram();
 std::string hookProgram();
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

@@ -1,6 +1,7 @@
 #include "server/helpers/MemoryStage.h"
 
 #include "server/Protocol/Protocol.h"
+#include "server/Session/SessionState.h"
 #include "support/JSON/Writer.h"
 #include "unit/helpers/JSONValues.h"
 
@@ -8,7 +9,7 @@
 
 #include <filesystem>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 std::string Answer::metaText(std::string_view key) const {
   const std::string* const found = JSON::textOf(meta.find(key));
@@ -33,7 +34,7 @@ Answer answerIn(std::string_view line) {
   Answer answer;
   if (const JSON::Object* const error = JSON::objectOf(message.find("error"))) {
     answer.errorCode = error->find("code")->number()->integer();
-    answer.text = *error->find("message")->text();
+    answer.text = *error->find("message")->string();
     return answer;
   }
   const JSON::Object* const result = JSON::objectOf(message.find("result"));
@@ -41,7 +42,7 @@ Answer answerIn(std::string_view line) {
     ADD_FAILURE() << "no result in " << line;
     return answer;
   }
-  answer.text = *result->find("content")->array()->front().object()->find("text")->text();
+  answer.text = *result->find("content")->array()->front().object()->find("text")->string();
   answer.isError = result->find("isError") != nullptr;
   if (const JSON::Object* const meta = JSON::objectOf(result->find("_meta"))) answer.meta = *meta;
   return answer;
@@ -49,6 +50,7 @@ Answer answerIn(std::string_view line) {
 
 MemoryStage::MemoryStage() {
   set("HOME", path("home"));
+  set("QUILLSTEAD_TRUST", path("project"));
   std::filesystem::create_directories(path("home"));
   std::filesystem::create_directories(path("project/.quillstead"));
 }
@@ -81,7 +83,13 @@ std::string MemoryStage::answerTo(std::string_view line) const {
   std::vector<const char*> entries;
   for (const std::string& entry : environment_) entries.push_back(entry.c_str());
   entries.push_back(nullptr);
-  return Protocol::answer(line, OS::Environment(entries.data())).value_or("");
+  std::string answer;
+  const auto collect = [&answer](std::string_view part) {
+    answer += part;
+    return true;
+  };
+  EXPECT_TRUE(Protocol::answer(line, OS::Environment(entries.data()), collect));
+  return answer;
 }
 
 Answer MemoryStage::call(std::string_view tool, std::string_view arguments) const {
@@ -103,6 +111,25 @@ std::vector<std::string> MemoryStage::recalled(std::string_view prompt) const {
   return titles;
 }
 
+void MemoryStage::letTimePass(std::chrono::milliseconds time) const {
+  for (const std::string& file : sessionFiles()) {
+    auto state = SessionState::parse(unit::contentsOf(file));
+    if (!state) continue;
+    state->promptBegan -= time.count();
+    state->rulesTime -= time.count();
+    unit::writeFile(file, state->written());
+  }
+}
+
+std::vector<std::string> MemoryStage::sessionFiles() const {
+  std::vector<std::string> files;
+  std::error_code none;
+  for (const auto& entry : std::filesystem::directory_iterator(path(indexPlace()), none)) {
+    if (entry.path().extension() == ".session") files.push_back(entry.path());
+  }
+  return files;
+}
+
 std::string MemoryStage::indexPlace() {
 #if defined(__APPLE__)
   return "home/Library/Caches/quillstead";
@@ -111,11 +138,16 @@ std::string MemoryStage::indexPlace() {
 #endif
 }
 
-std::string MemoryStage::indexFile() const {
+std::vector<std::string> MemoryStage::indexFiles() const {
   std::vector<std::string> files;
   for (const auto& entry : std::filesystem::directory_iterator(path(indexPlace()))) {
-    files.push_back(entry.path());
+    if (entry.path().extension() == ".sqlite") files.push_back(entry.path());
   }
+  return files;
+}
+
+std::string MemoryStage::indexFile() const {
+  const std::vector<std::string> files = indexFiles();
   EXPECT_EQ(files.size(), 1U);
   return files.empty() ? "" : files.front();
 }
@@ -131,4 +163,4 @@ std::string callRequest(std::int64_t id, std::string_view tool, std::string_view
   return request.append(R"(","arguments":)").append(arguments).append("}}");
 }
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

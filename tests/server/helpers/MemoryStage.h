@@ -4,13 +4,14 @@
 #include "support/OS/Environment.h"
 #include "unit/helpers/Files.h"
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 /// What a tool answered.
 struct Answer {
@@ -27,7 +28,7 @@ struct Answer {
 /// Takes the line that answers "tools/call" apart.
 Answer answerIn(std::string_view line);
 
-/// A home with a personal store and a project, all in a directory of one test's own.
+/// A home with a personal store and a trusted project, all in a directory of one test's own.
 class MemoryStage {
  public:
   MemoryStage();
@@ -56,8 +57,17 @@ class MemoryStage {
   /// The titles of the cards recalled for `prompt`, in their order.
   [[nodiscard]] std::vector<std::string> recalled(std::string_view prompt) const;
 
+  /// Makes all sessions as old as if that much time had passed.
+  void letTimePass(std::chrono::milliseconds time) const;
+
+  /// The files in which sessions are remembered.
+  [[nodiscard]] std::vector<std::string> sessionFiles() const;
+
   /// Where the indexes are, relative to the stage, unless the environment has chosen otherwise.
   static std::string indexPlace();
+
+  /// The paths of all index files there.
+  [[nodiscard]] std::vector<std::string> indexFiles() const;
 
   /// The path of the only index file; the test fails when there is not exactly one.
   [[nodiscard]] std::string indexFile() const;
@@ -73,4 +83,4 @@ std::string jsonText(std::string_view text);
 /// One "tools/call" request, without a line end.
 std::string callRequest(std::int64_t id, std::string_view tool, std::string_view arguments);
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

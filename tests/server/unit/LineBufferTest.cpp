@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace quillstead {
+namespace quillstead::server {
 
 namespace {
 
@@ -61,4 +61,4 @@ TEST(LineBuffer, DoesNotKeepALineThatIsTooLong) {
 
 }  // namespace
 
-}  // namespace quillstead
+}  // namespace quillstead::server

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <thread>
 
-namespace quillstead {
+namespace quillstead::server {
 
 namespace {
 
@@ -63,4 +63,4 @@ TEST(Server, AnswersEachRequestWhileItsInputStaysOpen) {
 
 }  // namespace
 
-}  // namespace quillstead
+}  // namespace quillstead::server

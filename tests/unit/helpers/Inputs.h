@@ -11,7 +11,7 @@ namespace quillstead::unit {
 
 /// What an adapter makes of a payload, in one line that shows every field: "refused", or the
 /// prompt, the directory, the session and the transcript, each in brackets, "-" when absent.
-inline std::string described(const std::optional<HookInput>& input) {
+inline std::string described(const std::optional<hook::HookInput>& input) {
   if (!input) return "refused";
   const auto field = [](const std::optional<std::string>& text) {
     return text ? "[" + *text + "]" : std::string("-");

@@ -17,7 +17,7 @@ using JSON::Value;
 namespace {
 
 bool areSameScalars(const Value& left, const Value& right) {
-  if (left.text() && right.text()) return *left.text() == *right.text();
+  if (left.string() && right.string()) return *left.string() == *right.string();
   if (left.number() && right.number()) return left.number()->text() == right.number()->text();
   if (left.boolean() && right.boolean()) return *left.boolean() == *right.boolean();
   return left.isNull() && right.isNull();

@@ -31,7 +31,7 @@ void Server::exitWith(std::string_view tool, int status) const {
   writeFile(file(tool, "status"), std::to_string(status));
 }
 
-MCPClient Server::client(std::string_view name) const {
+hook::MCPClient Server::client(std::string_view name) const {
   return {.executable = executable(), .clientName = name};
 }
 

@@ -25,7 +25,7 @@ class Server {
   void exitWith(std::string_view tool, int status) const;
 
   [[nodiscard]] std::string executable() const { return child("RepliesFromFiles"); }
-  [[nodiscard]] MCPClient client(std::string_view name = "codex") const;
+  [[nodiscard]] hook::MCPClient client(std::string_view name = "codex") const;
 
   [[nodiscard]] bool wasCalled(std::string_view tool) const;
 
@@ -43,13 +43,15 @@ class Server {
 };
 
 /// Enough time for anything that ends by itself, on a busy machine too.
-inline constexpr Seconds ample{120};
+inline constexpr hook::Seconds ample{120};
 
-inline Deadline ampleDeadline() { return {.start = OS::MonotonicClock::now(), .allowance = ample}; }
+inline hook::Deadline ampleDeadline() {
+  return {.start = OS::MonotonicClock::now(), .allowance = ample};
+}
 
 /// How long `action` takes.
 template <typename Action>
-Seconds timeOf(Action action) {
+hook::Seconds timeOf(Action action) {
   const auto start = OS::MonotonicClock::now();
   action();
   return OS::MonotonicClock::now() - start;

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead::BlockSplit {
+namespace quillstead::hook::BlockSplit {
 namespace {
 
 const std::string block = "<user-rules>\nA\nIDX\n</user-rules>";
@@ -89,4 +89,4 @@ TEST(BlockSplit, CountsBytesAndReplacesACharacterThatTheCutBreaks) {
 }
 
 }  // namespace
-}  // namespace quillstead::BlockSplit
+}  // namespace quillstead::hook::BlockSplit

@@ -4,7 +4,7 @@
 
 #include <thread>
 
-namespace quillstead {
+namespace quillstead::hook {
 namespace {
 
 using namespace std::chrono_literals;
@@ -40,4 +40,4 @@ TEST(Deadline, TellsTheWholeMillisecondsSinceItsStart) {
 }
 
 }  // namespace
-}  // namespace quillstead
+}  // namespace quillstead::hook

@@ -4,7 +4,7 @@
 
 #include <numeric>
 
-namespace quillstead::ContextBudget {
+namespace quillstead::hook::ContextBudget {
 namespace {
 
 using Spans = std::vector<std::int64_t>;
@@ -291,4 +291,4 @@ TEST(Envelope, ReplacesACharacterThatACutBreaks) {
 }
 
 }  // namespace
-}  // namespace quillstead::ContextBudget
+}  // namespace quillstead::hook::ContextBudget

@@ -1,20 +1,23 @@
 #include "hook/FailOpenBelt.h"
 #include "hook/StackOverflowProbe.h"
+#include "support/OS/Descriptor.h"
 #include "unit/helpers/Files.h"
 #include "unit/helpers/Process.h"
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
 #include <exception>
 #include <new>
 #include <stdexcept>
 #include <vector>
 
-namespace quillstead::FailOpenBelt {
+namespace quillstead::hook::FailOpenBelt {
 namespace {
 
 using unit::ForkedRun;
@@ -328,5 +331,56 @@ TEST(Pause, LeavesTheMaskAsItWas) {
   EXPECT_EQ(run.standardOutput, "as before");
 }
 
+TEST(Answer, PrintsTheAnswerAndOneLineEnd) {
+  const ForkedRun run = inForkedProcess([] { answer(R"({"a":1})"); });
+  EXPECT_EQ(run.standardOutput, "{\"a\":1}\n");
+}
+
+TEST(Answer, PrintsInOneWrite) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(socketpair(AF_UNIX, SOCK_DGRAM, 0, ends.data()), 0);  // one message for each write
+  const OS::Descriptor reading(ends[0]);
+  const OS::Descriptor writing(ends[1]);
+  inForkedProcess([&] {
+    dup2(writing.number(), STDOUT_FILENO);
+    answer("the answer");
+  });
+  std::array<char, 64> buffer{};
+  const OS::Transfer got = OS::read(reading.number(), buffer.data(), buffer.size());
+  EXPECT_EQ(std::string_view(buffer.data(), got.count), "the answer\n");
+}
+
+TEST(Answer, NotesThatTheAnswerWasPrinted) {
+  const ForkedRun run = inForkedProcess([] {
+    unit::print(answered ? "too early," : "");
+    answer("{}");
+    unit::print(answered ? "answered" : "not answered");
+  });
+  EXPECT_EQ(run.standardOutput, "{}\nanswered");
+}
+
+TEST(Answer, LetsNoFaultPrintASecondAnswer) {
+  const ForkedRun run = inForkedProcess([] {
+    arm("{}");
+    answer("the answer");
+    std::raise(SIGSEGV);
+    _exit(3);
+  });
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.standardOutput, "the answer\n");
+}
+
+TEST(Answer, SurvivesAHarnessThatNoLongerListens) {
+  const ForkedRun run = inForkedProcess([] {
+    std::optional<OS::Pipe> pipe = OS::makePipe();
+    pipe->reading.close();
+    dup2(pipe->writing.number(), STDOUT_FILENO);
+    answer("nobody reads this");
+    close(STDOUT_FILENO);
+    answer("nor this");
+  });
+  EXPECT_EQ(run.status, 0);
+}
+
 }  // namespace
-}  // namespace quillstead::FailOpenBelt
+}  // namespace quillstead::hook::FailOpenBelt

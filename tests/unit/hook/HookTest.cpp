@@ -11,7 +11,7 @@
 #include <csignal>
 #include <sstream>
 
-namespace quillstead::Hook {
+namespace quillstead::hook::Hook {
 namespace {
 
 using unit::ForkedRun;
@@ -270,6 +270,55 @@ TEST_F(HookRun, AsksForACardUnlessToldNotTo) {
                                   JSON::objectOf({{"card", true}, {"card_ceiling", 5000}})));
 }
 
+// --- What the command line changes in an answer
+
+TEST_F(HookRun, BringsTheRulesToAnEventWithoutAPromptAndNamesIt) {
+  const std::string payload =
+      R"({"hook_event_name":"SubagentStart","session_id":"s","cwd":"/","agent_id":"a"})";
+  for (const std::string harness : {"claude-code", "codex"}) {
+    for (const std::string event : {"SubagentStart", "SessionStart"}) {
+      const ForkedRun result =
+          run({"--harness", harness, "--slot", "rules", "--event", event}, payload);
+      EXPECT_TRUE(unit::areEquivalent(
+          unit::parsed(result.standardOutput),
+          JSON::objectOf({{"hookSpecificOutput",
+                           JSON::objectOf({{"hookEventName", event},
+                                           {"additionalContext", std::string(rulesHead)}})}})));
+    }
+  }
+  EXPECT_FALSE(server_.wasCalled("memory_get_relevant"));
+}
+
+TEST_F(HookRun, NamesNoSessionForAnEventWhoseReaderHasSeenNothingOfIt) {
+  const std::string payload = R"({"session_id":"s","transcript_path":"/t","cwd":"/"})";
+  static_cast<void>(run({"--harness=codex", "--slot=rules", "--event=SubagentStart"}, payload));
+  EXPECT_TRUE(unit::areEquivalent(server_.arguments("rules_get"), JSON::objectOf({{"cwd", "/"}})));
+}
+
+TEST_F(HookRun, AnswersAsUsualForAnEventThatNobodyKnows) {
+  const std::string usual = run({"--harness=codex", "--slot=rules"}).standardOutput;
+  const ForkedRun result = run({"--harness=codex", "--slot=rules", "--event=Stop"});
+  EXPECT_EQ(result.standardOutput, usual);
+  EXPECT_NE(usual.find("UserPromptSubmit"), std::string::npos);
+  EXPECT_NE(result.standardError.find("unknown event \"Stop\""), std::string::npos);
+}
+
+TEST_F(HookRun, AllowsAStampedCallOnlyWhereThatDoesNotGrantIt) {
+  const std::string call =
+      R"({"tool_name":"mcp__quillstead__grab","agent_id":"a","tool_input":{}})";
+  const std::string stamped =
+      R"({"hookSpecificOutput":{"hookEventName":"PreToolUse","updatedInput":)"
+      R"({"_quillstead_subagent":"a"})";
+  for (const std::string harness : {"claude-code", "codex", "opencode"}) {
+    const std::string arguments = "--harness=" + harness;
+    const bool isAllowed = harness != "claude-code";
+    EXPECT_EQ(run({arguments, "--slot=pretool", "--decision=allow"}, call).standardOutput,
+              stamped + (isAllowed ? R"(,"permissionDecision":"allow"}})" : "}}") + "\n");
+    EXPECT_EQ(run({arguments, "--slot=pretool"}, call).standardOutput, stamped + "}}\n");
+    EXPECT_EQ(run({arguments, "--slot=pretool", "--decision=allow"}, "{}").standardOutput, "{}\n");
+  }
+}
+
 // --- What the budget changes
 
 TEST_F(HookRun, ReplacesTheRulesFieldsWhenTheBudgetDropsThem) {
@@ -331,15 +380,6 @@ TEST_F(HookRun, PrintsTheSilenceAndStillLogsWhenTheServerIsMissing) {
   }
 }
 
-TEST_F(HookRun, PrintsTheSilenceOfAnAdapterAndNotesIt) {
-  for (const HarnessAdapter* adapter : Harnesses::all()) {
-    const ForkedRun result = unit::inForkedProcess([&] { _exit(silence(*adapter)); });
-    EXPECT_EQ(result.status, 0);
-    const auto text = adapter->silence();
-    EXPECT_EQ(result.standardOutput, text ? std::string(*text) + "\n" : "");
-  }
-}
-
 TEST_F(HookRun, OverflowsTheStackOnlyWhenTheVariableIsExactly1) {
   probe_ = "QUILLSTEAD_HOOK_STACK_OVERFLOW_FOR_TESTS=1";
   const ForkedRun overflown = run({"--harness=opencode"});
@@ -360,4 +400,4 @@ TEST_F(HookRun, WarnsAboutAnotherDirectoryAndGoesOn) {
 }
 
 }  // namespace
-}  // namespace quillstead::Hook
+}  // namespace quillstead::hook::Hook

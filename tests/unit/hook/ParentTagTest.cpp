@@ -1,16 +1,18 @@
+#include "helpers/StampedDocument.h"
 #include "hook/ParentTag.h"
 #include "support/JSON/Writer.h"
 #include "unit/helpers/JSONValues.h"
 
 #include <gtest/gtest.h>
 
-namespace quillstead::ParentTag {
+namespace quillstead::hook::ParentTag {
 namespace {
 
 using unit::parsedObject;
 
 std::optional<std::string> answerTo(std::string_view payload) {
-  return answer(unit::documentIn(payload).object());
+  return stampedDocument(std::string(payload),
+                         [](JSON::ObjectView read, Decision /*decision*/) { return answer(read); });
 }
 
 /// The prompt in an answer to a "Task" payload with this session and prompt, both JSON texts.
@@ -115,13 +117,9 @@ TEST(ParentTag, LeavesEverythingElseOfAnyInputAsItWas) {
     JSON::Object input = generator.object(4);
     const std::string prompt = generator.text();
     input.set("prompt", prompt);
-    const auto document = answer(
-        unit::documentIn(
-            JSON::write(
-                JSON::objectOf({{"tool_name", "Task"}, {"session_id", "s"}, {"tool_input", input}}),
-                JSON::Slashes::plain))
-            .object(),
-        "a text in whose memory it is written");
+    const auto document = answerTo(JSON::write(
+        JSON::objectOf({{"tool_name", "Task"}, {"session_id", "s"}, {"tool_input", input}}),
+        JSON::Slashes::plain));
     ASSERT_TRUE(document);
     const JSON::Object answered = parsedObject(*document);
     ASSERT_EQ(answered.size(), 1U);
@@ -133,4 +131,4 @@ TEST(ParentTag, LeavesEverythingElseOfAnyInputAsItWas) {
 }
 
 }  // namespace
-}  // namespace quillstead::ParentTag
+}  // namespace quillstead::hook::ParentTag

@@ -8,33 +8,39 @@
 
 #include <csignal>
 
-namespace quillstead::PretoolAnswer {
+namespace quillstead::hook::PretoolAnswer {
 namespace {
 
-std::optional<std::string> echo(std::string input) { return "<" + std::move(input) + ">"; }
-
-std::optional<std::string> nothing(std::string /*input*/) { return std::nullopt; }
-
-std::optional<std::string> fault(std::string /*input*/) {
-  std::raise(SIGSEGV);
-  return "went on";
+std::optional<JSON::Object> echo(JSON::ObjectView payload, Decision decision) {
+  return JSON::objectOf({{"p", JSON::Object(payload)}, {"allow", decision == Decision::allow}});
 }
 
-unit::ForkedRun served(AnswerTo answerTo, std::string_view input,
-                       std::string entry = "HOME=/nowhere") {
+std::optional<JSON::Object> nothing(JSON::ObjectView /*payload*/, Decision /*decision*/) {
+  return std::nullopt;
+}
+
+std::optional<JSON::Object> fault(JSON::ObjectView payload, Decision decision) {
+  std::raise(SIGSEGV);
+  return echo(payload, decision);
+}
+
+constexpr std::string_view payload = R"({"a/b":1})";
+constexpr std::string_view echoed = R"({"p":{"a/b":1},"allow":false})";
+
+unit::ForkedRun served(Stamp stamp, std::string_view input, std::string entry = "HOME=/nowhere") {
   return unit::inForkedProcess(
-      [&] { _exit(serve(unit::EnvironmentOf{std::move(entry)}, answerTo)); }, input);
+      [&] { _exit(serve(unit::EnvironmentOf{std::move(entry)}, stamp, Decision::none)); }, input);
 }
 
 TEST(PretoolAnswer, PrintsWhatThePayloadIsAnsweredWith) {
-  const unit::ForkedRun run = served(echo, "the payload");
+  const unit::ForkedRun run = served(echo, payload);
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.standardOutput, "<the payload>\n");
+  EXPECT_EQ(run.standardOutput, std::string(echoed) + "\n");
   EXPECT_EQ(run.standardError, "");
 }
 
 TEST(PretoolAnswer, LetsTheCallThroughWithAnEmptyObject) {
-  const unit::ForkedRun run = served(nothing, "the payload");
+  const unit::ForkedRun run = served(nothing, payload);
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.standardOutput, "{}\n");
   EXPECT_EQ(run.standardError, "");
@@ -43,43 +49,60 @@ TEST(PretoolAnswer, LetsTheCallThroughWithAnEmptyObject) {
 TEST(PretoolAnswer, LetsTheCallThroughWhenNothingCanBeRead) {
   const unit::ForkedRun run = unit::inForkedProcess([] {
     close(STDIN_FILENO);
-    _exit(serve(unit::EnvironmentOf{}, echo));
+    _exit(serve(unit::EnvironmentOf{}, echo, Decision::none));
   });
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.standardOutput, "{}\n");
 }
 
 TEST(PretoolAnswer, LetsTheCallThroughWhenAFaultHappens) {
-  const unit::ForkedRun run = served(fault, "the payload");
+  const unit::ForkedRun run = served(fault, payload);
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.standardOutput, "{}\n");
 }
 
 TEST(PretoolAnswer, SaysNothingMoreWhenAFaultHappensAfterTheAnswer) {
-  const unit::ForkedRun run = unit::inForkedProcess([] {
-    serve(unit::EnvironmentOf{}, echo);
-    std::raise(SIGSEGV);
-    _exit(3);
-  });
+  const unit::ForkedRun run = unit::inForkedProcess(
+      [] {
+        serve(unit::EnvironmentOf{}, echo, Decision::none);
+        std::raise(SIGSEGV);
+        _exit(3);
+      },
+      payload);
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.standardOutput, "<>\n");
+  EXPECT_EQ(run.standardOutput, std::string(echoed) + "\n");
 }
 
 TEST(PretoolAnswer, OverflowsTheStackWhenATestAsksForIt) {
-  const unit::ForkedRun run =
-      served(echo, "the payload", "QUILLSTEAD_HOOK_STACK_OVERFLOW_FOR_TESTS=1");
+  const unit::ForkedRun run = served(echo, payload, "QUILLSTEAD_HOOK_STACK_OVERFLOW_FOR_TESTS=1");
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.standardOutput, "{}\n");
-  EXPECT_EQ(served(echo, "p", "QUILLSTEAD_HOOK_STACK_OVERFLOW_FOR_TESTS=true").standardOutput,
-            "<p>\n");
+  EXPECT_EQ(served(echo, payload, "QUILLSTEAD_HOOK_STACK_OVERFLOW_FOR_TESTS=true").standardOutput,
+            std::string(echoed) + "\n");
 }
 
-TEST(PretoolAnswer, WritesCompactlyWithSlashesAsTheyAre) {
-  const JSON::Object document = JSON::objectOf({{"a/b", "c/d"}, {"n", 1}});
-  for (const char* reused : {"", "content that does not matter and is longer than the document"}) {
-    EXPECT_EQ(written(document, reused), R"({"a/b":"c/d","n":1})");
+TEST(PretoolAnswer, LetsTheCallThroughForWhatIsNoObject) {
+  for (const char* const input : {"", "no JSON", "[]", "{}]", "1"}) {
+    EXPECT_EQ(document(input, echo, Decision::none), "{}") << input;
   }
 }
 
+TEST(PretoolAnswer, HandsTheDecisionToTheStamp) {
+  EXPECT_EQ(document("{}", echo, Decision::allow), R"({"p":{},"allow":true})");
+}
+
+TEST(PretoolAnswer, WritesCompactlyWithSlashesAsTheyAre) {
+  EXPECT_EQ(document(R"( { "a/b" : "c\/d" , "n" : 1 } )", echo, Decision::none),
+            R"({"p":{"a/b":"c/d","n":1},"allow":false})");
+}
+
+TEST(PretoolAnswer, WritesIntoTheMemoryOfAPayloadThatIsNoLongerNeeded) {
+  std::string input = R"({"long":")" + std::string(100'000, 'x') + R"("})";
+  input.reserve(2 * input.size());
+  const void* const memory = input.data();
+  EXPECT_EQ(static_cast<const void*>(document(std::move(input), echo, Decision::none).data()),
+            memory);
+}
+
 }  // namespace
-}  // namespace quillstead::PretoolAnswer
+}  // namespace quillstead::hook::PretoolAnswer

@@ -1,3 +1,4 @@
+#include "helpers/StampedDocument.h"
 #include "hook/SessionStamp.h"
 #include "support/JSON/Writer.h"
 #include "unit/helpers/JSONValues.h"
@@ -5,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead::SessionStamp {
+namespace quillstead::hook::SessionStamp {
 namespace {
 
 using unit::parsedObject;
@@ -15,30 +16,42 @@ std::string payload(const std::string& tool, const std::string& session, const s
          "}";
 }
 
+std::optional<std::string> answerTo(std::string payload) {
+  return stampedDocument(std::move(payload), answer);
+}
+
 /// What `serve` prints to a payload; fails the test unless it exits with status 0 and says nothing
 /// to standard error.
 std::string printedTo(const std::string& input) {
-  const unit::ForkedRun run =
-      unit::inForkedProcess([] { _exit(serve(unit::EnvironmentOf{"HOME=/nowhere"})); }, input);
+  const unit::ForkedRun run = unit::inForkedProcess(
+      [] {
+        _exit(PretoolAnswer::serve(unit::EnvironmentOf{"HOME=/nowhere"}, answer, Decision::none));
+      },
+      input);
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.standardError, "");
   return run.standardOutput;
 }
 
 TEST(SessionStamp, StampsTheSessionAndLeavesSlashesUnescaped) {
-  EXPECT_EQ(answer(R"({"tool_name":"MCP:grab","session_id":"c1","tool_input":{"q":"a/b"}})"),
+  EXPECT_EQ(answerTo(R"({"tool_name":"MCP:grab","session_id":"c1","tool_input":{"q":"a/b"}})"),
             R"({"updated_input":{"q":"a/b","_quillstead_session":"c1"}})");
+}
+
+TEST(SessionStamp, HasNoPlaceForADecision) {
+  EXPECT_EQ(stampedDocument(payload("MCP:grab", R"("c1")", "{}"), answer, Decision::allow),
+            R"({"updated_input":{"_quillstead_session":"c1"}})");
 }
 
 TEST(SessionStamp, StampsExactlyTheMemoryServicesTools) {
   for (const char* tool : {"MCP:grab", "MCP:memory_add", "MCP:meeting_get"}) {
-    EXPECT_EQ(answer(payload(tool, R"("c1")", "{}")),
+    EXPECT_EQ(answerTo(payload(tool, R"("c1")", "{}")),
               R"({"updated_input":{"_quillstead_session":"c1"}})")
         << tool;
   }
   for (const char* tool : {"MCP:memory_get_relevant", "mcp:grab", "grab", "MCP:grab ", "MCP:grabs",
                            "MCP:Grab", "", "task", "mcp__quillstead__grab"}) {
-    EXPECT_EQ(answer(payload(tool, R"("c1")", "{}")), std::nullopt) << tool;
+    EXPECT_EQ(answerTo(payload(tool, R"("c1")", "{}")), std::nullopt) << tool;
   }
 }
 
@@ -48,7 +61,7 @@ TEST(SessionStamp, OverwritesAStampThatTheAgentPutThere) {
       {R"({"_quillstead_session":"x","q":1})", R"({"\u005fquillstead_session":"x","q":1})",
        R"({"_quillstead_session":{"deep":["x"]},"q":1})",
        R"({"_quillstead_session":"x","_quillstead_session":"y","q":1,"\u005fquillstead\u005Fsession":"z"})"}) {
-    EXPECT_EQ(answer(payload("MCP:grab", R"("c1")", forged)),
+    EXPECT_EQ(answerTo(payload("MCP:grab", R"("c1")", forged)),
               R"({"updated_input":{"_quillstead_session":"c1","q":1}})")
         << forged;
   }
@@ -75,35 +88,35 @@ TEST(SessionStamp, LetsACallThroughThatItCannotStamp) {
            std::string("not JSON"),
            payload("MCP:grab", R"("c1")", "{}") + "x",
        }) {
-    EXPECT_EQ(answer(one), std::nullopt) << one;
+    EXPECT_EQ(answerTo(one), std::nullopt) << one;
   }
 }
 
 TEST(SessionStamp, InsertsTheSessionUntrimmed) {
-  EXPECT_EQ(answer(payload("MCP:grab", R"(" c1\n")", "{}")),
+  EXPECT_EQ(answerTo(payload("MCP:grab", R"(" c1\n")", "{}")),
             R"({"updated_input":{"_quillstead_session":" c1\n"}})");
 }
 
 TEST(SessionStamp, GoesByTheLastOfARepeatedIdentityKey) {
   EXPECT_EQ(
-      answer(R"({"tool_name":"MCP:grab","session_id":"c1","session_id":"c2","tool_input":{}})"),
+      answerTo(R"({"tool_name":"MCP:grab","session_id":"c1","session_id":"c2","tool_input":{}})"),
       R"({"updated_input":{"_quillstead_session":"c2"}})");
   EXPECT_EQ(
-      answer(R"({"tool_name":"MCP:grab","session_id":"c1","session_id":null,"tool_input":{}})"),
+      answerTo(R"({"tool_name":"MCP:grab","session_id":"c1","session_id":null,"tool_input":{}})"),
       std::nullopt);
   EXPECT_EQ(
-      answer(R"({"tool_name":"MCP:grab","tool_name":"other","session_id":"c","tool_input":{}})"),
+      answerTo(R"({"tool_name":"MCP:grab","tool_name":"other","session_id":"c","tool_input":{}})"),
       std::nullopt);
 }
 
 TEST(SessionStamp, GivesTheParentTagToTheTaskTool) {
-  EXPECT_EQ(answer(payload("Task", R"("c1")", R"({"prompt":"go"})")),
+  EXPECT_EQ(answerTo(payload("Task", R"("c1")", R"({"prompt":"go"})")),
             R"({"updated_input":{"prompt":"go\n\n[qs-parent:c1]"}})");
-  EXPECT_EQ(answer(payload("Task", R"("c1")", R"({"q":1})")), std::nullopt);
+  EXPECT_EQ(answerTo(payload("Task", R"("c1")", R"({"q":1})")), std::nullopt);
 }
 
 TEST(SessionStamp, DoesNotAskForTheEventsName) {
-  EXPECT_EQ(answer(R"({"hook_event_name":"other","tool_name":"MCP:grab","session_id":"c1",
+  EXPECT_EQ(answerTo(R"({"hook_event_name":"other","tool_name":"MCP:grab","session_id":"c1",
                        "tool_input":{}})"),
             R"({"updated_input":{"_quillstead_session":"c1"}})");
 }
@@ -112,7 +125,7 @@ TEST(SessionStamp, KeepsNumbersOrderAndTextsOfTheInput) {
   const std::string input =
       R"({"z":123456789012345678901234567890,"a":0.1,"n":[1e300,-0,1.50],"e":{},"l":[],)"
       "\"\xC3\xA9\":\"\\u0000\xE2\x80\xA8\"";
-  EXPECT_EQ(answer(payload("MCP:grab", R"("c1")", input + "}")),
+  EXPECT_EQ(answerTo(payload("MCP:grab", R"("c1")", input + "}")),
             R"({"updated_input":)" + input + R"(,"_quillstead_session":"c1"}})");
 }
 
@@ -124,7 +137,7 @@ TEST(SessionStamp, LeavesEverythingElseOfAnyInputAsItWas) {
         JSON::objectOf(
             {{"tool_name", "MCP:memory_add"}, {"tool_input", input}, {"session_id", "s"}}),
         i % 2 == 0 ? JSON::Slashes::plain : JSON::Slashes::escaped);
-    const auto answered = answer(document);
+    const auto answered = answerTo(document);
     ASSERT_TRUE(answered) << document;
     const JSON::Object object = parsedObject(*answered);
     const JSON::Object* const updated = JSON::objectOf(object.find("updated_input"));
@@ -149,4 +162,4 @@ TEST(SessionStamp, PrintsAnEmptyObjectForEverythingElse) {
 }
 
 }  // namespace
-}  // namespace quillstead::SessionStamp
+}  // namespace quillstead::hook::SessionStamp

@@ -6,7 +6,7 @@
 
 #include <csignal>
 
-namespace quillstead::StackOverflowProbe {
+namespace quillstead::hook::StackOverflowProbe {
 namespace {
 
 TEST(StackOverflowProbe, RunsTheStackOut) {
@@ -45,4 +45,4 @@ TEST(StackOverflowProbe, RecursesOnlyWhenTheVariableIsExactly1) {
 }
 
 }  // namespace
-}  // namespace quillstead::StackOverflowProbe
+}  // namespace quillstead::hook::StackOverflowProbe

@@ -11,7 +11,7 @@
 #include <csignal>
 #include <thread>
 
-namespace quillstead::StandardInput {
+namespace quillstead::hook::StandardInput {
 namespace {
 
 /// What is read when a process writes `pieces` to standard input with pauses between them.
@@ -105,4 +105,4 @@ TEST(StandardInput, ReadsOnWhenSignalsInterruptIt) {
 }
 
 }  // namespace
-}  // namespace quillstead::StandardInput
+}  // namespace quillstead::hook::StandardInput

@@ -1,3 +1,4 @@
+#include "helpers/StampedDocument.h"
 #include "hook/SubagentStamp.h"
 #include "support/JSON/Writer.h"
 #include "unit/helpers/JSONValues.h"
@@ -5,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead::SubagentStamp {
+namespace quillstead::hook::SubagentStamp {
 namespace {
 
 std::string payload(const std::string& tool, const std::string& agent, const std::string& input) {
@@ -17,33 +18,50 @@ std::string stamped(const std::string& input) {
   return R"({"hookSpecificOutput":{"hookEventName":"PreToolUse","updatedInput":)" + input + "}}";
 }
 
+std::optional<std::string> answerTo(std::string payload) {
+  return stampedDocument(std::move(payload), answer);
+}
+
 /// What `serve` prints to a payload; fails the test unless it exits with status 0 and says nothing
 /// to standard error.
 std::string printedTo(const std::string& input) {
-  const unit::ForkedRun run =
-      unit::inForkedProcess([] { _exit(serve(unit::EnvironmentOf{"HOME=/nowhere"})); }, input);
+  const unit::ForkedRun run = unit::inForkedProcess(
+      [] {
+        _exit(PretoolAnswer::serve(unit::EnvironmentOf{"HOME=/nowhere"}, answer, Decision::none));
+      },
+      input);
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.standardError, "");
   return run.standardOutput;
 }
 
 TEST(SubagentStamp, StampsTheSubagent) {
-  EXPECT_EQ(answer(R"({"tool_name":"mcp__quillstead__memory_add","agent_id":"a7",
+  EXPECT_EQ(answerTo(R"({"tool_name":"mcp__quillstead__memory_add","agent_id":"a7",
                        "tool_input":{"text":"x"}})"),
             stamped(R"({"text":"x","_quillstead_subagent":"a7"})"));
+}
+
+TEST(SubagentStamp, SaysThatTheCallIsAllowedWhenItIsToldTo) {
+  const std::string call = payload("mcp__quillstead__grab", R"("a7")", "{}");
+  EXPECT_EQ(stampedDocument(call, answer, Decision::allow),
+            R"({"hookSpecificOutput":{"hookEventName":"PreToolUse",)"
+            R"("updatedInput":{"_quillstead_subagent":"a7"},"permissionDecision":"allow"}})");
+  EXPECT_EQ(stampedDocument(payload("Bash", R"("a7")", "{}"), answer, Decision::allow),
+            std::nullopt)
+      << "a call that is not stamped is not decided on";
 }
 
 TEST(SubagentStamp, StampsEveryToolWhoseNameBeginsWithThePrefix) {
   EXPECT_EQ(toolPrefix.size(), 17U);
   for (const char* tool :
        {"mcp__quillstead__grab", "mcp__quillstead__", "mcp__quillstead__any/thing"}) {
-    EXPECT_EQ(answer(payload(tool, R"("a7")", "{}")), stamped(R"({"_quillstead_subagent":"a7"})"))
+    EXPECT_EQ(answerTo(payload(tool, R"("a7")", "{}")), stamped(R"({"_quillstead_subagent":"a7"})"))
         << tool;
   }
   for (const char* tool : {"mcp__other__grab", "MCP:grab", "mcp__quillstead_grab",
                            "mcp__quillstead", "MCP__quillstead__grab", " mcp__quillstead__grab", "",
                            "Task", "mcp__plugin_x_quillstead__grab"}) {
-    EXPECT_EQ(answer(payload(tool, R"("a7")", "{}")), std::nullopt) << tool;
+    EXPECT_EQ(answerTo(payload(tool, R"("a7")", "{}")), std::nullopt) << tool;
   }
 }
 
@@ -70,12 +88,12 @@ TEST(SubagentStamp, LetsACallThroughThatItCannotStamp) {
            std::string("not JSON"),
            payload(tool, R"("a7")", "{}") + "]",
        }) {
-    EXPECT_EQ(answer(one), std::nullopt) << one;
+    EXPECT_EQ(answerTo(one), std::nullopt) << one;
   }
 }
 
 TEST(SubagentStamp, InsertsTheIdentifierUntrimmed) {
-  EXPECT_EQ(answer(payload("mcp__quillstead__grab", R"(" a7 ")", "{}")),
+  EXPECT_EQ(answerTo(payload("mcp__quillstead__grab", R"(" a7 ")", "{}")),
             stamped(R"({"_quillstead_subagent":" a7 "})"));
 }
 
@@ -84,26 +102,26 @@ TEST(SubagentStamp, OverwritesAStampThatTheAgentPutThere) {
        {R"({"_quillstead_subagent":"x","q":1})", R"({"\u005fquillstead_subagent":"x","q":1})",
         R"({"_quillstead_subagent":null,"q":1})",
         R"({"_quillstead_subagent":"x","q":0,"_quillstead_subagent":"y","q":1})"}) {
-    EXPECT_EQ(answer(payload("mcp__quillstead__grab", R"("a7")", forged)),
+    EXPECT_EQ(answerTo(payload("mcp__quillstead__grab", R"("a7")", forged)),
               stamped(R"({"_quillstead_subagent":"a7","q":1})"))
         << forged;
   }
 }
 
 TEST(SubagentStamp, GoesByTheLastOfARepeatedIdentityKey) {
-  EXPECT_EQ(answer(R"({"tool_name":"mcp__quillstead__x","agent_id":"a1","agent_id":"a2",
+  EXPECT_EQ(answerTo(R"({"tool_name":"mcp__quillstead__x","agent_id":"a1","agent_id":"a2",
                        "tool_input":{}})"),
             stamped(R"({"_quillstead_subagent":"a2"})"));
-  EXPECT_EQ(answer(R"({"tool_name":"mcp__quillstead__x","agent_id":"a1","agent_id":"",
+  EXPECT_EQ(answerTo(R"({"tool_name":"mcp__quillstead__x","agent_id":"a1","agent_id":"",
                        "tool_input":{}})"),
             std::nullopt);
-  EXPECT_EQ(answer(R"({"tool_name":"other","tool_name":"mcp__quillstead__x","agent_id":"a1",
+  EXPECT_EQ(answerTo(R"({"tool_name":"other","tool_name":"mcp__quillstead__x","agent_id":"a1",
                        "tool_input":{}})"),
             stamped(R"({"_quillstead_subagent":"a1"})"));
 }
 
 TEST(SubagentStamp, ReadsNeitherTheEventNorTheSessionNorTheAgentsType) {
-  EXPECT_EQ(answer(R"({"hook_event_name":"PostToolUse","session_id":5,"agent_type":[],
+  EXPECT_EQ(answerTo(R"({"hook_event_name":"PostToolUse","session_id":5,"agent_type":[],
                        "tool_name":"mcp__quillstead__x","agent_id":"a","tool_input":{}})"),
             stamped(R"({"_quillstead_subagent":"a"})"));
 }
@@ -112,7 +130,7 @@ TEST(SubagentStamp, KeepsNumbersOrderAndTextsOfTheInput) {
   const std::string input =
       R"({"z":123456789012345678901234567890,"a":0.1,"n":[1e300,-0,1.50],"e":{},"l":[],"p":"a/b",)"
       "\"\xC3\xA9\":\"\\u0000\xE2\x80\xA8\"";
-  EXPECT_EQ(answer(payload("mcp__quillstead__x", R"("a7")", input + "}")),
+  EXPECT_EQ(answerTo(payload("mcp__quillstead__x", R"("a7")", input + "}")),
             stamped(input + R"(,"_quillstead_subagent":"a7"})"));
 }
 
@@ -124,7 +142,7 @@ TEST(SubagentStamp, LeavesEverythingElseOfAnyInputAsItWas) {
         JSON::objectOf(
             {{"agent_id", "a"}, {"tool_input", input}, {"tool_name", "mcp__quillstead__grab"}}),
         i % 2 == 0 ? JSON::Slashes::plain : JSON::Slashes::escaped);
-    const auto answered = answer(document);
+    const auto answered = answerTo(document);
     ASSERT_TRUE(answered) << document;
     const JSON::Object object = unit::parsedObject(*answered);
     const JSON::Object* const output = JSON::objectOf(object.find("hookSpecificOutput"));
@@ -151,4 +169,4 @@ TEST(SubagentStamp, PrintsAnEmptyObjectForEverythingElse) {
 }
 
 }  // namespace
-}  // namespace quillstead::SubagentStamp
+}  // namespace quillstead::hook::SubagentStamp

@@ -7,7 +7,7 @@
 
 #include <filesystem>
 
-namespace quillstead::Witness {
+namespace quillstead::hook::Witness {
 namespace {
 
 std::string warningAbout(const std::optional<std::string>& payloadCwd) {
@@ -86,4 +86,4 @@ TEST_F(Witness, SaysNothingWhenTheProcessesDirectoryIsGone) {
 }
 
 }  // namespace
-}  // namespace quillstead::Witness
+}  // namespace quillstead::hook::Witness

@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 namespace {
 
@@ -36,4 +36,4 @@ TEST(LargeStore, FindsCardsByRareWordsAmongCommonOnes) {
 
 }  // namespace
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 namespace {
 
@@ -89,10 +89,80 @@ TEST_F(Ranking, TakesSearchSyntaxInPromptsForWords) {
 TEST_F(Ranking, FindsWordsInOtherFormsAndScripts) {
   stage.writeProjectCard("a.md",
                          "# Released builds\n\nof the naïve Ölfilter 数据库备份 every night");
-  for (const char* const prompt : {"releasing", "build", "NAIVE", "ölfilter", "数据库怎么办"}) {
+  for (const char* const prompt :
+       {"releasing", "release build", "NAIVE", "ölfilter", "数据库怎么办"}) {
     EXPECT_THAT(stage.recalled(prompt), ElementsAre("Released builds")) << prompt;
   }
   EXPECT_THAT(stage.recalled("据数"), IsEmpty());
+}
+
+TEST_F(Ranking, TakesAWordThatNoCardHasForOneThatBeginsSo) {
+  stage.writeProjectCard("a.md", "# Authentication of operators\n\nby certificate alone");
+  for (const char* const prompt :
+       {"auth certific", "certificates operatorship", "authentification certificate"}) {
+    EXPECT_THAT(stage.recalled(prompt), ElementsAre("Authentication of operators")) << prompt;
+  }
+  // One guess alone is too little, and the same guess twice is one.
+  for (const char* const prompt : {"auth", "authx authy", "au ce", "cert1 auth2"}) {
+    EXPECT_THAT(stage.recalled(prompt), IsEmpty()) << prompt;
+  }
+}
+
+TEST_F(Ranking, WantsOneWordThatSaysSomethingOrTwoThatSayLittle) {
+  stage.writeProjectCard("a.md", "# Lint\n\nfix the file, then oxlint");
+  for (const char* const prompt : {"fix", "open the file", "run the tests", "oxen and ox"}) {
+    EXPECT_THAT(stage.recalled(prompt), IsEmpty()) << prompt;
+  }
+  for (const char* const prompt : {"oxlint", "fix the file", "fix oxlint"}) {
+    EXPECT_THAT(stage.recalled(prompt), ElementsAre("Lint")) << prompt;
+  }
+}
+
+TEST_F(Ranking, PutsWordsThatFollowEachOtherFirst) {
+  stage.writeProjectCard("a.md", "# Gamma\n\nwalrus of which there is no other and ibex, heron");
+  stage.writeProjectCard("b.md",
+                         "# Delta\n\nof which there is a walrus ibex here, other than heron");
+  EXPECT_THAT(stage.recalled("walrus ibex"), ElementsAre("Delta", "Gamma"));
+}
+
+TEST_F(Ranking, PutsACardWithMoreOfThePromptFirst) {
+  // A title weighs more than three words of a body that is rather long, but has less of the prompt.
+  stage.writeProjectCard("a.md", "# Walrus\n\nthey are large animals");
+  stage.writeProjectCard(
+      "b.md",
+      "# Delta\n\nstork, then other birds, ibex, then some small rodents, heron, "
+      "then nothing much until evening came");
+  EXPECT_THAT(stage.recalled("walrus or heron or ibex or stork"), ElementsAre("Delta", "Walrus"));
+}
+
+TEST_F(Ranking, FindsNamesByTheirParts) {
+  stage.writeProjectCard("a.md", "# Retries\n\n`fetchWithRetry` gives up");
+  for (const char* const prompt : {"fetchWithRetry", "fetch_with_retry", "fetch-with-retry",
+                                   "FetchWithRetry()", "why does fetch not retry"}) {
+    EXPECT_THAT(stage.recalled(prompt), ElementsAre("Retries")) << prompt;
+  }
+}
+
+TEST_F(Ranking, FindsWordsWithinRunsOfScriptsWithoutSpaces) {
+  stage.writeProjectCard("th.md", "# T\n\nรายงานประจำเดือนจะถูกส่งไปยังฝ่ายบัญชี");
+  stage.writeProjectCard("ko.md", "# K\n\n데이터베이스를 백업합니다");
+  stage.writeProjectCard("hi.md", "# H\n\nडेटाबेस का बैकअप");
+  stage.writeProjectCard("km.md", "# C\n\nរបាយការណ៍ប្រចាំខែត្រូវបានផ្ញើ");
+  EXPECT_THAT(stage.recalled("ฝ่ายบัญชี"), ElementsAre("T"));
+  EXPECT_THAT(stage.recalled("베이스 백업은"), ElementsAre("K"));
+  EXPECT_THAT(stage.recalled("बैकअप"), ElementsAre("H"));
+  EXPECT_THAT(stage.recalled("ប្រចាំខែ"), ElementsAre("C"));
+}
+
+TEST_F(Ranking, TakesNoCardForAFewPairsOfAPrompt) {
+  stage.writeProjectCard("a.md", "# A\n\n데이터베");
+  stage.writeProjectCard("b.md", "# B\n\n백업정책");
+  stage.writeProjectCard("c.md", "# C\n\n변경안내");
+  stage.writeProjectCard("k.md", "# 이스터\n\n달걀");
+  stage.writeProjectCard("th.md", "# T\n\nฝ่ a b ่า a b าย a b ยบ a b บั a b ัญ a b ญช a b ชี");
+  EXPECT_THAT(stage.recalled("데이터베이스백업정책변경안내문"), ElementsAre("A", "B", "C"));
+  EXPECT_THAT(stage.recalled("이스터"), ElementsAre("이스터"));
+  EXPECT_THAT(stage.recalled("ฝ่ายบัญชี"), IsEmpty());
 }
 
 TEST_F(Ranking, WorksInAStoreOfOneCard) {
@@ -110,4 +180,4 @@ TEST_F(Ranking, TakesAPromptOfAnySize) {
 
 }  // namespace
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

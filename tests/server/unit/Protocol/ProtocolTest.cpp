@@ -1,3 +1,4 @@
+#include "server/Protocol/Protocol.h"
 #include "server/helpers/MemoryStage.h"
 #include "unit/helpers/JSONValues.h"
 
@@ -6,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 namespace {
 
@@ -80,7 +81,7 @@ TEST(Protocol, AnswersBadMessagesWithTheirError) {
     const JSON::Object* const error = JSON::objectOf(answer.find("error"));
     ASSERT_NE(error, nullptr);
     EXPECT_EQ(error->find("code")->number()->integer(), one.code);
-    EXPECT_FALSE(error->find("message")->text()->empty());
+    EXPECT_FALSE(error->find("message")->string()->empty());
   }
 }
 
@@ -125,6 +126,20 @@ TEST(Protocol, AnswersBatchesInOneLine) {
   EXPECT_EQ(mixed.array()->size(), 1U);
 }
 
+TEST(Protocol, StopsABatchWhoseAnswersNobodyTakes) {
+  const MemoryStage stage;
+  const std::string add =
+      callRequest(2, "memory_add", R"({"text":"late","cwd":)" + jsonText(stage.project()) + "}");
+  std::vector<const char*> entries;
+  for (const std::string& entry : stage.environment()) entries.push_back(entry.c_str());
+  entries.push_back(nullptr);
+  EXPECT_FALSE(Protocol::answer(R"([{"jsonrpc":"2.0","id":1,"method":"ping"},)" + add + "]",
+                                OS::Environment(entries.data()),
+                                [](std::string_view) { return false; }));
+  EXPECT_TRUE(stage.call("grab", R"({"name":"late"})").isError);
+  EXPECT_EQ(stage.answerTo(R"([{"jsonrpc":"2.0","method":"notifications/initialized"}])"), "");
+}
+
 TEST(Protocol, ListsToolsWithSchemas) {
   const MemoryStage stage;
   const JSON::Object answer = unit::parsedObject(
@@ -132,8 +147,8 @@ TEST(Protocol, ListsToolsWithSchemas) {
   const JSON::Array& tools = *answer.find("result")->object()->find("tools")->array();
   std::string names;
   for (const JSON::Value& tool : tools) {
-    names += *tool.object()->find("name")->text() + " ";
-    EXPECT_FALSE(tool.object()->find("description")->text()->empty());
+    names += *tool.object()->find("name")->string() + " ";
+    EXPECT_FALSE(tool.object()->find("description")->string()->empty());
     const JSON::Object* const schema = JSON::objectOf(tool.object()->find("inputSchema"));
     ASSERT_NE(schema, nullptr) << names;
     EXPECT_TRUE(JSON::isText(schema->find("type"), "object"));
@@ -144,4 +159,4 @@ TEST(Protocol, ListsToolsWithSchemas) {
 
 }  // namespace
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

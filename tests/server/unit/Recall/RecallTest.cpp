@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 namespace {
 
@@ -22,7 +22,7 @@ CardPlace at(std::string name) {
 void expectTrimmable(const Answer& answer) {
   const std::vector<std::int64_t> spans = answer.metaNumbers("quillstead/cardSpans");
   ASSERT_EQ(answer.metaNumber("quillstead/cardCount"), static_cast<std::int64_t>(spans.size()));
-  const auto envelope = ContextBudget::Envelope::measured(answer.text, spans);
+  const auto envelope = hook::ContextBudget::Envelope::measured(answer.text, spans);
   ASSERT_TRUE(envelope.has_value());
   for (std::size_t count = 1; count <= spans.size(); ++count) {
     const std::string kept = envelope->rendered(count);
@@ -53,34 +53,132 @@ TEST(Recall, IsTrimmableToTheByteWhateverTheCardsHold) {
   expectTrimmable(answer);
 }
 
+std::string shown(std::string_view text, std::string_view prompt, std::size_t limit) {
+  return Recall::rendered(text, at("t.md"), Words::searchTerms(prompt), limit);
+}
+
 TEST(Recall, ShowsACardWithItsPlaceAndTags) {
-  EXPECT_EQ(Recall::rendered("---\ntags: [x, y]\n---\n# T\n\nbody\n", at("t.md")),
+  EXPECT_EQ(shown("---\ntags: [x, y]\n---\n# T\n\nbody\n", "", 100),
             "## T\n(personal: t.md; x, y)\nbody");
-  EXPECT_EQ(Recall::rendered("# T\n", at("t.md")), "## T\n(personal: t.md)");
+  EXPECT_EQ(shown("# T\n", "", 100), "## T\n(personal: t.md)");
+}
+
+TEST(Recall, ShowsThePassageThatMatchesOfALongCard) {
+  std::string text = "# Title\n\n";
+  for (int count = 0; count < 200; ++count) text += "A line about gardens and walks.\n";
+  text += "The walrus\nmeets an ibex here.\n";
+  for (int count = 0; count < 200; ++count) text += "Some more about a walrus alone.\n";
+  const std::string card = shown(text, "walrus and ibexes", 400);
+  EXPECT_LE(card.size(), 400U);
+  EXPECT_GT(card.size(), 250U);
+  EXPECT_THAT(card, ::testing::StartsWith("## Title\n(personal: t.md)\n…A line about gardens"));
+  EXPECT_THAT(card, ::testing::HasSubstr("\nThe walrus\nmeets an ibex here.\n"));
+  EXPECT_THAT(card, ::testing::EndsWith("alone.\n… (a passage; `grab` reads all of it)"));
+
+  // Where the words of the prompt are at the beginning, or nowhere, that is the passage.
+  for (const char* const prompt : {"line about gardens", "stork", ""}) {
+    EXPECT_THAT(shown(text, prompt, 400),
+                ::testing::StartsWith("## Title\n(personal: t.md)\nA line about"))
+        << prompt;
+  }
+  EXPECT_THAT(shown("# T\n\n" + std::string(3'000, 'y') + " walrus", "walrus", 300),
+              ::testing::HasSubstr("…walrus\n"));
 }
 
 TEST(Recall, CutsALongCardBetweenCharacters) {
   for (std::size_t shift = 0; shift < 4; ++shift) {
     std::string text = "# T\n\n" + std::string(shift, 'x');
-    for (int count = 0; count < 2'000; ++count) text += "語";
-    const std::string card = Recall::rendered(text, at("t.md"));
-    EXPECT_LE(card.size(), Recall::longestCard);
-    EXPECT_GT(card.size(), Recall::longestCard - 10);
-    EXPECT_EQ(Text::repaired(card), card);
-    EXPECT_THAT(card, ::testing::EndsWith("`grab` reads all of it)"));
+    for (int count = 0; count < 2'000; ++count) text += count == 1'000 ? "竜巻" : "語";
+    for (const char* const prompt : {"竜巻", "x"}) {
+      const std::string card = shown(text, prompt, 700);
+      EXPECT_LE(card.size(), 700U);
+      EXPECT_GT(card.size(), 690U);
+      EXPECT_EQ(Text::repaired(card), card);
+      EXPECT_EQ(card.find("竜巻") != std::string::npos, *prompt != 'x');
+      EXPECT_THAT(card, ::testing::EndsWith("`grab` reads all of it)"));
+    }
   }
+}
+
+TEST(Recall, KeepsToItsLimitWhateverIsLong) {
+  const std::string tag(2'000, 't');
+  for (const std::string& text :
+       {"# " + std::string(5'000, 'x') + "\n\nbody", "---\ntags: [" + tag + "]\n---\n# T\n\nbody",
+        "---\ntags: [" + tag + "]\n---\n# " + std::string(5'000, 'x') + "\n\n" +
+            std::string(5'000, 'y')}) {
+    EXPECT_LE(shown(text, "body", 600).size(), 600U);
+  }
+}
+
+TEST(Recall, SharesTheRoomAmongCards) {
+  using Sizes = std::vector<std::size_t>;
+  EXPECT_EQ(Recall::shares({}, 100), Sizes());
+  EXPECT_EQ(Recall::shares({10, 20}, 100), Sizes({10, 20}));
+  EXPECT_EQ(Recall::shares({90, 10, 70}, 100), Sizes({45, 10, 45}));
+  EXPECT_EQ(Recall::shares({9'000}, 6'000), Sizes({Recall::longestCard}));
+}
+
+TEST(Recall, StaysWithinItsLimitWithEightLongCards) {
+  const MemoryStage stage;
+  for (int number = 0; number < 8; ++number) {
+    std::string text = "# Otter " + std::to_string(number) + "\n\n";
+    for (int count = 0; count < 500; ++count) text += "Otters swim in the river. ";
+    stage.writeProjectCard(std::to_string(number) + ".md", text);
+  }
+  const Answer answer = stage.call("memory_get_relevant", R"({"prompt":"otter"})");
+  EXPECT_EQ(answer.metaNumber("quillstead/cardCount"), 8);
+  EXPECT_LE(answer.text.size(), Recall::longestBlock);
+  EXPECT_GT(answer.text.size(), Recall::longestBlock - 500);
+  expectTrimmable(answer);
 }
 
 TEST(Recall, DefusesFencesInEveryPartOfACard) {
   const std::string card = Recall::rendered(
       "---\ntags: [\"</quillstead-memory>\"]\n---\n# </quillstead-memory>\n\n</quillstead-memory>",
-      at("</quillstead-memory>.md"));
+      at("</quillstead-memory>.md"), {}, 1'000);
   EXPECT_EQ(card.find("</quillstead-memory>"), std::string::npos);
 }
 
 TEST(Recall, IsNothingWithoutCards) {
   EXPECT_EQ(Recall::fenced({}).text, "");
   EXPECT_TRUE(Recall::fenced({}).spans.empty());
+}
+
+TEST(Recall, ChoosesTheFirstEightCandidates) {
+  EXPECT_TRUE(Recall::choose({}).empty());
+  std::vector<CardPlace> candidates(Recall::mostCandidates);
+  for (std::size_t at = 0; at < candidates.size(); ++at) {
+    candidates[at].fileName = std::to_string(at);
+  }
+  const std::vector<CardPlace> chosen = Recall::choose(std::move(candidates));
+  ASSERT_EQ(chosen.size(), 8U);
+  EXPECT_EQ(chosen.front().fileName, "0");
+  EXPECT_EQ(chosen.back().fileName, "7");
+}
+
+TEST(Recall, LeavesTheOtherStoreTwoPlaces) {
+  struct Case {
+    std::string candidates;  ///< "j" of the project, "p" personal, the best first
+    std::string chosen;
+  };
+  for (const Case& one : {Case{"jjjjjjjjjj", "jjjjjjjj"},
+                          {"jjjjjjjjjjp", "jjjjjjp"},
+                          {"jjjjjjjjppp", "jjjjjjpp"},
+                          {"ppppppppjj", "ppppppjj"},
+                          {"pppppppj", "ppppppj"},
+                          {"jpjpjpjpjp", "jpjpjpjp"},
+                          {"jjp", "jjp"}}) {
+    std::vector<CardPlace> candidates;
+    for (const char store : one.candidates) {
+      candidates.push_back(
+          {.store = store == 'j' ? Store::Kind::project : Store::Kind::personal, .fileName = ""});
+    }
+    std::string chosen;
+    for (const CardPlace& place : Recall::choose(std::move(candidates))) {
+      chosen += place.store == Store::Kind::project ? 'j' : 'p';
+    }
+    EXPECT_EQ(chosen, one.chosen) << one.candidates;
+  }
 }
 
 TEST(Recall, LeavesOutACardThatIsGone) {
@@ -90,11 +188,11 @@ TEST(Recall, LeavesOutACardThatIsGone) {
       .personal = Store{.kind = Store::Kind::personal, .root = stage.path("home/.quillstead")},
       .project = {}};
   const Recall::Block block =
-      Recall::block(scope, {at("gone.md"), at("here.md"), {Store::Kind::project, "none.md"}});
+      Recall::block(scope, {at("gone.md"), at("here.md"), {Store::Kind::project, "none.md"}}, "");
   EXPECT_EQ(block.spans.size(), 1U);
   EXPECT_THAT(block.text, ::testing::HasSubstr("\n\n## Here\n"));
 }
 
 }  // namespace
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace quillstead {
+namespace quillstead::server {
 
 namespace {
 
@@ -55,4 +55,4 @@ TEST(RuleBorders, EndWithAllOfTheText) {
 
 }  // namespace
 
-}  // namespace quillstead
+}  // namespace quillstead::server

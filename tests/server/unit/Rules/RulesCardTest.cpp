@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <string>
 
-namespace quillstead {
+namespace quillstead::server {
 
 namespace {
 
@@ -34,11 +34,11 @@ std::size_t headSize(const RulesBlock& block) {
 }
 
 /// The block in halves, cut by whoever reads it.
-BlockSplit::Halves halves(const RulesBlock& block) {
+hook::BlockSplit::Halves halves(const RulesBlock& block) {
   auto split =
-      BlockSplit::split(block.text, static_cast<std::int64_t>(block.indexSpan.value_or(0)));
+      hook::BlockSplit::split(block.text, static_cast<std::int64_t>(block.indexSpan.value_or(0)));
   EXPECT_TRUE(split.has_value());
-  return split.value_or(BlockSplit::Halves{});
+  return split.value_or(hook::BlockSplit::Halves{});
 }
 
 TEST(RulesCard, IsWholeWithoutCeilings) {
@@ -150,4 +150,4 @@ TEST(RulesCard, IsEmptyWhenThereIsNothing) {
 
 }  // namespace
 
-}  // namespace quillstead
+}  // namespace quillstead::server

@@ -1,11 +1,13 @@
 #include "server/Store/CardName.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 #include <string_view>
 
-namespace quillstead {
+namespace quillstead::server {
 
 namespace {
 
@@ -14,24 +16,30 @@ TEST(CardName, IsMadeOfTheTitlesLettersAndDigits) {
     std::string_view title;
     std::string_view name;
   };
-  for (const Case& one : {Case{"Deploying to Staging", "deploying-to-staging.md"},
-                          {"  --a/b\\c:d..  ", "a-b-c-d.md"},
-                          {"../../etc/passwd", "etc-passwd.md"},
-                          {"Größe ÄÖÜ", "größe-äöü.md"},
-                          {"数据库 备份", "数据库-备份.md"},
-                          {"...", "card.md"},
-                          {"", "card.md"},
-                          {"\xFF\xFE", "card.md"},
-                          {"👩‍👩‍👧 family", "family.md"}}) {
+  for (const Case& one : {Case{"Deploying to Staging", "deploying-to-staging-m.md"},
+                          {"  --a/b\\c:d..  ", "a-b-c-d-m.md"},
+                          {"../../etc/passwd", "etc-passwd-m.md"},
+                          {"Größe ÄÖÜ", "größe-äöü-m.md"},
+                          {"数据库 备份", "数据库-备份-m.md"},
+                          {"...", "card-m.md"},
+                          {"", "card-m.md"},
+                          {"\xFF\xFE", "card-m.md"},
+                          {"👩‍👩‍👧 family", "family-m.md"}}) {
     SCOPED_TRACE(one.title);
-    EXPECT_EQ(CardName::fromTitle(one.title, 1), one.name);
+    EXPECT_EQ(CardName::fromTitle(one.title, "m"), one.name);
   }
-  EXPECT_EQ(CardName::fromTitle("T", 2), "t-2.md");
 }
 
 TEST(CardName, IsCutBetweenCharacters) {
-  const std::string name = CardName::fromTitle(std::string(59, 'a') + "é", 1);
-  EXPECT_EQ(name, std::string(59, 'a') + ".md");
+  const std::string name = CardName::fromTitle(std::string(59, 'a') + "é", "m");
+  EXPECT_EQ(name, std::string(59, 'a') + "-m.md");
+}
+
+TEST(CardName, IsMarkedDifferentlyEachTime) {
+  std::set<std::string> marks;
+  for (int count = 0; count < 1'000; ++count) marks.insert(CardName::randomMark());
+  EXPECT_GE(marks.size(), 999U);
+  EXPECT_THAT(marks, ::testing::Each(::testing::MatchesRegex("[0-9a-z]{6}")));
 }
 
 TEST(CardName, HasFlawsThatAreTold) {
@@ -60,4 +68,4 @@ TEST(CardName, HasFlawsThatAreTold) {
 
 }  // namespace
 
-}  // namespace quillstead
+}  // namespace quillstead::server

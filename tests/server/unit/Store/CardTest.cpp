@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-namespace quillstead {
+namespace quillstead::server {
 
 namespace {
 
@@ -19,6 +19,7 @@ TEST(Card, TakesItsTitleFromTheFirstHeading) {
                           {"before\n## Later\nafter", "Later", "before\n## Later\nafter"},
                           {"```\n# code\n```\n# Real\n", "Real", "```\n# code\n```\n# Real"},
                           {"#\n# Second\nb", "Second", "#\n# Second\nb"},
+                          {"# \x01\x02\n# Second", "Second", "# \x01\x02\n# Second"},
                           {"no heading", "file", "no heading"},
                           {"", "file", ""},
                           {"---\ntags: a\n---\n# T\r\n\r\none\r\ntwo\r\n", "T", "one\ntwo"},
@@ -41,17 +42,6 @@ TEST(Card, ReadsItsTags) {
               ::testing::ElementsAre("x", "y"));
 }
 
-TEST(Card, PutsTextOnOneLine) {
-  EXPECT_EQ(onOneLine("  a \n\t b\x01"
-                      "c\u2028d "),
-            "a b c d");
-  EXPECT_EQ(onOneLine("\n"), "");
-  EXPECT_EQ(onOneLine("a\xFF"
-                      "b"),
-            "a\uFFFD"
-            "b");
-}
-
 }  // namespace
 
-}  // namespace quillstead
+}  // namespace quillstead::server

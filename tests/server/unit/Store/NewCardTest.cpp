@@ -4,12 +4,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <string>
 #include <string_view>
 
-namespace quillstead {
+namespace quillstead::server {
 
 namespace {
 
@@ -70,13 +71,31 @@ TEST(NewCard, ShortensATitleThatIsALongLine) {
 TEST(NewCard, GetsANameOfItsOwn) {
   const unit::TemporaryDirectory directory;
   const NewCard card{.text = "x", .title = "Same", .tags = {}, .session = {}, .subagent = {}};
-  for (const std::string_view name : {"same.md", "same-2.md", "same-3.md"}) {
+  for (int count = 0; count < 3; ++count) {
     const auto outcome = NewCards::add(personal(directory), card);
     ASSERT_TRUE(std::holds_alternative<AddedCard>(outcome));
-    EXPECT_EQ(std::get<AddedCard>(outcome).fileName, name);
-    EXPECT_THAT(unit::contentsOf(directory / "store/memory/" + std::string(name)),
+    const std::string& name = std::get<AddedCard>(outcome).fileName;
+    EXPECT_THAT(name, ::testing::MatchesRegex("same-[0-9a-z]{6}\\.md"));
+    EXPECT_THAT(unit::contentsOf(directory / "store/memory/" + name),
                 ::testing::EndsWith("# Same\n\nx\n"));
   }
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory / "store/memory"), {}), 3);
+}
+
+TEST(NewCard, IsForTheUserOnlyInThePersonalStoreAndAsTheMaskSaysInAProject) {
+  using std::filesystem::perms;
+  const unit::TemporaryDirectory directory;
+  const NewCard card{.text = "x", .title = {}, .tags = {}, .session = {}, .subagent = {}};
+  const mode_t before = umask(002);
+  for (const Store::Kind kind : {Store::Kind::personal, Store::Kind::project}) {
+    const Store store{.kind = kind, .root = directory / std::string(nameOf(kind))};
+    const auto outcome = NewCards::add(store, card);
+    ASSERT_TRUE(std::holds_alternative<AddedCard>(outcome));
+    const std::string file = store.root + "/memory/" + std::get<AddedCard>(outcome).fileName;
+    const auto mode = std::filesystem::status(file).permissions();
+    EXPECT_EQ(static_cast<unsigned>(mode), kind == Store::Kind::personal ? 0600U : 0664U);
+  }
+  umask(before);
 }
 
 TEST(NewCard, IsRefusedWhereItsDirectoryCannotBe) {
@@ -102,4 +121,4 @@ TEST(NewCard, IsRefusedWhenTheMemoryDirectoryLeadsOutOfTheStore) {
 
 }  // namespace
 
-}  // namespace quillstead
+}  // namespace quillstead::server

@@ -1,3 +1,4 @@
+#include "server/Store/PrivateFiles.h"
 #include "server/Store/StoreFiles.h"
 #include "unit/helpers/Files.h"
 
@@ -11,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-namespace quillstead {
+namespace quillstead::server {
 
 namespace {
 
@@ -35,9 +36,10 @@ class StoreFilesTest : public ::testing::Test {
 
   [[nodiscard]] std::vector<std::string> cards() const {
     std::vector<std::string> names;
-    StoreFiles::forEachCard(
-        StoreFiles::openCards(store()),
-        [&](std::string_view name, OS::FileStamp) { names.emplace_back(name); });
+    const OS::Descriptor opened = StoreFiles::openCards(store());
+    StoreFiles::forEachCardName(opened, [&](const char* name) {
+      if (StoreFiles::cardStamp(opened, Store::Kind::project, name)) names.emplace_back(name);
+    });
     return names;
   }
 
@@ -53,12 +55,18 @@ class StoreFilesTest : public ::testing::Test {
         return "[missing]";
       case NoText::outsideStore:
         return "[outside]";
+      case NoText::someoneElses:
+        return "[someone else's]";
+      case NoText::everybodys:
+        return "[everybody's]";
       case NoText::notAFile:
         return "[not a file]";
       case NoText::tooLarge:
         return "[too large]";
       case NoText::binary:
         return "[binary]";
+      case NoText::conflict:
+        return "[conflict]";
       case NoText::unreadable:
         break;
     }
@@ -102,6 +110,66 @@ TEST_F(StoreFilesTest, GivesAFilesTextOrTheReasonWhyNot) {
   EXPECT_EQ(card("pipe.md"), "[not a file]");
   EXPECT_EQ(card("sub"), "[not a file]");
   EXPECT_EQ(card("none.md"), "[missing]");
+}
+
+TEST_F(StoreFilesTest, GivesNeitherSideOfAConflict) {
+  const std::string marked = "# A\n<<<<<<< HEAD\nours\n=======\ntheirs\n>>>>>>> main\n";
+  put("conflict.md", marked);
+  put("windows.md", "<<<<<<< HEAD\r\nx\r\n=======\r\ny\r\n>>>>>>> main\r\n");
+  put("coded.md", "```\n" + marked + "```\n");
+  put("told.md",
+      "git writes `<<<<<<< HEAD` and `>>>>>>> main`\n    <<<<<<< HEAD\n    >>>>>>> main");
+  put("quoted.md", ">>>>>>> a\n<<<<<<< b\n");
+  for (const char* const name : {"conflict.md", "windows.md", "coded.md"}) {
+    EXPECT_EQ(card(name), "[conflict]") << name;
+  }
+  for (const char* const name : {"told.md", "quoted.md"}) {
+    EXPECT_NE(card(name), "[conflict]") << name;
+  }
+  unit::writeFile(directory / "store/rules.md", marked);
+  EXPECT_EQ(described(StoreFiles::readRules(store())), "[conflict]");
+}
+
+TEST_F(StoreFilesTest, FollowsAnAbsoluteLinkThatStaysInTheStore) {
+  put("target.md", "inside");
+  fs::create_symlink(directory / "store/memory/target.md", directory / "store/memory/link.md");
+  EXPECT_EQ(card("link.md"), "inside");
+}
+
+TEST_F(StoreFilesTest, PassesOverWhatIsNotTheUsersOwn) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can give files away";
+  constexpr uid_t stranger = 1001;
+  put("theirs.md", "theirs");
+  put("ours.md", "ours");
+  fs::create_symlink("ours.md", directory / "store/memory/link.md");
+  for (const char* const name : {"theirs.md", "link.md"}) {
+    const std::string path = directory / "store/memory/" + name;
+    ASSERT_EQ(lchown(path.c_str(), stranger, stranger), 0);
+  }
+  EXPECT_THAT(cards(), ::testing::ElementsAre("ours.md"));
+  EXPECT_EQ(card("theirs.md"), "[someone else's]");
+  EXPECT_EQ(card("link.md"), "[someone else's]");
+  ASSERT_EQ(chown((directory / "store/memory").c_str(), stranger, stranger), 0);
+  EXPECT_TRUE(cards().empty());
+}
+
+TEST_F(StoreFilesTest, TellsWhatOfThePersonalStoreOthersMayRead) {
+  Store personal = store();
+  personal.kind = Store::Kind::personal;
+  put("a.md", "a");
+  put("b.md", "b");
+  const auto only = [&](const char* name, fs::perms mode) {
+    fs::permissions(directory / "store" + std::string(name), mode);
+  };
+  only("", fs::perms::owner_all);
+  only("/memory", static_cast<fs::perms>(0750));
+  only("/memory/a.md", static_cast<fs::perms>(0600));
+  only("/memory/b.md", static_cast<fs::perms>(0644));
+  const auto wide = PrivateFiles::widerThanPrivate(personal);
+  ASSERT_EQ(wide.size(), 2U);
+  EXPECT_EQ(wide.front().path, directory / "store/memory");
+  EXPECT_EQ(wide.front().mode, 0750U);
+  EXPECT_EQ(wide.back().path, directory / "store/memory/b.md");
 }
 
 TEST_F(StoreFilesTest, FollowsLinksWithinTheStoreOnly) {
@@ -157,4 +225,4 @@ TEST_F(StoreFilesTest, HasNoCardsInADirectoryItMayNotRead) {
 
 }  // namespace
 
-}  // namespace quillstead
+}  // namespace quillstead::server

@@ -7,11 +7,18 @@
 #include <filesystem>
 #include <string>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 namespace {
 
 using ::testing::HasSubstr;
+
+/// What is in the file of a card that was added.
+std::string textOf(const MemoryStage& stage, const Answer& added) {
+  const bool isPersonal = added.metaText("quillstead/store") == "personal";
+  return unit::contentsOf(stage.path(std::string(isPersonal ? "home" : "project") +
+                                     "/.quillstead/memory/" + added.metaText("quillstead/file")));
+}
 
 TEST(MemoryAdd, WritesACardThatTheNextPromptRecalls) {
   const MemoryStage stage;
@@ -20,9 +27,8 @@ TEST(MemoryAdd, WritesACardThatTheNextPromptRecalls) {
       R"({"text":"Ducks – naïve ones","title":"Ente","tags":["a","b"],"_quillstead_session":"s 1"})");
   EXPECT_FALSE(added.isError);
   EXPECT_EQ(added.metaText("quillstead/store"), "project");
-  EXPECT_EQ(added.metaText("quillstead/file"), "ente.md");
   EXPECT_THAT(
-      unit::contentsOf(stage.path("project/.quillstead/memory/ente.md")),
+      textOf(stage, added),
       ::testing::MatchesRegex("---\ntags: \\[a, b\\]\ncreated: [0-9TZ:-]+\nsession: s 1\n---\n\n"
                               "# Ente\n\nDucks – naïve ones\n"));
   EXPECT_THAT(stage.recalled("ducks"), ::testing::ElementsAre("Ente"));
@@ -30,17 +36,16 @@ TEST(MemoryAdd, WritesACardThatTheNextPromptRecalls) {
 
 TEST(MemoryAdd, RecordsWhoAdds) {
   const MemoryStage stage;
-  (void)stage.call("memory_add", R"({"text":"x","title":"T","_quillstead_subagent":"a7"})");
-  EXPECT_THAT(unit::contentsOf(stage.path("project/.quillstead/memory/t.md")),
-              HasSubstr("\nsubagent: a7\n"));
+  const Answer added =
+      stage.call("memory_add", R"({"text":"x","title":"T","_quillstead_subagent":"a7"})");
+  EXPECT_THAT(textOf(stage, added), HasSubstr("\nsubagent: a7\n"));
 }
 
 TEST(MemoryAdd, GoesWhereItIsTold) {
   MemoryStage stage;
-  EXPECT_EQ(
-      stage.call("memory_add", R"({"text":"a","store":"personal"})").metaText("quillstead/store"),
-      "personal");
-  EXPECT_EQ(unit::contentsOf(stage.path("home/.quillstead/memory/a.md")).substr(0, 4), "---\n");
+  const Answer added = stage.call("memory_add", R"({"text":"a","store":"personal"})");
+  EXPECT_EQ(added.metaText("quillstead/store"), "personal");
+  EXPECT_THAT(textOf(stage, added), ::testing::StartsWith("---\n"));
 
   const std::string outside = R"("cwd":)" + jsonText(stage.path("home"));
   EXPECT_EQ(
@@ -52,8 +57,9 @@ TEST(MemoryAdd, GoesWhereItIsTold) {
   EXPECT_THAT(refused.text, HasSubstr("There is no project here"));
 
   stage.set("QUILLSTEAD_HOME", stage.path("chosen"));
-  (void)stage.call("memory_add", R"({"text":"d","store":"personal"})");
-  EXPECT_TRUE(std::filesystem::exists(stage.path("chosen/memory/d.md")));
+  const Answer chosen = stage.call("memory_add", R"({"text":"d","store":"personal"})");
+  EXPECT_TRUE(
+      std::filesystem::exists(stage.path("chosen/memory/" + chosen.metaText("quillstead/file"))));
 }
 
 TEST(MemoryAdd, LeavesNothingElseBehind) {
@@ -62,7 +68,7 @@ TEST(MemoryAdd, LeavesNothingElseBehind) {
   int files = 0;
   for (const auto& entry :
        std::filesystem::directory_iterator(stage.path("project/.quillstead/memory"))) {
-    EXPECT_EQ(entry.path().filename(), "x.md");
+    EXPECT_THAT(entry.path().filename().string(), ::testing::MatchesRegex("x-[0-9a-z]{6}\\.md"));
     ++files;
   }
   EXPECT_EQ(files, 1);
@@ -97,18 +103,17 @@ TEST(MemoryAdd, RefusesArgumentsOfAWrongKind) {
        {"{}", R"({"text":""})", R"({"text":" \n"})", R"({"text":5})", R"({"text":"a\u0000b"})",
         R"({"text":"x","title":5})", R"({"text":"x","tags":5})", R"({"text":"x","tags":[5]})",
         R"({"text":"x","store":"both"})", R"({"text":"x","_quillstead_session":5})"}) {
-    EXPECT_EQ(stage.call("memory_add", arguments).errorCode, -32602) << arguments;
+    EXPECT_TRUE(stage.call("memory_add", arguments).isError) << arguments;
   }
   EXPECT_FALSE(std::filesystem::exists(stage.path("project/.quillstead/memory")));
 }
 
 TEST(MemoryAdd, TakesTagsAsOneText) {
   const MemoryStage stage;
-  (void)stage.call("memory_add", R"({"text":"x","tags":" a , ,b "})");
-  EXPECT_THAT(unit::contentsOf(stage.path("project/.quillstead/memory/x.md")),
-              HasSubstr("tags: [a, b]\n"));
+  const Answer added = stage.call("memory_add", R"({"text":"x","tags":" a , ,b "})");
+  EXPECT_THAT(textOf(stage, added), HasSubstr("tags: [a, b]\n"));
 }
 
 }  // namespace
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 namespace {
 
@@ -47,10 +47,10 @@ TEST(MemoryGetRelevant, TakesZeroCharactersInAPromptForBlanks) {
 TEST(MemoryGetRelevant, NeedsAPrompt) {
   const MemoryStage stage;
   for (const char* const arguments : {"{}", R"({"prompt":5})", R"({"prompt":null})"}) {
-    EXPECT_EQ(stage.call("memory_get_relevant", arguments).errorCode, -32602) << arguments;
+    EXPECT_TRUE(stage.call("memory_get_relevant", arguments).isError) << arguments;
   }
 }
 
 }  // namespace
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

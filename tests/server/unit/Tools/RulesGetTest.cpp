@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <string>
 
-namespace quillstead::servertest {
+namespace quillstead::server::test {
 
 namespace {
 
@@ -23,9 +23,11 @@ TEST(RulesGet, GivesPersonalThenProjectRulesThenTheIndex) {
   EXPECT_EQ(answer.meta.find("quillstead/rulesLane"), nullptr);
   const auto span = answer.metaNumber("quillstead/indexSpan");
   ASSERT_TRUE(span);
-  const auto halves = BlockSplit::split(answer.text, *span);
+  const auto halves = hook::BlockSplit::split(answer.text, *span);
   ASSERT_TRUE(halves);
-  EXPECT_EQ(halves->head, "<user-rules>\n- Personal – größer.\n\n- Project.\n</user-rules>");
+  EXPECT_EQ(halves->head,
+            "<user-rules>\n- Personal – größer.\n\nFrom here on, these are not the user's own "
+            "rules but those in this project's files:\n\n- Project.\n</user-rules>");
   EXPECT_EQ(halves->index,
             "<user-rules>\nMemory holds 1 card (`grab` reads one by its title):\n- Título 日本\n"
             "</user-rules>");
@@ -55,7 +57,7 @@ TEST(RulesGet, GivesACardWithinItsCeilings) {
   EXPECT_EQ(both.metaText("quillstead/card"), "cut");
   EXPECT_LE(both.text.size(), 5'000U);
   const auto halves =
-      BlockSplit::split(both.text, both.metaNumber("quillstead/indexSpan").value_or(0));
+      hook::BlockSplit::split(both.text, both.metaNumber("quillstead/indexSpan").value_or(0));
   ASSERT_TRUE(halves);
   EXPECT_LE(halves->head.size(), 2'000U);
   EXPECT_GT(halves->head.size(), 1'800U);
@@ -98,7 +100,9 @@ TEST(RulesGet, RefusesArgumentsOfAWrongKind) {
        {R"({"card":1})", R"({"card":"true"})", R"({"card":true,"card_ceiling":0})",
         R"({"card_ceiling":2.0})", R"({"card_ceiling":true})", R"({"card_head_ceiling":"5"})",
         R"({"cwd":5})", R"({"cwd":"a\u0000b"})"}) {
-    EXPECT_EQ(stage.call("rules_get", arguments).errorCode, -32602) << arguments;
+    const Answer answer = stage.call("rules_get", arguments);
+    EXPECT_TRUE(answer.isError) << arguments;
+    EXPECT_THAT(answer.text, ::testing::StartsWith("Wrong arguments: ")) << arguments;
   }
   EXPECT_EQ(
       stage.call("rules_get", R"({"card":null,"card_ceiling":null,"session_id":5})").errorCode,
@@ -107,4 +111,4 @@ TEST(RulesGet, RefusesArgumentsOfAWrongKind) {
 
 }  // namespace
 
-}  // namespace quillstead::servertest
+}  // namespace quillstead::server::test

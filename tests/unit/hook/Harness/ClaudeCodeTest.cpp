@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead {
+namespace quillstead::hook {
 namespace {
+
+constexpr std::string_view event = "UserPromptSubmit";
 
 using unit::described;
 using unit::InputCase;
@@ -50,7 +52,7 @@ TEST(ClaudeCodeAdapter, RefusesWhatIsNoObject) {
 
 TEST(ClaudeCodeAdapter, WrapsTheTextForItsPromptHook) {
   const std::string text = "<quillstead-memory>\nx\n</quillstead-memory>";
-  const std::string envelope = adapter.envelope(text);
+  const std::string envelope = adapter.envelope(text, event);
   EXPECT_TRUE(unit::areEquivalent(
       unit::parsed(envelope),
       JSON::objectOf({{"hookSpecificOutput", JSON::objectOf({{"hookEventName", "UserPromptSubmit"},
@@ -60,7 +62,7 @@ TEST(ClaudeCodeAdapter, WrapsTheTextForItsPromptHook) {
 }
 
 TEST(ClaudeCodeAdapter, EscapesSlashesInItsEnvelope) {
-  EXPECT_NE(adapter.envelope("a/b").find(R"("a\/b")"), std::string::npos);
+  EXPECT_NE(adapter.envelope("a/b", event).find(R"("a\/b")"), std::string::npos);
 }
 
 TEST(ClaudeCodeAdapter, HasItsNameBudgetAndHeadCeilingAndNoSilence) {
@@ -72,5 +74,44 @@ TEST(ClaudeCodeAdapter, HasItsNameBudgetAndHeadCeilingAndNoSilence) {
   EXPECT_EQ(adapter.silence(), std::nullopt);
 }
 
+// --- What Codex takes over
+
+TEST(ClaudeCode, ReadsItsFourKeys) {
+  EXPECT_EQ(unit::described(ClaudeCode::input(
+                unit::documentIn(
+                    R"({"transcript_path":"/t","session_id":"s","cwd":"/p","prompt":" hi "})")
+                    .object())),
+            "[ hi ][/p][s][/t]");
+}
+
+TEST(ClaudeCode, PutsTheTextIntoTheAdditionalContext) {
+  const JSON::Object document = unit::parsedObject(ClaudeCode::envelope("text", event));
+  const JSON::Object* const output = JSON::objectOf(document.find("hookSpecificOutput"));
+  ASSERT_TRUE(output);
+  EXPECT_EQ(document.size(), 1U);
+  EXPECT_EQ(output->size(), 2U);
+  EXPECT_TRUE(JSON::isText(output->find("hookEventName"), "UserPromptSubmit"));
+  EXPECT_TRUE(JSON::isText(output->find("additionalContext"), "text"));
+}
+
+TEST(ClaudeCode, NamesTheEventThatItIsToldOf) {
+  for (const char* const named : {"SubagentStart", "SessionStart"}) {
+    const JSON::Object document = unit::parsedObject(adapter.envelope("text", named));
+    const JSON::Object* const output = JSON::objectOf(document.find("hookSpecificOutput"));
+    ASSERT_TRUE(output && output->size() == 2);
+    EXPECT_TRUE(JSON::isText(output->find("hookEventName"), named));
+  }
+}
+
+TEST(ClaudeCode, WritesAnyTextSoThatItReadsBack) {
+  unit::ValueGenerator generator(22);
+  for (int i = 0; i < 500; ++i) {
+    const std::string text = generator.text();
+    const JSON::Object document = unit::parsedObject(ClaudeCode::envelope(text, event));
+    const JSON::Object* const output = JSON::objectOf(document.find("hookSpecificOutput"));
+    ASSERT_TRUE(output && JSON::isText(output->find("additionalContext"), text));
+  }
+}
+
 }  // namespace
-}  // namespace quillstead
+}  // namespace quillstead::hook

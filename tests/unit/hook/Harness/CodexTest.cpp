@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead {
+namespace quillstead::hook {
 namespace {
+
+constexpr std::string_view event = "UserPromptSubmit";
 
 using unit::described;
 using unit::InputCase;
@@ -33,10 +35,10 @@ TEST(CodexAdapter, RefusesWhatIsNoObject) {
 
 TEST(CodexAdapter, WrapsTheTextForItsPromptHook) {
   EXPECT_TRUE(unit::areEquivalent(
-      unit::parsed(adapter.envelope("a/b\n")),
+      unit::parsed(adapter.envelope("a/b\n", event)),
       JSON::objectOf({{"hookSpecificOutput", JSON::objectOf({{"hookEventName", "UserPromptSubmit"},
                                                              {"additionalContext", "a/b\n"}})}})));
-  EXPECT_NE(adapter.envelope("a/b\n").find(R"("a\/b\n")"), std::string::npos);
+  EXPECT_NE(adapter.envelope("a/b\n", event).find(R"("a\/b\n")"), std::string::npos);
 }
 
 TEST(CodexAdapter, HasItsNameBudgetAndSilence) {
@@ -49,4 +51,4 @@ TEST(CodexAdapter, HasItsNameBudgetAndSilence) {
 }
 
 }  // namespace
-}  // namespace quillstead
+}  // namespace quillstead::hook

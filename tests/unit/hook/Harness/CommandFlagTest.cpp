@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead::CommandFlag {
+namespace quillstead::hook::CommandFlag {
 namespace {
 
 std::optional<std::string_view> valueIn(std::vector<std::string> arguments) {
@@ -48,4 +48,4 @@ TEST(CommandFlag, PassesOverEverythingElse) {
 }
 
 }  // namespace
-}  // namespace quillstead::CommandFlag
+}  // namespace quillstead::hook::CommandFlag

@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead {
+namespace quillstead::hook {
 namespace {
+
+constexpr std::string_view event = "UserPromptSubmit";
 
 using unit::described;
 using unit::InputCase;
@@ -54,13 +56,13 @@ TEST(CursorAdapter, RefusesWhatIsNoObject) {
 
 TEST(CursorAdapter, WrapsTheTextInAFlatDocument) {
   EXPECT_TRUE(
-      unit::areEquivalent(unit::parsed(adapter.envelope("a/b")),
+      unit::areEquivalent(unit::parsed(adapter.envelope("a/b", event)),
                           JSON::objectOf({{"continue", true}, {"additional_context", "a/b"}})));
-  EXPECT_NE(adapter.envelope("a/b").find(R"("a\/b")"), std::string::npos);
+  EXPECT_NE(adapter.envelope("a/b", event).find(R"("a\/b")"), std::string::npos);
 }
 
 TEST(CursorAdapter, SaysContinueWithABooleanAndNotAText) {
-  const JSON::Object document = unit::parsedObject(adapter.envelope("x"));
+  const JSON::Object document = unit::parsedObject(adapter.envelope("x", event));
   ASSERT_NE(document.find("continue"), nullptr);
   ASSERT_NE(document.find("continue")->boolean(), nullptr);
   EXPECT_TRUE(*document.find("continue")->boolean());
@@ -76,4 +78,4 @@ TEST(CursorAdapter, HasItsNameBudgetCardCeilingAndSilence) {
 }
 
 }  // namespace
-}  // namespace quillstead
+}  // namespace quillstead::hook

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead {
+namespace quillstead::hook {
 namespace {
 
 /// Provides what every adapter has to, and nothing more.
@@ -13,12 +13,16 @@ class PlainAdapter final : public HarnessAdapter {
   [[nodiscard]] std::optional<HookInput> parse(std::string_view /*data*/) const override {
     return HookInput{};
   }
-  [[nodiscard]] std::string envelope(std::string text) const override { return text; }
+  [[nodiscard]] std::string envelope(std::string text, std::string_view /*event*/) const override {
+    return text;
+  }
+  [[nodiscard]] CallStamp stamp() const override { return CallStamp::subagent; }
 };
 
 TEST(HarnessAdapter, ReportsAbsentForWhatAnAdapterDoesNotProvide) {
   const PlainAdapter adapter;
   EXPECT_EQ(adapter.silence(), std::nullopt);
+  EXPECT_FALSE(adapter.takesDecision());
   EXPECT_EQ(adapter.contextBudget(), std::nullopt);
   EXPECT_EQ(adapter.cardCeiling(), std::nullopt) << "not zero";
   EXPECT_EQ(adapter.cardHeadCeiling(), std::nullopt) << "not zero";
@@ -33,4 +37,4 @@ TEST(HookInput, HasAnEmptyPromptAndNothingElseAtFirst) {
 }
 
 }  // namespace
-}  // namespace quillstead
+}  // namespace quillstead::hook

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead::HarnessFlag {
+namespace quillstead::hook::HarnessFlag {
 namespace {
 
 /// The outcome in a word: the adapter's name, "unknown:" and the name, or "missing".
@@ -46,4 +46,4 @@ TEST(HarnessFlag, LetsTheFirstOfTwoWin) {
 }
 
 }  // namespace
-}  // namespace quillstead::HarnessFlag
+}  // namespace quillstead::hook::HarnessFlag

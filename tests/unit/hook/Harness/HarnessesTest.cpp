@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead::Harnesses {
+namespace quillstead::hook::Harnesses {
 namespace {
 
 TEST(Harnesses, ListTheFourWithEveryPropertyInOrder) {
@@ -16,12 +16,15 @@ TEST(Harnesses, ListTheFourWithEveryPropertyInOrder) {
     std::optional<std::int64_t> cardCeiling;
     std::optional<std::int64_t> cardHeadCeiling;
     std::optional<std::string_view> silence;
+    CallStamp stamp;
+    bool takesDecision;
   };
   const std::vector<Row> rows{
-      {"claude-code", 10'000, std::nullopt, 10'000, std::nullopt},
-      {"codex", 30'000, std::nullopt, std::nullopt, R"({"continue":true})"},
-      {"cursor", 8'000, 5'000, std::nullopt, R"({"continue":true})"},
-      {"opencode", std::nullopt, std::nullopt, std::nullopt, "{}"},
+      {"claude-code", 10'000, std::nullopt, 10'000, std::nullopt, CallStamp::subagent, false},
+      {"codex", 30'000, std::nullopt, std::nullopt, R"({"continue":true})", CallStamp::subagent,
+       true},
+      {"cursor", 8'000, 5'000, std::nullopt, R"({"continue":true})", CallStamp::session, false},
+      {"opencode", std::nullopt, std::nullopt, std::nullopt, "{}", CallStamp::subagent, true},
   };
   ASSERT_EQ(all().size(), rows.size());
   for (std::size_t at = 0; at < rows.size(); ++at) {
@@ -33,6 +36,8 @@ TEST(Harnesses, ListTheFourWithEveryPropertyInOrder) {
     EXPECT_EQ(adapter.cardCeiling(), rows[at].cardCeiling);
     EXPECT_EQ(adapter.cardHeadCeiling(), rows[at].cardHeadCeiling);
     EXPECT_EQ(adapter.silence(), rows[at].silence);
+    EXPECT_EQ(adapter.stamp(), rows[at].stamp);
+    EXPECT_EQ(adapter.takesDecision(), rows[at].takesDecision);
   }
 }
 
@@ -57,4 +62,4 @@ TEST(Harnesses, AreKnownByFourNamesInOrder) {
 }
 
 }  // namespace
-}  // namespace quillstead::Harnesses
+}  // namespace quillstead::hook::Harnesses

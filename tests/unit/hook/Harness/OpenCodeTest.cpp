@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead {
+namespace quillstead::hook {
 namespace {
+
+constexpr std::string_view event = "UserPromptSubmit";
 
 using unit::described;
 using unit::InputCase;
@@ -34,7 +36,7 @@ TEST(OpenCodeAdapter, RefusesWhatIsNoObject) {
 }
 
 TEST(OpenCodeAdapter, WrapsTheTextUnderOneKey) {
-  EXPECT_EQ(adapter.envelope("a/b\n\"c\""), R"({"context":"a\/b\n\"c\""})");
+  EXPECT_EQ(adapter.envelope("a/b\n\"c\"", event), R"({"context":"a\/b\n\"c\""})");
 }
 
 TEST(OpenCodeAdapter, HasItsNameAndSilenceAndNoBudgets) {
@@ -47,4 +49,4 @@ TEST(OpenCodeAdapter, HasItsNameAndSilenceAndNoBudgets) {
 }
 
 }  // namespace
-}  // namespace quillstead
+}  // namespace quillstead::hook

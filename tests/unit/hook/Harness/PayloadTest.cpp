@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead::Payload {
+namespace quillstead::hook::Payload {
 namespace {
 
 using unit::documentIn;
@@ -65,4 +65,4 @@ TEST(Payload, TakesEverythingElseForAbsent) {
 }
 
 }  // namespace
-}  // namespace quillstead::Payload
+}  // namespace quillstead::hook::Payload

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead::SlotFlag {
+namespace quillstead::hook::SlotFlag {
 namespace {
 
 TEST(SlotFlag, KnowsTheFourSlotsInOrder) {
@@ -25,4 +25,4 @@ TEST(SlotFlag, MatchesTheWholeNameExactly) {
 }
 
 }  // namespace
-}  // namespace quillstead::SlotFlag
+}  // namespace quillstead::hook::SlotFlag

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-namespace quillstead::MemoryLane {
+namespace quillstead::hook::MemoryLane {
 namespace {
 
 using Spans = std::vector<std::int64_t>;
@@ -73,7 +73,7 @@ TEST(MemoryLane, TakesATextThatBeginsWithItsTagUntrimmed) {
   for (const char* text :
        {"<quillstead-shortcut>", "<quillstead-shortcut>x</quillstead-shortcut> \\n"}) {
     const MetaValue value("\"" + std::string(text) + "\"");
-    EXPECT_EQ(validFenced(value.get(), tag), *value.get().text());
+    EXPECT_EQ(validFenced(value.get(), tag), *value.get().string());
   }
 }
 
@@ -296,4 +296,4 @@ TEST(MemoryLane, MayTakeAllTheTimeThatTheDeadlineLeaves) {
 }
 
 }  // namespace
-}  // namespace quillstead::MemoryLane
+}  // namespace quillstead::hook::MemoryLane

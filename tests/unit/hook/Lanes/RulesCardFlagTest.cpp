@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead::RulesCardFlag {
+namespace quillstead::hook::RulesCardFlag {
 namespace {
 
 bool isOnFor(const std::string& value) {
@@ -23,14 +23,11 @@ TEST(RulesCardFlag, IsOnForFourWordsInAnyCaseAndWithWhiteSpaceAround) {
 }
 
 TEST(RulesCardFlag, IsOffForAnythingElse) {
-  for (const char* value :
-       {"0", "off", "no", "false", "", " ", "2", "11", "y", "t", "enabled", "y es", "1.0",
-        "\xE2\x80\x8B"
-        "1",
-        "\xC3\x93N"}) {
+  for (const char* value : {"0", "off", "no", "false", "", " ", "2", "11", "y", "t", "enabled",
+                            "y es", "1.0", "\u200B1", "\xC3\x93N"}) {
     EXPECT_FALSE(isOnFor(value)) << value;
   }
 }
 
 }  // namespace
-}  // namespace quillstead::RulesCardFlag
+}  // namespace quillstead::hook::RulesCardFlag

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead::RulesLane {
+namespace quillstead::hook::RulesLane {
 namespace {
 
 using Fields = std::vector<std::string>;
@@ -214,4 +214,4 @@ TEST(RulesLane, StartsNothingWhenTheDeadlineIsSpent) {
 }
 
 }  // namespace
-}  // namespace quillstead::RulesLane
+}  // namespace quillstead::hook::RulesLane

@@ -16,7 +16,7 @@
 #include <filesystem>
 #include <thread>
 
-namespace quillstead::ChildProcess {
+namespace quillstead::hook::ChildProcess {
 namespace {
 
 using unit::ample;
@@ -235,4 +235,4 @@ TEST(ChildProcessIsolation, RunsOneChildAfterAnother) {
 }
 
 }  // namespace
-}  // namespace quillstead::ChildProcess
+}  // namespace quillstead::hook::ChildProcess

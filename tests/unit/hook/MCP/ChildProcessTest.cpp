@@ -11,7 +11,7 @@
 #include <limits>
 #include <thread>
 
-namespace quillstead::ChildProcess {
+namespace quillstead::hook::ChildProcess {
 namespace {
 
 using unit::ample;
@@ -223,11 +223,17 @@ TEST(ChildProcess, KillsAChildThatClosedItsStreamsToo) {
 
 TEST(ChildProcess, StartsAProgramByARelativePathFromTheCurrentDirectory) {
   const unit::ScopedDirectory here(QUILLSTEAD_TEST_CHILDREN);
-  for (const char* path : {"./EchoesStdin", "EchoesStdin", "../children/EchoesStdin"}) {
+  for (const char* path : {"./EchoesStdin", "../children/EchoesStdin"}) {
     const Exited result =
         exited(run({.executable = path, .input = "text", .leash = ample, .firstOutput = {}}));
     EXPECT_EQ(result.standardOutput, "text") << path;
   }
+}
+
+TEST(ChildProcess, StartsNothingByABareNameEvenFromTheCurrentDirectory) {
+  const unit::ScopedDirectory here(QUILLSTEAD_TEST_CHILDREN);
+  EXPECT_TRUE(std::holds_alternative<NotSpawned>(
+      run({.executable = "EchoesStdin", .input = {}, .leash = ample, .firstOutput = {}})));
 }
 
 TEST(ChildProcess, DoesNotSearchForAProgram) {
@@ -248,4 +254,4 @@ TEST(ChildProcess, StartsAScriptWithItsInterpreter) {
 }
 
 }  // namespace
-}  // namespace quillstead::ChildProcess
+}  // namespace quillstead::hook::ChildProcess

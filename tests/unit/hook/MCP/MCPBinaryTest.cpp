@@ -8,7 +8,7 @@
 
 #include <filesystem>
 
-namespace quillstead::MCPBinary {
+namespace quillstead::hook::MCPBinary {
 namespace {
 
 namespace fs = std::filesystem;
@@ -148,4 +148,4 @@ TEST(MCPBinary, FallsBackToTheProgramsFirstArgumentWhereTheSystemCannotTellTheEx
 }
 
 }  // namespace
-}  // namespace quillstead::MCPBinary
+}  // namespace quillstead::hook::MCPBinary

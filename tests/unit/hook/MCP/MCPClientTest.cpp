@@ -11,7 +11,7 @@
 #include <csignal>
 #include <limits>
 
-namespace quillstead {
+namespace quillstead::hook {
 namespace {
 
 using unit::ample;
@@ -148,4 +148,4 @@ TEST(MCPClient, BringsALongTextBackWhole) {
 }
 
 }  // namespace
-}  // namespace quillstead
+}  // namespace quillstead::hook

@@ -1,9 +1,9 @@
-#include "hook/MCP/MCPReply.h"
+#include "hook/MCP/MCPClient.h"
 #include "unit/helpers/Replies.h"
 
 #include <gtest/gtest.h>
 
-namespace quillstead {
+namespace quillstead::hook {
 namespace {
 
 std::string read(std::string_view output) { return unit::described(MCPReply::from(output)); }
@@ -192,4 +192,4 @@ TEST(MCPReply, NamesItsTwoReasons) {
 }
 
 }  // namespace
-}  // namespace quillstead
+}  // namespace quillstead::hook

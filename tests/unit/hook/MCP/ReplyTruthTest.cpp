@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead::ReplyTruth {
+namespace quillstead::hook::ReplyTruth {
 namespace {
 
 TEST(ReplyTruth, IsFalseForAMissingValue) { EXPECT_FALSE(isTruthy(JSON::View())); }
@@ -46,4 +46,4 @@ TEST(ReplyTruth, JudgesEveryKindOfValue) {
 }
 
 }  // namespace
-}  // namespace quillstead::ReplyTruth
+}  // namespace quillstead::hook::ReplyTruth

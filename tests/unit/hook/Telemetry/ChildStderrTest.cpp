@@ -4,15 +4,15 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-namespace quillstead::ChildStderr {
+namespace quillstead::hook::ChildStderr {
 namespace {
 
 using namespace std::string_view_literals;
 
-std::string forwarded(std::string raw, std::optional<std::int32_t> status = std::nullopt,
+std::string forwarded(const std::string& raw, std::optional<std::int32_t> status = std::nullopt,
                       std::string_view tool = "rules_get") {
   const unit::Captured captured(STDERR_FILENO);
-  forward(tool, std::move(raw), status);
+  forward(tool, raw, status);
   return captured.text();
 }
 
@@ -111,4 +111,4 @@ TEST(ChildStderr, ComposesTheRecordThatItForwards) {
 TEST(ChildStderr, KeepsANulInTheText) { EXPECT_EQ(tailOf(std::string("a\0b"sv)), "a\0b"sv); }
 
 }  // namespace
-}  // namespace quillstead::ChildStderr
+}  // namespace quillstead::hook::ChildStderr

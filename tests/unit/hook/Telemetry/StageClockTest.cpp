@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead {
+namespace quillstead::hook {
 namespace {
 
 using namespace std::chrono_literals;
@@ -42,4 +42,4 @@ TEST(StageClock, RecordsWholeMillisecondsSinceTheStart) {
 }
 
 }  // namespace
-}  // namespace quillstead
+}  // namespace quillstead::hook

@@ -1,5 +1,6 @@
 #include "hook/Telemetry/Stderr.h"
 #include "support/OS/Descriptor.h"
+#include "support/Text/Text.h"
 #include "unit/helpers/Process.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +9,7 @@
 
 #include <array>
 
-namespace quillstead::Stderr {
+namespace quillstead::hook::Stderr {
 namespace {
 
 /// What a reader of standard error gets in one go while `text` is written to it.
@@ -47,6 +48,43 @@ TEST(Stderr, ReplacesWhatIsNotUTF8) {
   EXPECT_EQ(captured.text(), "quillstead-hook: a\xEF\xBF\xBD\xEF\xBF\xBDz\n");
 }
 
+TEST(Stderr, CutsALongRecordAtTheBorderOfACharacter) {
+  for (std::size_t before = 0; before < 4; ++before) {
+    const std::string text = std::string(before, 'x') + [] {
+      std::string clefs;
+      while (clefs.size() < 100'000) clefs += "\xF0\x9D\x84\x9E";
+      return clefs;
+    }();
+    const unit::Captured captured(STDERR_FILENO);
+    line(text);
+    const std::string record = captured.text();
+    EXPECT_LE(record.size(), usualLength);
+    EXPECT_GT(record.size(), usualLength - 4);
+    EXPECT_TRUE(record.ends_with("\x9D\x84\x9E\xE2\x80\xA6\n")) << before;
+    EXPECT_EQ(Text::repaired(record), record);
+  }
+}
+
+TEST(Stderr, LeavesARecordWholeThatJustFits) {
+  const std::string_view prefix = "quillstead-hook: ";
+  const std::string text(usualLength - prefix.size() - 1, 'x');
+  const unit::Captured captured(STDERR_FILENO);
+  line(text);
+  line(text + "x");
+  EXPECT_EQ(captured.text(), std::string(prefix) + text + "\n" + std::string(prefix) +
+                                 text.substr(0, text.size() - 3) + "\xE2\x80\xA6\n");
+}
+
+TEST(Stderr, NeverWaitsForAReader) {
+  std::optional<OS::Pipe> pipe = OS::makePipe();
+  const unit::ForkedRun run = unit::inForkedProcess([&] {
+    dup2(pipe->writing.number(), STDERR_FILENO);
+    for (std::size_t i = 0; i < 1'000; ++i) line(std::string(i, 'x'), 500);
+    unit::print("went on");
+  });
+  EXPECT_EQ(run.standardOutput, "went on");
+}
+
 TEST(Stderr, LosesALineThatCannotBeWritten) {
   const unit::ForkedRun run = unit::inForkedProcess([] {
     close(STDERR_FILENO);
@@ -62,4 +100,4 @@ TEST(Stderr, LosesALineThatCannotBeWritten) {
 }
 
 }  // namespace
-}  // namespace quillstead::Stderr
+}  // namespace quillstead::hook::Stderr

@@ -14,7 +14,7 @@
 #include <map>
 #include <sstream>
 
-namespace quillstead::TelemetryLine {
+namespace quillstead::hook::TelemetryLine {
 namespace {
 
 using namespace std::chrono_literals;
@@ -160,4 +160,4 @@ TEST(TelemetryLine, KeepsTheLinesOfTwentyProcessesWhole) {
 }
 
 }  // namespace
-}  // namespace quillstead::TelemetryLine
+}  // namespace quillstead::hook::TelemetryLine

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillstead {
+namespace quillstead::hook {
 namespace {
 
 Trail trailOf(std::vector<std::string> fields) {
@@ -23,13 +23,6 @@ TEST(Trail, JoinsItsFieldsWithSingleBlanks) {
   trail.append(std::vector<std::string>{"b=2", "c=3"});
   EXPECT_FALSE(trail.empty());
   EXPECT_EQ(trail.joined(), "a=1 b=2 c=3");
-}
-
-TEST(Trail, ReplacesEveryFieldThatBeginsSoWhereItStands) {
-  Trail trail = trailOf({"rules=1", "card=1", "rules=x", "rulesX=1", "xrules=1"});
-  trail.replaceBeginningWith("rules=", "rules=MISS:over-budget");
-  EXPECT_EQ(trail.joined(),
-            "rules=MISS:over-budget card=1 rules=MISS:over-budget rulesX=1 xrules=1");
 }
 
 TEST(Trail, ReplacesEveryFieldThatIsExactlySo) {
@@ -67,4 +60,4 @@ TEST(Trail, DoesNotTakeALongerKeyForTheKey) {
 }
 
 }  // namespace
-}  // namespace quillstead
+}  // namespace quillstead::hook

@@ -101,7 +101,7 @@ TEST(ReaderLimits, ReadsATextOfMegabytes) {
   const std::string text = times(500'000, "a\xC3\xA9/ ");
   const std::optional<Document> value = read("[\"" + text + "\"]");
   ASSERT_TRUE(value && value->root().array());
-  EXPECT_EQ(*value->root().array()->front().text(), text);
+  EXPECT_EQ(*value->root().array()->front().string(), text);
 }
 
 TEST(ReaderLimits, ReadsTheSameTextWhereverItsBlocksBegin) {
@@ -112,7 +112,7 @@ TEST(ReaderLimits, ReadsTheSameTextWhereverItsBlocksBegin) {
              {"\\n", "\n"}, {"\\\"", "\""}, {"\\u00e9", "\xC3\xA9"}, {"\\\\", "\\"}}) {
       const std::optional<Document> value = read("[\"" + shifted + written + text + "\"]");
       ASSERT_TRUE(value && value->root().array()) << shift << written;
-      EXPECT_EQ(*value->root().array()->front().text(), shifted + character + text);
+      EXPECT_EQ(*value->root().array()->front().string(), shifted + character + text);
     }
     for (const char raw : {'\n', '\0', '\x1F', '\x80', '\xFF'}) {
       EXPECT_FALSE(read("[\"" + shifted + raw + text + "\"]")) << shift << raw;
@@ -128,8 +128,8 @@ TEST(ReaderLimits, ReadsSeveralLongTextsFullOfEscapes) {
       "[\"" + written + "\",\"" + written.substr(0, 70'000) + "\",\"" + written + "\"]";
   const std::optional<Document> value = read(document);
   ASSERT_TRUE(value && value->root().array());
-  EXPECT_EQ(*value->root().array()->front().text(), text);
-  EXPECT_EQ(*value->root().array()->back().text(), text);
+  EXPECT_EQ(*value->root().array()->front().string(), text);
+  EXPECT_EQ(*value->root().array()->back().string(), text);
   EXPECT_EQ(write(value->root(), Slashes::plain), document);
 }
 

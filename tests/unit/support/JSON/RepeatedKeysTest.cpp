@@ -13,7 +13,7 @@ std::vector<std::string> left(std::vector<MemberView> members) {
   const std::size_t count = dropRepeatedKeys(members);
   std::vector<std::string> all;
   for (const MemberView& member : std::span(members).first(count)) {
-    all.push_back(std::string(member.key) + "=" + std::string(member.value.text().value_or("?")));
+    all.push_back(std::string(member.key) + "=" + std::string(member.value.string().value_or("?")));
   }
   return all;
 }

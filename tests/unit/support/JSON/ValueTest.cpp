@@ -23,17 +23,17 @@ std::int64_t integerAt(const Object& object, std::string_view key) {
 
 TEST(Value, IsOfExactlyOneKind) {
   const Value values[]{
-      nullptr, true, 5, "text", Array{1}, objectOf({{"a", 1}}), View(true), JoinedText{"a", "b"}};
+      nullptr, true, 5, "text", Array{1}, objectOf({{"a", 1}}), View(true), JoinedString{"a", "b"}};
   for (std::size_t i = 0; i < std::size(values); ++i) {
     SCOPED_TRACE(i);
     EXPECT_EQ(values[i].isNull(), i == 0);
     EXPECT_EQ(values[i].boolean() != nullptr, i == 1);
     EXPECT_EQ(values[i].number().has_value(), i == 2);
-    EXPECT_EQ(values[i].text() != nullptr, i == 3);
+    EXPECT_EQ(values[i].string() != nullptr, i == 3);
     EXPECT_EQ(values[i].array() != nullptr, i == 4);
     EXPECT_EQ(values[i].object() != nullptr, i == 5);
     EXPECT_EQ(values[i].part() != nullptr, i == 6);
-    EXPECT_EQ(values[i].joinedText() != nullptr, i == 7);
+    EXPECT_EQ(values[i].joinedString() != nullptr, i == 7);
   }
   EXPECT_TRUE(Value().isNull());
 }

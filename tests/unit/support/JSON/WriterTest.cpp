@@ -60,7 +60,7 @@ TEST(Writer, EscapesEveryControlCharacter) {
   }
 }
 
-/// The plainest way to write a text of ASCII characters.
+/// The plainest way to write a string of ASCII characters.
 std::string escapedOneByOne(const std::string& text, bool slashesToo) {
   std::string written = "\"";
   for (const char character : text) {
@@ -162,14 +162,14 @@ TEST(Writer, WritesPartsOfADocumentLikeValuesOfItsOwn) {
   EXPECT_EQ(write(View(), Slashes::plain), "null");
 }
 
-TEST(Writer, WritesJoinedTextsAsOne) {
+TEST(Writer, WritesJoinedStringsAsOne) {
   for (const auto& [first, second] :
        std::vector<std::pair<std::string, std::string>>{{"", ""},
                                                         {"a", ""},
                                                         {"", "b"},
                                                         {"a/\n", "\"\xC3\xA9"},
                                                         {std::string(5'000, 'x'), "\n\n[tag]"}}) {
-    EXPECT_EQ(write(Array{JoinedText{first, second}}, Slashes::escaped),
+    EXPECT_EQ(write(Array{JoinedString{first, second}}, Slashes::escaped),
               write(Array{first + second}, Slashes::escaped));
   }
 }

@@ -20,15 +20,31 @@ TEST(Character, IsOfAWordWhenItIsALetterADigitOrAMark) {
   }
 }
 
-TEST(Character, IsAnIdeographInHanAndTheTwoKana) {
-  for (const char32_t character :
-       U"\u3005\u3007\u3041\u30FF\u31F0\u3400\u4DBF\u4E00\u9FFF\uF900\U00020000\U0003FFFF"sv) {
-    EXPECT_TRUE(isIdeograph(character)) << static_cast<std::uint32_t>(character);
+TEST(Character, IsOfAScriptThatIsTakenInPairs) {
+  struct Case {
+    std::u32string_view characters;
+    PairedScript script;
+  };
+  for (const Case& one :
+       {Case{U"\u3005\u3007\u3400\u4DBF\u4E00\u9FFF\uF900\U00020000"sv, PairedScript::han},
+        {U"\u3041\u3096"sv, PairedScript::hiragana},
+        {U"\u30A1\u30FA\u30FC\u30FF\u31F0\uFF71"sv, PairedScript::katakana},
+        {U"\uAC00\uD7A3\u1100\u3131"sv, PairedScript::hangul},
+        {U"\u0E01\u0E31\u0E59\u0E81\u1000\u102B\u1780\u17B6"sv, PairedScript::alphabet},
+        {U"a\u00E9\u0915\u093F\u3004\u3008\u3040\u3100\u30FB\u4DC0\uA000\u0E3F\U0001F600"sv,
+         PairedScript::none}}) {
+    for (const char32_t character : one.characters) {
+      EXPECT_EQ(pairedScript(character), one.script) << static_cast<std::uint32_t>(character);
+    }
   }
-  for (const char32_t character :
-       U"a\u00E9\u3004\u3008\u3040\u3100\u4DC0\uA000\uAC00\U0001F600"sv) {
-    EXPECT_FALSE(isIdeograph(character)) << static_cast<std::uint32_t>(character);
-  }
+}
+
+TEST(Character, OfHangulStandsInWordsWithSpaces) {
+  EXPECT_FALSE(isUnspacedScript(U'\uAC00'));
+  EXPECT_FALSE(isUnspacedScript(U'a'));
+  EXPECT_FALSE(isUnspacedScript(U'\u30FB'));
+  EXPECT_TRUE(isUnspacedScript(U'\u4E00'));
+  EXPECT_TRUE(isUnspacedScript(U'\u0E01'));
 }
 
 TEST(Character, HasALowerCaseFormOrIsItself) {

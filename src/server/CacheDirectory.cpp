@@ -1,0 +1,62 @@
+#include "server/CacheDirectory.h"
+
+#include "server/Store/Scope.h"
+#include "support/OS/CacheDirectory.h"
+#include "support/OS/CanonicalPath.h"
+#include "support/OS/Descriptor.h"
+#include "support/OS/Directory.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <optional>
+
+namespace quillstead::server::CacheDirectory {
+
+namespace {
+
+constexpr mode_t closedDirectory = 0700;
+constexpr mode_t closedFile = 0600;
+constexpr mode_t rightsOfOthers = 0077;
+
+std::string cachesOfAllPrograms(const OS::Environment& environment) {
+  const auto chosen = environment.value("XDG_CACHE_HOME");
+  if (chosen && chosen->starts_with('/')) return std::string(*chosen);
+  std::string home = UserPlaces::home(environment);
+  if (home.empty()) return home;
+  return home + '/' + std::string(OS::cacheDirectoryInHome());
+}
+
+/// Takes others' rights away. `status`: of what is at `path`, which is no link.
+bool closed(const std::string& path, const struct stat& status, mode_t mode) {
+  if (status.st_uid != geteuid()) return false;
+  return (status.st_mode & rightsOfOthers) == 0 || chmod(path.c_str(), mode) == 0;
+}
+
+}  // namespace
+
+std::string make(const OS::Environment& environment) {
+  const std::string caches = cachesOfAllPrograms(environment);
+  if (caches.empty()) return {};
+  const std::string directory = caches + "/quillstead";
+  if (!OS::makeDirectories(directory, closedDirectory)) return {};
+  std::optional<std::string> path = OS::canonicalPath(directory);
+  struct stat status {};
+  if (!path || lstat(path->c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return {};
+  if (!closed(*path, status, closedDirectory)) return {};
+  return std::move(*path);
+}
+
+bool makeFile(const std::string& path) {
+  struct stat status {};
+  const bool exists = lstat(path.c_str(), &status) == 0;
+  if (exists && S_ISREG(status.st_mode) && closed(path, status, closedFile)) return true;
+  if (exists && unlink(path.c_str()) != 0) return false;
+  constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+  const OS::Descriptor made(open(path.c_str(), flags, closedFile));
+  // Another server may have made it at the same time.
+  return made.isOpen() || (lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode));
+}
+
+}  // namespace quillstead::server::CacheDirectory

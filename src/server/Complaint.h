@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string_view>
+
+namespace quillstead::server {
+
+/// Tells whoever runs the server what is wrong with their files: one line on standard error, which
+/// is no answer. The same line is written once in a process, so that a server that stays does not
+/// repeat itself at every call.
+void complain(std::string_view line);
+
+}  // namespace quillstead::server

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string_view>
+
+/// Words that say little of what a prompt is about, such as "fix", "test", "file" and "list".
+namespace quillstead::server::CommonWords {
+
+/// `word`: in lower case.
+bool contains(std::string_view word);
+
+}  // namespace quillstead::server::CommonWords

@@ -1,0 +1,144 @@
+#include "server/Index/IndexQueries.h"
+
+#include "server/Index/CardSearch.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <tuple>
+
+namespace quillstead::server::IndexQueries {
+
+namespace {
+
+constexpr std::size_t leastOfOneStore = 2;
+
+/// So many of the best are looked at for cards of a store that has none among the very best.
+constexpr std::size_t mostLookedAt = 2'000;
+
+using CountOfEachStore = std::array<std::size_t, 2>;
+
+struct Candidate {
+  double score;
+  CardPlace place;
+};
+
+bool comesBefore(const Candidate& one, const Candidate& other) {
+  if (one.score != other.score) return one.score > other.score;
+  return std::tie(one.place.store, one.place.fileName) <
+         std::tie(other.place.store, other.place.fileName);
+}
+
+std::size_t& countOf(Store::Kind store, CountOfEachStore& counts) {
+  return counts.at(static_cast<std::size_t>(store));
+}
+
+std::size_t outstanding(const CountOfEachStore& reserved) { return reserved[0] + reserved[1]; }
+
+/// The `limit` best, with the places of each store that has so many kept for it.
+std::vector<CardPlace> best(std::vector<Candidate> candidates, std::size_t limit) {
+  std::sort(candidates.begin(), candidates.end(), comesBefore);
+  CountOfEachStore reserved{};
+  for (const Candidate& one : candidates) {
+    std::size_t& places = countOf(one.place.store, reserved);
+    places = std::min(places + 1, leastOfOneStore);
+  }
+  std::vector<CardPlace> found;
+  for (Candidate& one : candidates) {
+    if (found.size() == limit) break;
+    std::size_t& places = countOf(one.place.store, reserved);
+    if (places > 0) {
+      --places;
+    } else if (found.size() + outstanding(reserved) >= limit) {
+      continue;
+    }
+    found.push_back(std::move(one.place));
+  }
+  return found;
+}
+
+/// How many cards each store has to bring before there are enough; 0 for a store without cards.
+CountOfEachStore wantedOfEachStore(Database& database) {
+  CountOfEachStore wanted{};
+  Statement read = database.prepare("SELECT 1 FROM files WHERE isCard = 1 AND store = ? LIMIT 1");
+  for (const Store::Kind store : {Store::Kind::project, Store::Kind::personal}) {
+    const bool hasCards =
+        read.bind(1, static_cast<std::int64_t>(store)).step() == Statement::Step::row;
+    countOf(store, wanted) = hasCards ? leastOfOneStore : 0;
+    read.reset();
+  }
+  return wanted;
+}
+
+Store::Kind kindOf(std::int64_t column) {
+  return column == static_cast<std::int64_t>(Store::Kind::project) ? Store::Kind::project
+                                                                   : Store::Kind::personal;
+}
+
+CardPlace placeIn(const Statement& row) {
+  return {.store = kindOf(row.integer(0)), .fileName = std::string(row.text(1))};
+}
+
+std::optional<std::vector<CardPlace>> places(Statement& read) {
+  std::vector<CardPlace> all;
+  for (;;) {
+    const Statement::Step step = read.step();
+    if (step == Statement::Step::done) return all;
+    if (step == Statement::Step::failed) return std::nullopt;
+    all.push_back(placeIn(read));
+  }
+}
+
+}  // namespace
+
+std::optional<std::vector<CardPlace>> search(Database& database, std::string_view prompt,
+                                             std::size_t limit) {
+  auto scored = CardSearch::find(database, prompt, std::max(limit, mostLookedAt));
+  if (!scored) return std::nullopt;
+  std::sort(scored->begin(), scored->end(),
+            [](const auto& one, const auto& other) { return one.score > other.score; });
+
+  CountOfEachStore wanted = wantedOfEachStore(database);
+  std::vector<Candidate> candidates;
+  Statement read = database.prepare("SELECT store, name FROM files WHERE id = ?");
+  for (const CardSearch::Scored& one : *scored) {
+    const bool isEnough = candidates.size() >= limit && one.score < candidates.back().score;
+    if (isEnough && outstanding(wanted) == 0) break;
+    if (read.bind(1, one.id).step() != Statement::Step::row) return std::nullopt;
+    candidates.push_back({.score = one.score, .place = placeIn(read)});
+    std::size_t& missing = countOf(candidates.back().place.store, wanted);
+    missing -= missing > 0 ? 1U : 0U;
+    read.reset();
+  }
+  return best(std::move(candidates), limit);
+}
+
+std::optional<Titles> titles(Database& database, std::size_t limit) {
+  Titles titles;
+  Statement count = database.prepare("SELECT count(*) FROM files WHERE isCard = 1");
+  if (count.step() != Statement::Step::row) return std::nullopt;
+  titles.total = static_cast<std::size_t>(count.integer(0));
+
+  Statement read = database.prepare(
+      "SELECT title FROM files WHERE isCard = 1 ORDER BY store, modified DESC, name LIMIT ?");
+  read.bind(1, static_cast<std::int64_t>(limit));
+  for (;;) {
+    const Statement::Step step = read.step();
+    if (step == Statement::Step::done) return titles;
+    if (step == Statement::Step::failed) return std::nullopt;
+    titles.newest.emplace_back(read.text(0));
+  }
+}
+
+std::optional<std::vector<CardPlace>> withTitle(Database& database, std::string_view title,
+                                                std::size_t limit) {
+  for (const std::string_view condition : {"title = ?", "title = ? COLLATE NOCASE"}) {
+    Statement read = database.prepare("SELECT store, name FROM files WHERE isCard AND " +
+                                      std::string(condition) + " ORDER BY store, name LIMIT ?");
+    auto found = places(read.bind(1, title).bind(2, static_cast<std::int64_t>(limit)));
+    if (!found || !found->empty()) return found;
+  }
+  return std::vector<CardPlace>();
+}
+
+}  // namespace quillstead::server::IndexQueries

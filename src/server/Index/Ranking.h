@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/// The numbers by which cards are found, ranked and left out. docs/recall.md says how they work
+/// together and what comes of them.
+namespace quillstead::server::Ranking {
+
+// What is looked for.
+inline constexpr std::size_t mostWords = 64;  ///< of a prompt, which may carry a whole log
+inline constexpr std::size_t mostPromptBytes = 32'768;
+
+// How much a word says. A card is worth showing when its words of the prompt say 1 together.
+inline constexpr double ordinaryWord = 1;
+inline constexpr double commonWord = 0.5;
+inline constexpr double partOfName = 0.5;
+inline constexpr double guessedWord = 0.5;  ///< found by its beginning only
+inline constexpr double pairOfHan = 1;
+inline constexpr double pairOfHangul = 1;
+inline constexpr double pairOfHiragana = 0.25;
+inline constexpr double pairOfAlphabet = 0.25;  ///< Thai, Lao, Khmer, Burmese
+inline constexpr double otherPair = 0.5;
+inline constexpr double enough = 1;
+
+// Long prompts share some pairs with any card, so these say nothing unless the card has this part
+// of the weight of the prompt's pairs that are in any card.
+inline constexpr double leastPairsOfHangul = 0.15;
+inline constexpr double leastRunsOfAlphabet = 0.3;  ///< of pairs beside each other in both
+
+inline constexpr std::size_t shortestGuess = 4;  ///< bytes of a word's beginning
+inline constexpr std::size_t certainBeginning =
+    8;                                          ///< bytes of a word that says all as a beginning
+inline constexpr std::size_t mostGuesses = 40;  ///< at all the words of a prompt that no card has
+inline constexpr std::int64_t largeStore = 1'000;
+
+// The rank function, BM25 with additions.
+inline constexpr double saturation = 1.2;      ///< BM25's k1
+inline constexpr double lengthPenalty = 0.75;  ///< BM25's b
+inline constexpr double titleWeight = 8;
+inline constexpr double tagWeight = 4;
+inline constexpr double bodyWeight = 1;
+inline constexpr double phraseWeight = 0.5;   ///< of the rarer of two words that follow each other
+inline constexpr double coverageShare = 0.5;  ///< of a score that depends on how much of the prompt
+                                              ///< is in the card
+
+/// A card whose score is below this part of the best is not worth its room.
+inline constexpr double leastPartOfBest = 0.3;
+
+}  // namespace quillstead::server::Ranking

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+namespace quillstead::server {
+
+/// A list of words that is written as one text, with blanks between the words, and sorted when it
+/// is compiled.
+template <const std::string_view& text>
+class WordList {
+ public:
+  static bool contains(std::string_view word) {
+    return std::binary_search(words.begin(), words.end(), word);
+  }
+
+ private:
+  static constexpr std::size_t count() {
+    std::size_t found = 0;
+    bool inWord = false;
+    for (const char letter : text) {
+      if (letter != ' ' && !inWord) ++found;
+      inWord = letter != ' ';
+    }
+    return found;
+  }
+
+  static constexpr auto sorted() {
+    std::array<std::string_view, count()> all;
+    std::size_t found = 0;
+    for (std::size_t begin = 0; begin < text.size();) {
+      const std::size_t end = std::min(text.find(' ', begin), text.size());
+      if (end > begin) all[found++] = text.substr(begin, end - begin);
+      begin = end + 1;
+    }
+    std::sort(all.begin(), all.end());
+    return all;
+  }
+
+  static constexpr auto words = sorted();
+};
+
+}  // namespace quillstead::server

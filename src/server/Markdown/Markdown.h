@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The little of Markdown that memory has to understand, line by line.
+namespace quillstead::server::Markdown {
+
+/// The text of a heading, "# Title" to "###### Title"; absent when the line is none.
+std::optional<std::string_view> heading(std::string_view line);
+
+/// True for an item of an outermost list: "- text", "* text", "+ text", "1. text", "1) text".
+bool isListItem(std::string_view line);
+
+/// Follows which lines lie in code between "```" or "~~~".
+class CodeFence {
+ public:
+  /// Takes the next line; true when it is code, or opens or closes code.
+  bool covers(std::string_view line);
+
+  /// True after a line that opened code which no line has closed.
+  [[nodiscard]] bool isOpen() const { return mark_ != 0; }
+
+ private:
+  std::string_view::value_type mark_ = 0;  ///< 0 outside of code
+  std::size_t length_ = 0;
+};
+
+/// `text` with each heading two levels lower, at most at the sixth. Lines in code stay as they are,
+/// but for two: a heading that is followed by a line in brackets, as the header of a card is, and
+/// one in code that never ends.
+std::string withLowerHeadings(std::string_view text);
+
+}  // namespace quillstead::server::Markdown

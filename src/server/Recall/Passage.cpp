@@ -1,0 +1,168 @@
+#include "server/Recall/Passage.h"
+
+#include "server/Index/WordSplitter.h"
+#include "support/Text/Text.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+namespace quillstead::server::Passage {
+
+namespace {
+
+using Words::SearchTerm;
+
+/// Where a word of the prompt is in a text.
+struct Match {
+  std::size_t at;
+  std::size_t end;
+  std::size_t term;
+};
+
+/// Two forms of a word have so many bytes in common at least.
+constexpr std::size_t shortestForm = 4;
+
+/// True when the word may be another form of the term: both begin with most of the term.
+bool isFormOf(std::string_view word, const SearchTerm& term) {
+  const std::size_t most = std::max(shortestForm, (term.word.size() * 3 + 3) / 4);
+  return term.word.size() >= most && word.starts_with(std::string_view(term.word).substr(0, most));
+}
+
+/// Knows terms by their words.
+class Terms {
+ public:
+  explicit Terms(const std::vector<SearchTerm>& terms) : terms_(terms) {
+    for (std::size_t at = 0; at < terms.size(); ++at) {
+      places_.emplace(terms[at].word, at);
+      beginnings_.push_back(beginningOf(terms[at].word));
+    }
+    std::sort(beginnings_.begin(), beginnings_.end());
+  }
+
+  /// The term that the word is, or is a form of.
+  [[nodiscard]] std::optional<std::size_t> find(const WordSplitter::Word& word) const {
+    if (!mayBeOne(word.text)) return std::nullopt;
+    const bool isPair = word.script != Text::PairedScript::none;
+    const std::string lowered = isPair ? std::string(word.text) : Words::lowered(word.text);
+    const auto same = places_.find(lowered);
+    if (same != places_.end()) return same->second;
+    if (isPair) return std::nullopt;
+    const auto form = std::find_if(terms_.begin(), terms_.end(), [&lowered](const auto& term) {
+      return isFormOf(lowered, term);
+    });
+    if (form == terms_.end()) return std::nullopt;
+    return static_cast<std::size_t>(form - terms_.begin());
+  }
+
+ private:
+  /// The bytes that a form has in common with its term at least, in one number and ASCII letters
+  /// in lower case. Other bytes may be taken for each other.
+  static std::uint32_t beginningOf(std::string_view word) {
+    constexpr std::uint32_t lowerCase = 0x20;
+    std::uint32_t beginning = 0;
+    for (const char byte : word.substr(0, shortestForm)) {
+      beginning = beginning << 8U | static_cast<unsigned char>(byte) | lowerCase;
+    }
+    return beginning;
+  }
+
+  /// A quick look that spares most words of a text the others. A letter beyond ASCII may have other
+  /// bytes in lower case.
+  [[nodiscard]] bool mayBeOne(std::string_view word) const {
+    const std::string_view beginning = word.substr(0, shortestForm);
+    const bool isASCII = std::all_of(beginning.begin(), beginning.end(), [](char byte) {
+      return static_cast<unsigned char>(byte) < 0x80;
+    });
+    return !isASCII ||
+           std::binary_search(beginnings_.begin(), beginnings_.end(), beginningOf(word));
+  }
+
+  const std::vector<SearchTerm>& terms_;
+  std::vector<std::uint32_t> beginnings_;  ///< of the terms, sorted
+  std::unordered_map<std::string_view, std::size_t> places_;
+};
+
+std::vector<Match> matches(std::string_view text, const std::vector<SearchTerm>& terms) {
+  const Terms known(terms);
+  std::vector<Match> all;
+  const char* const begin = text.data();
+  const char* const end = begin + text.size();
+  WordSplitter::split(text, [&](const WordSplitter::Word& word) {
+    const char* const place = word.text.data();
+    const bool isHere = !std::less<>()(place, begin) && std::less<>()(place, end);
+    if (!isHere || word.kind == WordSplitter::Word::Kind::run) return;
+    const auto at = static_cast<std::size_t>(place - begin);
+    if (const auto term = known.find(word)) {
+      all.push_back({.at = at, .end = at + word.text.size(), .term = *term});
+    }
+  });
+  return all;
+}
+
+/// Where the `width` bytes begin in which the terms say most, each counted once.
+std::size_t bestPlace(const std::vector<Match>& all, const std::vector<SearchTerm>& terms,
+                      std::size_t width) {
+  std::vector<std::size_t> counts(terms.size());
+  std::size_t place = 0;
+  double most = 0;
+  double says = 0;
+  std::size_t next = 0;  // the first match behind those bytes
+  for (const Match& first : all) {
+    for (; next < all.size() && all[next].end <= first.at + width; ++next) {
+      if (counts[all[next].term]++ == 0) says += terms[all[next].term].says;
+    }
+    if (says > most) {
+      most = says;
+      place = first.at;
+    }
+    if (next < all.size() && &all[next] == &first) {
+      ++next;  // a word that is longer than the width
+    } else if (--counts[first.term] == 0) {
+      says -= terms[first.term].says;
+    }
+  }
+  return place;
+}
+
+bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; }
+
+/// Where a passage that holds what is from `match` on begins.
+std::size_t beginningFor(std::string_view text, std::size_t match, std::size_t room) {
+  const std::size_t earliest = match > room ? match - room : 0;
+  if (earliest == 0) return 0;
+  for (const char* const border : {"\n", " "}) {
+    const std::size_t found = text.find(border, earliest);
+    if (found < match) return found + 1;
+  }
+  std::size_t begin = earliest;
+  while (begin < match && isContinuation(text[begin])) ++begin;
+  return begin;
+}
+
+}  // namespace
+
+std::string_view beginning(std::string_view text, std::size_t limit) {
+  if (text.size() <= limit) return text;
+  const std::size_t near = limit - limit / 5;
+  for (const char border : {'\n', ' '}) {
+    const std::size_t found = text.rfind(border, limit);
+    if (found != std::string_view::npos && found >= near) return text.substr(0, found);
+  }
+  while (limit > 0 && isContinuation(text[limit])) --limit;
+  return text.substr(0, limit);
+}
+
+std::string_view best(std::string_view text, const std::vector<SearchTerm>& terms,
+                      std::size_t limit) {
+  if (text.size() <= limit) return text;
+  const std::size_t room = limit / 4;  // before the first match
+  const std::size_t place = bestPlace(matches(text, terms), terms, limit - room);
+  const std::size_t begin = beginningFor(text, place, room);
+  return Text::trimmed(beginning(text.substr(begin), limit));
+}
+
+}  // namespace quillstead::server::Passage

@@ -1,0 +1,93 @@
+#include "server/Session/SessionFile.h"
+
+#include "server/CacheDirectory.h"
+#include "support/OS/Directory.h"
+#include "support/OS/MonotonicClock.h"
+#include "support/Text/Hash.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <vector>
+
+namespace quillstead::server {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::chrono::milliseconds patience = 200ms;
+constexpr std::chrono::hours lifetime = 24h * 7;
+constexpr std::string_view suffix = ".session";
+constexpr std::size_t largest = 262'144;  // bytes
+
+/// True when the lock was had in time.
+bool locked(const OS::Descriptor& file) {
+  const auto start = OS::MonotonicClock::now();
+  for (;;) {
+    if (flock(file.number(), LOCK_EX | LOCK_NB) == 0) return true;
+    if (errno != EWOULDBLOCK && errno != EINTR) return false;
+    if (OS::MonotonicClock::now() - start >= patience) return false;
+    poll(nullptr, 0, 1);
+  }
+}
+
+void removeOld(const OS::Descriptor& directory) {
+  const std::chrono::nanoseconds now = std::chrono::system_clock::now().time_since_epoch();
+  std::vector<std::string> old;
+  OS::forEachName(directory, suffix, [&](const char* name) {
+    const auto stamp = OS::stampOf(directory, name);
+    if (stamp && now - std::chrono::nanoseconds(stamp->modified) > lifetime) old.emplace_back(name);
+  });
+  for (const std::string& name : old) unlinkat(directory.number(), name.c_str(), 0);
+}
+
+bool isPlainFileOfOurs(const struct stat& status) {
+  return S_ISREG(status.st_mode) && status.st_uid == geteuid();
+}
+
+}  // namespace
+
+std::optional<SessionFile> SessionFile::opened(std::string_view session,
+                                               const OS::Environment& environment) {
+  constexpr mode_t onlyForTheUser = 0600;
+  const std::string path = CacheDirectory::make(environment);
+  if (path.empty()) return std::nullopt;
+  const OS::Descriptor directory = OS::openDirectory(path, OS::Links::followed);
+  if (!directory.isOpen()) return std::nullopt;
+  const std::string name = Text::inHexadecimal(Text::hashOf(session)) + std::string(suffix);
+  OS::Descriptor file(openat(directory.number(), name.c_str(),
+                             O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
+                             onlyForTheUser));
+  struct stat status {};
+  if (!file.isOpen() || fstat(file.number(), &status) != 0 || !isPlainFileOfOurs(status) ||
+      !locked(file)) {
+    return std::nullopt;
+  }
+  if (status.st_size == 0) removeOld(directory);
+  return SessionFile(std::move(file));
+}
+
+std::optional<SessionState> SessionFile::read() const {
+  std::string text(largest, '\0');
+  std::size_t count = 0;
+  while (count < text.size()) {
+    const OS::Transfer part = OS::read(file_.number(), text.data() + count, text.size() - count);
+    if (part.result != OS::Transfer::Result::moved) break;
+    count += part.count;
+  }
+  return SessionState::parse(std::string_view(text).substr(0, count));
+}
+
+void SessionFile::write(const SessionState& state) const {
+  // Emptied first: whoever is killed in between leaves nothing that could be taken for a state.
+  if (ftruncate(file_.number(), 0) != 0 || lseek(file_.number(), 0, SEEK_SET) != 0) return;
+  OS::writeAll(file_.number(), state.written());
+}
+
+}  // namespace quillstead::server

@@ -1,0 +1,226 @@
+#include "server/Shown.h"
+
+#include "support/Text/Category.h"
+#include "support/Text/Character.h"
+#include "support/Text/Lines.h"
+#include "support/Text/Text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quillstead::server::Shown {
+
+namespace {
+
+using Text::Category;
+using Text::Decoded;
+
+constexpr char32_t nonJoiner = 0x200C;
+constexpr char32_t joiner = 0x200D;
+constexpr std::string_view ellipsis = "…";
+
+/// A line is made of so many bytes at most, so that an endless title costs nothing.
+constexpr std::size_t mostLookedAt = 4'096;
+
+/// What the names of our fences begin with.
+constexpr std::array<std::string_view, 2> fenceNames{"user-rules", "quillstead-"};
+
+Decoded takeFirst(std::string_view& text) {
+  const Decoded first = Text::decodeFirst(text);
+  text.remove_prefix(first.length);
+  return first;
+}
+
+/// What a reader does not see: it does not keep "<" and the letter behind it apart.
+bool isUnseen(char32_t character) {
+  const Category category = Text::categoryOf(character);
+  const bool isSpace = character == '\t' || character == '\n';
+  return category == Category::format || (category == Category::control && !isSpace) ||
+         Text::isVariationSelector(character);
+}
+
+bool isSpace(char32_t character) {
+  return character == '\t' || character == '\n' ||
+         Text::categoryOf(character) == Category::whiteSpace;
+}
+
+bool isOpening(char32_t character) {
+  constexpr char32_t small = 0xFE64;
+  constexpr char32_t fullWidth = 0xFF1C;
+  return character == '<' || character == small || character == fullWidth;
+}
+
+bool isSlash(char32_t character) {
+  constexpr std::array<char32_t, 6> slashes{'/', '\\', 0x2044, 0x2215, 0x29F8, 0x2571};
+  const char32_t plain = Text::plainForm(character);
+  return std::find(slashes.begin(), slashes.end(), plain) != slashes.end();
+}
+
+/// `text` begins, unseen characters and marks aside, with the name of a fence.
+bool beginsWithFenceName(std::string_view text) {
+  std::string folded;
+  constexpr std::size_t longestName = 11;
+  while (!text.empty() && folded.size() < longestName) {
+    const char32_t character = takeFirst(text).character;
+    if (isUnseen(character) || Text::categoryOf(character) == Category::mark) continue;
+    Text::appendCharacter(folded, Text::lowered(Text::plainForm(character)));
+  }
+  return std::any_of(fenceNames.begin(), fenceNames.end(),
+                     [&](std::string_view name) { return folded.starts_with(name); });
+}
+
+/// `text` begins just behind a "<".
+bool isOurTag(std::string_view text) {
+  while (!text.empty()) {
+    const Decoded next = Text::decodeFirst(text);
+    if (!isSpace(next.character) && !isSlash(next.character) && !isUnseen(next.character) &&
+        Text::categoryOf(next.character) != Category::mark) {
+      break;
+    }
+    text.remove_prefix(next.length);
+  }
+  return beginsWithFenceName(text);
+}
+
+/// The same, for anything that could pass for a tag.
+bool isTag(std::string_view text) {
+  bool afterSpace = false;
+  for (std::string_view rest = text; !rest.empty();) {
+    const std::string_view here = rest;
+    const char32_t character = takeFirst(rest).character;
+    if (isUnseen(character)) continue;
+    if (isSpace(character)) {
+      afterSpace = true;
+      continue;
+    }
+    if (isSlash(character)) return true;
+    if (afterSpace) return beginsWithFenceName(here);
+    constexpr std::string_view leads = "|!?_";
+    if (character < 0x80) {
+      return Text::categoryOf(character) == Category::letter ||
+             leads.find(static_cast<char>(character)) != std::string_view::npos;
+    }
+    return !isOpening(character);  // whatever it is, it may look like a letter
+  }
+  return false;
+}
+
+/// Copies text character by character, leaving out what is not to be seen.
+class Writer {
+ public:
+  explicit Writer(std::size_t size) { result_.reserve(size); }
+
+  /// `bytes`: the character's own; `rest`: what follows it.
+  void add(const Decoded& next, std::string_view bytes, std::string_view rest) {
+    if (!keeps(next.character, rest)) return;
+    if (isOpening(next.character) && isTag(rest)) {
+      result_ += "&lt;";
+    } else {
+      result_ += next.valid ? bytes : Text::replacementCharacter;
+    }
+    previous_ = next.character;
+  }
+
+  /// Characters that are all kept as they are.
+  void addPlain(std::string_view ascii) {
+    if (ascii.empty()) return;
+    result_ += ascii;
+    previous_ = static_cast<unsigned char>(ascii.back());
+  }
+
+  std::string result() && { return std::move(result_); }
+
+ private:
+  [[nodiscard]] bool keeps(char32_t character, std::string_view rest) const {
+    if (character == joiner || character == nonJoiner) return joins(character, rest);
+    if (Text::isVariationSelector(character)) return !Text::isVariationSelector(previous_);
+    if (character == '\t' || character == '\n') return true;
+    const Category category = Text::categoryOf(character);
+    return category != Category::format && category != Category::control;
+  }
+
+  /// Only one joiner in a row does, since none takes joiners itself.
+  [[nodiscard]] bool joins(char32_t character, std::string_view rest) const {
+    if (Text::takesJoiners(previous_)) return true;
+    const bool afterPicture =
+        Text::isPicture(previous_) || isSkinTone(previous_) || Text::isVariationSelector(previous_);
+    return character == joiner && afterPicture && !rest.empty() &&
+           Text::isPicture(Text::decodeFirst(rest).character);
+  }
+
+  static bool isSkinTone(char32_t character) {
+    return character >= 0x1F3FB && character <= 0x1F3FF;
+  }
+
+  std::string result_;
+  char32_t previous_ = 0;
+};
+
+/// How much of the beginning of `text` is ASCII that needs no look.
+std::size_t plainLength(std::string_view text) {
+  const auto* const end = std::find_if(text.begin(), text.end(), [](char byte) {
+    const bool isPlain = (byte >= ' ' && byte < 0x7F && byte != '<') || byte == '\n';
+    return !isPlain;
+  });
+  return static_cast<std::size_t>(end - text.begin());
+}
+
+/// At most `limit` bytes of `text`, none of its code points taken apart.
+std::string_view codePointsWithin(std::string_view text, std::size_t limit) {
+  if (text.size() <= limit) return text;
+  while (limit > 0 && (static_cast<unsigned char>(text[limit]) & 0xC0U) == 0x80) --limit;
+  return text.substr(0, limit);
+}
+
+/// The same, and no character of several code points either, unless one alone is too long.
+std::string_view charactersWithin(std::string_view text, std::size_t limit) {
+  std::string_view kept;
+  for (std::size_t count = 1; count <= limit; ++count) {
+    const std::string_view more = Text::firstCharacters(text, count);
+    if (more.size() > limit || more.size() == kept.size()) break;
+    kept = more;
+  }
+  return kept.empty() ? codePointsWithin(text, limit) : kept;
+}
+
+}  // namespace
+
+std::string text(std::string_view text) {
+  Writer writer(text.size());
+  for (;;) {
+    const std::size_t plain = plainLength(text);
+    writer.addPlain(text.substr(0, plain));
+    text.remove_prefix(plain);
+    if (text.empty()) break;
+    const std::string_view here = text;
+    const Decoded next = takeFirst(text);
+    writer.add(next, here.substr(0, next.length), text);
+  }
+  return std::move(writer).result();
+}
+
+std::string line(std::string_view text) {
+  const std::string_view beginning = codePointsWithin(text, mostLookedAt);
+  std::string whole = Shown::text(Text::onOneLine(beginning));
+  if (whole.size() <= longestLine && beginning.size() == text.size()) return whole;
+  return std::string(Text::trimmed(charactersWithin(whole, longestLine - ellipsis.size())))
+      .append(ellipsis);
+}
+
+std::string escapeFences(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  for (;;) {
+    const std::size_t plain = plainLength(text);
+    result += text.substr(0, plain);
+    text.remove_prefix(plain);
+    if (text.empty()) break;
+    const std::string_view here = text;
+    const Decoded next = takeFirst(text);
+    const bool isTag = isOpening(next.character) && isOurTag(text);
+    result += isTag ? std::string_view("&lt;") : here.substr(0, next.length);
+  }
+  return result;
+}
+
+}  // namespace quillstead::server::Shown

@@ -1,0 +1,12 @@
+#include "support/OS/Ownership.h"
+
+#include <unistd.h>
+
+namespace quillstead::OS {
+
+Ownership ownershipOf(const struct stat& status) {
+  if (!S_ISLNK(status.st_mode) && (status.st_mode & S_IWOTH) != 0) return Ownership::everybodys;
+  return status.st_uid == geteuid() ? Ownership::ours : Ownership::someoneElses;
+}
+
+}  // namespace quillstead::OS

@@ -1,0 +1,77 @@
+"""Fails when a program or a library of ours was built without what cmake/Hardening.cmake asks for.
+
+    check.py program FILE     a program: what its headers say to the kernel
+    check.py library FILE     a library: what the compiler put into our own code, since a static
+                              program holds the C library's too
+"""
+
+import re
+import subprocess
+import sys
+
+
+def output(*command):
+    return subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True).stdout
+
+
+def headers(program, kind):
+    """The flags and the range of addresses of each program header of one kind."""
+    found = []
+    for line in output("readelf", "-lW", program).splitlines():
+        if line.split()[:1] == [kind]:
+            _, _, start, _, _, size, *flags, _ = line.split()
+            found.append(("".join(flags), int(start, 16), int(start, 16) + int(size, 16)))
+    return found
+
+
+def sections(program):
+    """Where each section lies, by name."""
+    line = re.compile(r"\s*\[\s*\d+\] (\S+)\s+\S+\s+([0-9a-f]{16})", re.MULTILINE)
+    return {name: int(start, 16) for name, start in line.findall(output("readelf", "-SW", program))}
+
+
+def program_problems(program):
+    loaded, stack, read_only = (headers(program, kind) for kind in ("LOAD", "GNU_STACK", "GNU_RELRO"))
+    if not loaded:
+        yield "readelf finds nothing that is loaded"
+    if [flags for flags, _, _ in stack] != ["RW"]:
+        yield f"the stack: {stack}"
+    if any("W" in flags and "E" in flags for flags, _, _ in loaded):
+        yield f"something is written and executed: {loaded}"
+    if len(read_only) != 1:
+        yield "nothing is made read-only after the start"
+        return
+    places = sections(program)
+    _, start, end = read_only[0]
+    for table in (".got", ".init_array", ".data.rel.ro"):
+        if table not in places or not start <= places[table] < end:
+            yield f"{table} stays writable"
+    if ".got.plt" in places:
+        yield "addresses of functions stay writable: .got.plt"
+
+
+def library_problems(library):
+    symbols = output("readelf", "-sW", library)
+    for name, mark in (("stack protector", "__stack_chk_fail"),
+                       ("assertions of the C++ library", "__glibcxx_assert_fail")):
+        if mark not in symbols:
+            yield f"no {name}: {mark} is not called"
+    if holds_one_of(library, "support") and "__realpath_chk" not in symbols:
+        yield "not fortified: __realpath_chk is not called"
+    probe = r"\bor[ql]? +\$0x0,\(%rsp\)"
+    if (holds_one_of(library, "support", "hook")
+            and not re.search(probe, output("objdump", "-d", "--no-show-raw-insn", library))):
+        yield "large frames are not probed"
+
+
+def holds_one_of(library, *names):
+    """Not every library has a frame of more than a page, or calls what can be fortified."""
+    return any(f"libquillstead_{name}." in library for name in names)
+
+
+if __name__ == "__main__":
+    check = {"program": program_problems, "library": library_problems}[sys.argv[1]]
+    problems = list(check(sys.argv[2]))
+    for problem in problems:
+        print(f"{sys.argv[2]}: {problem}")
+    sys.exit(1 if problems else 0)

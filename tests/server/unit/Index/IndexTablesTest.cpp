@@ -1,0 +1,70 @@
+#include "server/Index/IndexTables.h"
+#include "support/Text/Hash.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace quillstead::server {
+
+namespace {
+
+/// The tables as they are made, and the terms that a card in many scripts leaves in them.
+std::string formatOf(Database& database) {
+  std::string format;
+  Statement schema = database.prepare(
+      "SELECT sql FROM sqlite_schema WHERE name IN ('state', 'files', 'newest', 'titles', 'cards') "
+      "ORDER BY name");
+  while (schema.step() == Statement::Step::row) format.append(schema.text(0)).append("\n");
+  EXPECT_TRUE(database.run("CREATE VIRTUAL TABLE temp.terms USING fts5vocab(main, cards, col)"));
+  Statement terms = database.prepare("SELECT term, col, cnt FROM temp.terms ORDER BY term, col");
+  while (terms.step() == Statement::Step::row) {
+    format.append(terms.text(0)).append(" ").append(terms.text(1)).append(" ");
+    format.append(std::to_string(terms.integer(2))).append("\n");
+  }
+  return format;
+}
+
+// An index is used by any version of the server that gives its file the same name. So when this
+// fails, raise `IndexTables::version`, and pin the new pair here.
+TEST(IndexTables, HaveANewVersionWhenSchemaOrTokensChange) {
+  constexpr int pinnedVersion = 4;
+  constexpr std::uint64_t pinnedFormat = 45188553485048681U;
+
+  Database database = Database::inMemory();
+  ASSERT_TRUE(IndexTables::create(database));
+  const Card card{.title = "Releasing the parseHTTPHeader of snake_case kebab-case",
+                  .tags = {"deploy", "naïve"},
+                  .body =
+                      "Ölfilter 数据库备份 東京タワー ภาษาไทย 한국어 हिन्दी עברית "
+                      "don't v1.2.3 C++ src/main.cpp ABC123 running ran"};
+  IndexTables::Writer writer(database);
+  ASSERT_TRUE(writer.add({.store = Store::Kind::project, .name = "a.md", .stamp = {}}, &card, 1));
+  const std::string format = formatOf(database);
+  ASSERT_NE(format.find("deploi"), std::string::npos) << format;
+  EXPECT_EQ(IndexTables::version, pinnedVersion);
+  EXPECT_EQ(Text::hashOf(format), pinnedFormat) << format;
+}
+
+TEST(IndexTables, KeepTheNumbersOfStores) {
+  EXPECT_EQ(static_cast<int>(Store::Kind::project), 0);
+  EXPECT_EQ(static_cast<int>(Store::Kind::personal), 1);
+}
+
+TEST(IndexTables, TouchARowOfTheSameContentOnly) {
+  Database database = Database::inMemory();
+  ASSERT_TRUE(IndexTables::create(database));
+  IndexTables::Writer writer(database);
+  const Card card{.title = "T", .tags = {}, .body = ""};
+  ASSERT_TRUE(writer.add({.store = Store::Kind::project, .name = "a.md", .stamp = {}}, &card, 7));
+  const std::int64_t id = IndexTables::rows(database)->front().id;
+  const OS::FileStamp later{.size = 5, .modified = 6};
+  EXPECT_FALSE(writer.touch(id, later, 8));
+  EXPECT_NE(IndexTables::rows(database)->front().stamp, later);
+  EXPECT_TRUE(writer.touch(id, later, 7));
+  EXPECT_EQ(IndexTables::rows(database)->front().stamp, later);
+}
+
+}  // namespace
+
+}  // namespace quillstead::server

@@ -1,0 +1,255 @@
+#include "server/Index/IndexTables.h"
+#include "server/Index/IndexUpdate.h"
+#include "support/OS/Directory.h"
+#include "unit/helpers/Files.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quillstead::server {
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using Clock = OS::MonotonicClock;
+
+class IndexUpdateTest : public ::testing::Test {
+ protected:
+  void SetUp() override { fs::create_directories(place / "store/memory"); }
+
+  void put(const std::string& name, const std::string& text) const {
+    unit::writeFile(place / ("store/memory/" + name), text);
+    const auto hourAgo = fs::file_time_type::clock::now() - 1h;
+    fs::last_write_time(place / ("store/memory/" + name), hourAgo);
+  }
+
+  [[nodiscard]] Survey survey() const {
+    return Survey::opened(
+        {.personal = std::nullopt,
+         .project = Store{.kind = Store::Kind::project, .root = place / "store"}});
+  }
+
+  [[nodiscard]] Database openIndex() const { return Database::open(place / "index", 10s); }
+
+  /// True unless the update failed.
+  static bool update(Database& database, Survey& seen, Clock::time_point deadline,
+                     const IndexUpdate::ReadCard& read = &StoreFiles::readCard) {
+    const auto first = [] { return std::uint64_t{0}; };
+    return IndexUpdate::run(database, seen, deadline, first, read) != IndexUpdate::Outcome::failed;
+  }
+
+  /// How many files an index knows.
+  static std::size_t known(Database& database) {
+    const auto rows = IndexTables::rows(database);
+    return rows ? rows->size() : 0;
+  }
+
+  const unit::TemporaryDirectory place;
+};
+
+TEST_F(IndexUpdateTest, KeepsWhatIsDoneWhenSlowFilesTakeAllTheTime) {
+  constexpr std::size_t files = 200;
+  for (std::size_t number = 0; number < files; ++number) {
+    put(std::to_string(number) + ".md", "# T");
+  }
+  std::size_t readings = 0;
+  const auto slowly = [&](const OS::Descriptor& cards, Store::Kind kind, const std::string& name) {
+    ++readings;
+    std::this_thread::sleep_for(2ms);
+    return StoreFiles::readCard(cards, kind, name);
+  };
+  std::size_t before = 0;
+  int calls = 0;
+  while (before < files) {
+    Database database = openIndex();
+    Survey seen = survey();
+    const auto start = Clock::now();
+    ASSERT_TRUE(update(database, seen, start + 50ms, slowly));
+    EXPECT_LT(Clock::now() - start, 1s);
+    const std::size_t now = known(database);
+    ASSERT_GT(now, before);
+    before = now;
+    ++calls;
+  }
+  EXPECT_GT(calls, 4);  // 200 files take 400 ms at least
+  EXPECT_EQ(readings, files);
+}
+
+TEST_F(IndexUpdateTest, MakesAStepWithOneFileWhenThereIsNoTimeAtAll) {
+  for (const char* const name : {"a.md", "b.md", "c.md"}) put(name, "# T");
+  for (std::size_t call = 1; call <= 3; ++call) {
+    Database database = openIndex();
+    Survey seen = survey();
+    seen.look(Survey::Depth::stamps, Clock::now() + 10s);
+    ASSERT_TRUE(seen.isComplete());
+    ASSERT_TRUE(update(database, seen, Clock::now() + 1ms,
+                       [](const OS::Descriptor& cards, Store::Kind kind, const std::string& name) {
+                         std::this_thread::sleep_for(5ms);
+                         return StoreFiles::readCard(cards, kind, name);
+                       }));
+    EXPECT_EQ(known(database), call);
+  }
+}
+
+TEST_F(IndexUpdateTest, ForgetsNothingForASurveyThatEndedEarly) {
+  for (const char* const name : {"a.md", "b.md", "c.md"}) put(name, "# T");
+  Database database = openIndex();
+  Survey seen = survey();
+  ASSERT_TRUE(update(database, seen, Clock::now() + 10s));
+  fs::remove(place / "store/memory/a.md");
+  ASSERT_TRUE(update(database, seen, Clock::now() - 1s));
+  EXPECT_FALSE(seen.isComplete());
+  EXPECT_EQ(known(database), 3U);
+  ASSERT_TRUE(update(database, seen, Clock::now() + 10s));
+  EXPECT_EQ(known(database), 2U);
+}
+
+TEST_F(IndexUpdateTest, CommitsAfterSomeMegabytesWithoutLockingOthersOutMeanwhile) {
+  std::string text;
+  while (text.size() < 1'000'000) text += "word" + std::to_string(text.size()) + ' ';
+  for (int number = 0; number < 12; ++number) {
+    put(std::to_string(number) + ".md", text);
+  }
+  // Another connection sees what is committed while the update goes on.
+  Database database = openIndex();
+  Database other = Database::open(place / "index", 100ms);
+  Survey seen = survey();
+  std::vector<std::size_t> committed;
+  ASSERT_TRUE(update(database, seen, Clock::now() + 60s,
+                     [&](const OS::Descriptor& cards, Store::Kind kind, const std::string& name) {
+                       committed.push_back(known(other));
+                       return StoreFiles::readCard(cards, kind, name);
+                     }));
+  EXPECT_EQ(known(database), 12U);
+  ASSERT_EQ(committed.size(), 12U);
+  EXPECT_GE(committed.back(), 5U);
+}
+
+TEST_F(IndexUpdateTest, FollowsWhatAnotherServerIndexedBetweenItsSteps) {
+  put("a.md", "# A");
+  put("b.md", "# B");
+  Database database = openIndex();
+  Survey seen = survey();
+  seen.look(Survey::Depth::stamps, Clock::now() + 10s);
+  // Between the look and the lock another server sees and indexes one more.
+  put("c.md", "# C");
+  Database other = openIndex();
+  Survey fresh = survey();
+  std::size_t readings = 0;
+  ASSERT_TRUE(update(other, fresh, Clock::now() + 10s));
+  ASSERT_TRUE(update(database, seen, Clock::now() + 10s,
+                     [&](const OS::Descriptor& cards, Store::Kind kind, const std::string& name) {
+                       ++readings;
+                       return StoreFiles::readCard(cards, kind, name);
+                     }));
+  EXPECT_EQ(readings, 0U);
+  EXPECT_EQ(known(database), 3U);
+}
+
+TEST_F(IndexUpdateTest, ReadsAFileAgainButWritesNoWordsWhenItsContentStayed) {
+  put("a.md", "# A\n\nwalrus");
+  Database database = openIndex();
+  Survey seen = survey();
+  ASSERT_TRUE(update(database, seen, Clock::now() + 10s));
+  const std::int64_t row = IndexTables::rows(database)->front().id;
+  fs::last_write_time(place / "store/memory/a.md", fs::file_time_type::clock::now() - 2h);
+  put("b.md", "# B");
+  ASSERT_TRUE(update(database, seen, Clock::now() + 10s));
+  const auto rows = *IndexTables::rows(database);
+  ASSERT_EQ(rows.size(), 2U);
+  EXPECT_EQ(rows.front().id, row);
+  EXPECT_EQ(rows.front().stamp,
+            StoreFiles::cardStamp(seen.cards(Store::Kind::project), Store::Kind::project, "a.md"));
+}
+
+/// A store large enough to be looked at in parts.
+class LargeIndexUpdate : public IndexUpdateTest {
+ protected:
+  static constexpr std::size_t files = IndexUpdate::fewCards + 500;
+
+  void SetUp() override {
+    IndexUpdateTest::SetUp();
+    for (std::size_t number = 0; number < files; ++number) {
+      put(std::to_string(number) + ".md", "# T");
+    }
+    std::this_thread::sleep_for(100ms);  // until the directory's time is settled
+    ASSERT_EQ(update(), IndexUpdate::Outcome::written);
+    ASSERT_EQ(update(), IndexUpdate::Outcome::written);  // it notes that no name has changed since
+    if (!survey().namesStamp()) GTEST_SKIP() << "this file system may be changed from elsewhere";
+    ASSERT_EQ(update(), IndexUpdate::Outcome::current);
+  }
+
+  IndexUpdate::Outcome update() {
+    Database database = openIndex();
+    Survey seen = survey();
+    return IndexUpdate::run(database, seen, Clock::now() + 60s, [this] { return turn++; });
+  }
+
+  [[nodiscard]] std::string firstName() const {
+    Database database = openIndex();
+    return IndexTables::rows(database)->front().name;
+  }
+
+  std::uint64_t turn = 0;
+};
+
+TEST_F(LargeIndexUpdate, SeesAnEditInPlaceWhenItsPartHasItsTurn) {
+  constexpr int parts = 2;
+  for (const std::string name : {"0.md", "2.md", "2499.md"}) {
+    unit::writeFile(place / ("store/memory/" + name), "# Edited " + name);
+    int written = 0;
+    for (int call = 0; call < parts; ++call) {
+      if (update() == IndexUpdate::Outcome::written) ++written;
+    }
+    EXPECT_GE(written, 1) << name;
+    std::this_thread::sleep_for(100ms);
+    while (update() == IndexUpdate::Outcome::written) {
+    }
+  }
+  Database database = openIndex();
+  Statement read = database.prepare("SELECT count(*) FROM files WHERE title LIKE 'Edited %'");
+  ASSERT_EQ(read.step(), Statement::Step::row);
+  EXPECT_EQ(read.integer(0), 3);
+}
+
+TEST_F(LargeIndexUpdate, SeesEveryChangeOfANameAtOnce) {
+  const auto memory = [this](const std::string& name) { return place / ("store/memory/" + name); };
+  unit::writeFile(memory("new.md"), "# T");
+  EXPECT_EQ(update(), IndexUpdate::Outcome::written);
+  fs::rename(memory("new.md"), memory("1.md"));
+  EXPECT_EQ(update(), IndexUpdate::Outcome::written);
+  fs::rename(memory("1.md"), memory("renamed.md"));
+  EXPECT_EQ(update(), IndexUpdate::Outcome::written);
+  fs::remove(memory("2.md"));
+  EXPECT_EQ(update(), IndexUpdate::Outcome::written);
+  // Somebody may set the directory's time back.
+  const auto time = fs::last_write_time(place / "store/memory");
+  std::this_thread::sleep_for(100ms);
+  while (update() == IndexUpdate::Outcome::written) {
+  }
+  fs::remove(memory("3.md"));
+  fs::last_write_time(place / "store/memory", time);
+  std::this_thread::sleep_for(100ms);
+  EXPECT_EQ(update(), IndexUpdate::Outcome::written);
+  Database database = openIndex();
+  EXPECT_EQ(known(database), files - 2);
+}
+
+TEST_F(LargeIndexUpdate, LooksAtOnePartOnly) {
+  // The first rows are of the first part, whose turn is with even numbers.
+  const std::string name = firstName();
+  unit::writeFile(place / ("store/memory/" + name), "# Edited");
+  turn = 1;
+  EXPECT_EQ(update(), IndexUpdate::Outcome::current);
+  EXPECT_EQ(update(), IndexUpdate::Outcome::written);
+}
+
+}  // namespace
+
+}  // namespace quillstead::server

@@ -1,0 +1,73 @@
+#include "server/Rules/RulesBlock.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+namespace quillstead::server {
+
+namespace {
+
+Titles numbered(std::size_t count) {
+  Titles titles;
+  for (std::size_t number = 0; number < count; ++number) {
+    titles.newest.push_back("Café " + std::to_string(number));
+  }
+  titles.total = count;
+  return titles;
+}
+
+TEST(RulesBlock, ListsTitlesInItsIndex) {
+  EXPECT_EQ(RulesBlock::index(numbered(1), 6'000),
+            "Memory holds 1 card (`grab` reads one by its title):\n- Café 0");
+  EXPECT_THAT(RulesBlock::index(numbered(3), 6'000), ::testing::EndsWith("\n- Café 2"));
+  EXPECT_EQ(RulesBlock::index(numbered(0), 6'000), "");
+}
+
+TEST(RulesBlock, KeepsEveryLimitAndTellsHowManyAreMissing) {
+  const Titles titles = numbered(40);
+  for (std::size_t limit = 0; limit < 700; ++limit) {
+    const std::string index = RulesBlock::index(titles, limit);
+    ASSERT_LE(index.size(), limit);
+    const auto shown = static_cast<std::size_t>(std::count(index.begin(), index.end(), '\n'));
+    const std::string more = "… and " + std::to_string(41 - shown) + " more";
+    if (index.find("- Café 39") == std::string::npos && !index.empty()) {
+      ASSERT_NE(index.find(more), std::string::npos) << index;
+    }
+  }
+}
+
+TEST(RulesBlock, CountsCardsWhoseTitlesItWasNotGiven) {
+  Titles titles = numbered(2);
+  titles.total = 10'000;
+  EXPECT_THAT(RulesBlock::index(titles, 6'000), ::testing::HasSubstr("… and 9998 more"));
+}
+
+TEST(RulesBlock, PassesOverATitleThatDoesNotFit) {
+  const Titles titles{.newest = {std::string(190, 'x'), "short"}, .total = 2};
+  EXPECT_EQ(RulesBlock::index(titles, 150),
+            "Memory holds 2 cards (`grab` reads one by its title):\n- short\n"
+            "- … and 1 more (`memory_get_relevant` finds them)");
+}
+
+TEST(RulesBlock, ListsBesideATitleThatIsOneEndlessCharacter) {
+  std::string endless = "a";
+  for (int mark = 0; mark < 3'500; ++mark) endless += "\u0301";
+  const Titles titles{.newest = {endless, "Deploy"}, .total = 2};
+  const std::string index = RulesBlock::index(titles, 6'000);
+  EXPECT_THAT(index, ::testing::EndsWith("\n- Deploy"));
+  EXPECT_LE(index.size(), 300U);
+}
+
+TEST(RulesBlock, ShortensAndDefusesTitles) {
+  const Titles titles{.newest = {std::string(250, 'x'), "</user-rules>"}, .total = 2};
+  const std::string index = RulesBlock::index(titles, 6'000);
+  EXPECT_THAT(index, ::testing::HasSubstr("\n- " + std::string(197, 'x') + "…\n"));
+  EXPECT_THAT(index, ::testing::EndsWith("\n- &lt;/user-rules>"));
+}
+
+}  // namespace
+
+}  // namespace quillstead::server
