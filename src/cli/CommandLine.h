@@ -1,0 +1,43 @@
+#pragma once
+
+#include "cli/Description.h"
+#include "cli/Doctor.h"
+#include "cli/Init.h"
+#include "cli/Install.h"
+#include "cli/Log.h"
+#include "cli/Recall.h"
+#include "cli/Texts.h"
+#include "cli/Trust.h"
+#include "cli/Uninstall.h"
+
+#include <span>
+#include <string>
+#include <variant>
+#include <vector>
+
+/// What the command line says.
+namespace quillstead::cli::CommandLine {
+
+/// The options of the command that is to run.
+using Command = std::variant<Doctor::Options, Init::Options, Install::Options, Log::Options,
+                             Recall::Options, Texts::Options, Trust::Options, Uninstall::Options>;
+
+/// There is nothing to run: the command line asks for a text, or makes no sense.
+struct Answer {
+  std::string output;  ///< for standard output; may be empty
+  std::string error;   ///< for standard error; may be empty
+  int status;          ///< the exit status
+};
+
+using Outcome = std::variant<Command, Answer>;
+
+/// `arguments`: without the program's path.
+Outcome parse(std::span<char* const> arguments);
+
+/// The description that the command line is read by.
+ProgramText description();
+
+/// That, and those of the hook and the server.
+std::vector<ProgramText> descriptions();
+
+}  // namespace quillstead::cli::CommandLine

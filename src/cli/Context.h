@@ -1,0 +1,16 @@
+#pragma once
+
+#include "cli/Console.h"
+#include "cli/Places.h"
+#include "support/OS/Environment.h"
+
+namespace quillstead::cli {
+
+/// What a command has to work with, besides its options.
+struct Context {
+  const OS::Environment& environment;
+  Places places;
+  Console& console;
+};
+
+}  // namespace quillstead::cli

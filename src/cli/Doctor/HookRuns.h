@@ -1,0 +1,18 @@
+#pragma once
+
+#include "cli/Context.h"
+#include "cli/Doctor/Check.h"
+#include "cli/Doctor/ConfiguredHooks.h"
+#include "hook/Budget.h"
+
+#include <string>
+
+/// Whether the commands in a harness's settings work.
+namespace quillstead::cli::HookRuns {
+
+/// Runs each as the harness would, with a payload of that harness, and asks each program for its
+/// version. The check "<harness>.run".
+Check run(const std::string& harness, const ConfiguredHooks& configured, const Context& context,
+          const hook::Deadline& deadline);
+
+}  // namespace quillstead::cli::HookRuns

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "cli/Context.h"
+#include "cli/Doctor/Check.h"
+
+#include <optional>
+#include <string>
+
+/// The hook's log.
+namespace quillstead::cli::LogChecks {
+
+/// Where it is, and whether it can be written. `named`: the log that Claude Code's settings name;
+/// absent when they name none.
+Check file(const Context& context, const std::optional<std::string>& named);
+
+/// What its last 200 lines say.
+Check recent(const Context& context, const std::optional<std::string>& named);
+
+}  // namespace quillstead::cli::LogChecks

@@ -1,0 +1,158 @@
+#include "cli/Doctor/StoreChecks.h"
+
+#include "cli/Setup/ShellCommand.h"
+#include "cli/Wording.h"
+#include "hook/Harness/Harnesses.h"
+#include "server/Rules/Rules.h"
+#include "server/Store/Scope.h"
+#include "server/Store/StoreFiles.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <string_view>
+#include <variant>
+
+namespace quillstead::cli::StoreChecks {
+
+namespace {
+
+using server::Scope;
+using server::Store;
+namespace StoreFiles = server::StoreFiles;
+using StoreFiles::NoText;
+
+/// The cards of a store.
+struct Cards {
+  std::int64_t count = 0;
+  std::int64_t bytes = 0;
+  std::map<std::string, std::string_view> leftOut;  ///< a file's name, and why
+};
+
+Cards cardsOf(const Store& store) {
+  Cards cards;
+  const OS::Descriptor directory = StoreFiles::openCards(store);
+  StoreFiles::forEachCardName(directory, [&](const char* name) {
+    if (!std::string_view(name).ends_with(StoreFiles::cardSuffix)) return;
+    const auto read = StoreFiles::readCard(directory, store.kind, name);
+    if (const auto* const reason = std::get_if<NoText>(&read)) {
+      cards.leftOut.emplace(name, StoreFiles::explained(*reason));
+      return;
+    }
+    ++cards.count;
+    cards.bytes += std::get<StoreFiles::FileText>(read).stamp.size;
+  });
+  return cards;
+}
+
+void findLeftOut(const Store& store, const Cards& cards, Findings& findings) {
+  constexpr std::size_t most = 3;
+  std::size_t told = 0;
+  for (const auto& [name, reason] : cards.leftOut) {
+    if (++told > most) break;
+    findings.warn("the card " + Wording::plain(name) + " is left out: " + std::string(reason),
+                  "correct the card, or take it away");
+  }
+  if (cards.leftOut.size() > most) {
+    findings.warn("and so are " + std::to_string(cards.leftOut.size() - most) + " more", "");
+  }
+  const auto rules = StoreFiles::readRules(store);
+  const auto* const reason = std::get_if<NoText>(&rules);
+  if (reason && *reason != NoText::missing) {
+    findings.warn("rules.md is left out: " + std::string(StoreFiles::explained(*reason)),
+                  "correct rules.md");
+  }
+}
+
+/// Rules that are longer than what a harness takes are cut, or left out whole.
+void findTooLongRules(std::size_t size, const std::vector<std::string>& harnesses,
+                      Findings& findings) {
+  constexpr std::int64_t fence = 30;  // bytes
+  for (const std::string& name : harnesses) {
+    const auto budget = hook::Harnesses::named(name)->contextBudget();
+    if (!budget || static_cast<std::int64_t>(size) + fence <= *budget) continue;
+    findings.warn("the rules are " + Wording::grouped(static_cast<std::int64_t>(size)) +
+                      " bytes, and " + name + " takes " + Wording::grouped(*budget),
+                  "shorten rules.md, or make cards of what is not always needed");
+  }
+}
+
+void findOpenModes(const std::string& root, Findings& findings) {
+  constexpr mode_t others = 077;
+  for (const std::string& path : {root, root + "/memory"}) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0 && (status.st_mode & others) != 0) {
+      const std::string memory = root + "/memory";
+      findings.warn(path + " is open to other users",
+                    "chmod go= " + quotedWhereNeeded(root) + " " + quotedWhereNeeded(memory));
+      return;
+    }
+  }
+}
+
+std::string contentOf(const Store& store, const Cards& cards, std::size_t rules) {
+  return store.root + ": rules of " + Wording::counted(static_cast<std::int64_t>(rules), "byte") +
+         ", " + Wording::counted(cards.count, "card") + " of " +
+         Wording::counted(cards.bytes, "byte");
+}
+
+/// The rules of one store alone.
+std::size_t sizeOfRules(const Scope& scope) { return server::Rules::read(scope).size(); }
+
+bool isThere(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0;
+}
+
+}  // namespace
+
+Check personal(const Context& context, const std::vector<std::string>& harnesses) {
+  Scope scope = Scope::find(context.environment, "/");
+  scope.project.reset();
+  Findings findings;
+  if (!scope.personal || !isThere(scope.personal->root)) {
+    const std::string root = scope.personal ? scope.personal->root : std::string("no home");
+    findings.warn(root + ": there is no personal store", "quillstead init");
+    return findings.check("store.personal", "");
+  }
+  const Cards cards = cardsOf(*scope.personal);
+  const std::size_t rules = sizeOfRules(scope);
+  findOpenModes(scope.personal->root, findings);
+  findLeftOut(*scope.personal, cards, findings);
+  findTooLongRules(rules, harnesses, findings);
+  Check check = findings.check("store.personal", "");
+  const std::string content = contentOf(*scope.personal, cards, rules);
+  check.summary = check.summary.empty() ? content : content + "; " + check.summary;
+  return check;
+}
+
+Check project(const Context& context, const std::vector<std::string>& harnesses) {
+  const Scope scope = Scope::find(context.environment, std::nullopt);
+  if (scope.projectLeftOut) {
+    return {.id = "store.project",
+            .status = Check::Status::warn,
+            .summary = "this project has a store, which is left out: you have not trusted it",
+            .fix = "look at what is in it, then: quillstead trust"};
+  }
+  if (!scope.project) {
+    return {.id = "store.project",
+            .status = Check::Status::skip,
+            .summary = "this directory is in no project with a store",
+            .fix = {}};
+  }
+  Findings findings;
+  const Cards cards = cardsOf(*scope.project);
+  findLeftOut(*scope.project, cards, findings);
+  const std::size_t both = sizeOfRules(scope);
+  findTooLongRules(both, harnesses, findings);
+  Scope own = scope;
+  own.personal.reset();
+  Check check = findings.check("store.project", "");
+  const std::string content = contentOf(*scope.project, cards, sizeOfRules(own));
+  check.summary = check.summary.empty() ? content : content + "; " + check.summary;
+  return check;
+}
+
+}  // namespace quillstead::cli::StoreChecks

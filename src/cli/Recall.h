@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace quillstead::cli {
+
+struct Context;
+
+/// `quillstead recall`: what a prompt would bring.
+namespace Recall {
+
+struct Options {
+  std::vector<std::string> prompt;  ///< words, with a blank between
+  std::string harness = "claude-code";
+  std::string directory;  ///< the working directory; empty: ours
+  bool json = false;
+};
+
+/// Returns the exit status: 1 when the hook does not run, or the server does not answer it.
+int run(const Options& options, const Context& context);
+
+}  // namespace Recall
+}  // namespace quillstead::cli

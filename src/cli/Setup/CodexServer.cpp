@@ -1,0 +1,270 @@
+#include "cli/Setup/CodexServer.h"
+
+#include "support/JSON/Writer.h"
+#include "support/Text/Text.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#define TOML_EXCEPTIONS 0
+#define TOML_ENABLE_FORMATTERS 0
+#include <toml++/toml.h>
+
+namespace quillstead::cli::CodexServer {
+
+namespace {
+
+using JSONC::Complaint;
+
+constexpr std::array<std::string_view, 2> variables{"QUILLSTEAD_HOME", "XDG_CACHE_HOME"};
+
+Complaint complaintAt(const toml::source_position& place, std::string_view what) {
+  return {.line = place.line, .column = place.column, .what = std::string(what)};
+}
+
+std::string tomlString(std::string_view text) {
+  return JSON::write(JSON::Value(text), JSON::Slashes::plain);
+}
+
+std::string variablesText() {
+  std::string text;
+  for (const std::string_view name : variables)
+    text += (text.empty() ? "[" : ", ") + tomlString(name);
+  return text + "]";
+}
+
+/// A text of lines, and where in it they are.
+class Lines {
+ public:
+  explicit Lines(std::string text) : text_(std::move(text)) {
+    const bool hasMark = text_.starts_with("\xEF\xBB\xBF");
+    begins_.push_back(hasMark ? 3 : 0);
+    for (std::size_t i = 0; i < text_.size(); ++i) {
+      if (text_[i] == '\n') begins_.push_back(i + 1);
+    }
+  }
+
+  [[nodiscard]] const std::string& text() const { return text_; }
+  [[nodiscard]] std::size_t count() const { return begins_.size(); }
+
+  /// Lines count from 1; the one behind the last begins at the end.
+  [[nodiscard]] std::size_t begin(std::size_t line) const {
+    return line > begins_.size() ? text_.size() : begins_[line - 1];
+  }
+
+  [[nodiscard]] std::string_view line(std::size_t number) const {
+    return std::string_view(text_).substr(begin(number), begin(number + 1) - begin(number));
+  }
+
+  /// The place in bytes. Columns count characters.
+  [[nodiscard]] std::size_t place(const toml::source_position& position) const {
+    std::size_t place = begin(position.line);
+    for (std::size_t column = 1; column < position.column && place < text_.size(); ++column) {
+      place += Text::decodeFirst(std::string_view(text_).substr(place)).length;
+    }
+    return place;
+  }
+
+  [[nodiscard]] std::string lineEnd() const { return line(1).ends_with("\r\n") ? "\r\n" : "\n"; }
+
+ private:
+  std::string text_;
+  std::vector<std::size_t> begins_;
+};
+
+/// A file that was read.
+struct Config {
+  Lines lines;
+  toml::table root;
+
+  [[nodiscard]] const toml::node* servers() const { return root.get("mcp_servers"); }
+
+  [[nodiscard]] const toml::node* entry() const {
+    const auto* table = servers() == nullptr ? nullptr : servers()->as_table();
+    return table == nullptr ? nullptr : table->get("quillstead");
+  }
+
+  /// The path of our server; absent when the entry runs something else.
+  [[nodiscard]] const toml::value<std::string>* program() const {
+    const auto* table = entry() == nullptr ? nullptr : entry()->as_table();
+    const auto* command = table == nullptr ? nullptr : table->get_as<std::string>("command");
+    const std::string_view path = command == nullptr ? std::string_view() : command->get();
+    return path.substr(path.rfind('/') + 1) == "quillstead-mcp" ? command : nullptr;
+  }
+};
+
+std::variant<Config, Complaint> read(std::string text) {
+  toml::parse_result parsed = toml::parse(std::string_view(text));
+  if (!parsed) return complaintAt(parsed.error().source().begin, parsed.error().description());
+  return Config{.lines = Lines(std::move(text)), .root = std::move(parsed).table()};
+}
+
+/// All but our entry, and the table that holds it when that holds nothing else.
+toml::table others(toml::table root) {
+  if (auto* servers = root.get_as<toml::table>("mcp_servers")) {
+    servers->erase("quillstead");
+    if (servers->empty()) root.erase("mcp_servers");
+  }
+  return root;
+}
+
+/// Why the file has to be edited by hand.
+Complaint byHand(const Config& config, std::string_view what) {
+  const toml::node* node = config.entry() != nullptr ? config.entry() : config.servers();
+  const toml::source_position top{.line = 1, .column = 1};
+  return complaintAt(node == nullptr ? top : node->source().begin, what);
+}
+
+/// Whether `after` is what `before` was, but for our entry.
+bool keepsOthers(const Config& before, const Config& after) {
+  return others(before.root) == others(after.root);
+}
+
+std::string tableText(const std::string& lineEnd, const std::string& server) {
+  return "[mcp_servers.quillstead]" + lineEnd + "command = " + tomlString(server) + lineEnd +
+         "env_vars = " + variablesText() + lineEnd;
+}
+
+/// The variables that are passed on, with those of ours among them.
+void updateVariables(const Config& config, const toml::array& list, std::string& text) {
+  std::string missing;
+  for (const std::string_view name : variables) {
+    bool isThere = false;
+    for (const toml::node& one : list) isThere = isThere || one.value<std::string_view>() == name;
+    if (!isThere) missing += (list.empty() && missing.empty() ? "" : ", ") + tomlString(name);
+  }
+  const std::size_t place = list.empty() ? config.lines.place(list.source().begin) + 1
+                                         : config.lines.place(list.back().source().end);
+  text.insert(place, missing);
+}
+
+/// Adds the variables behind the program: on a line of their own, written as the program's is, or
+/// in the same braces.
+void addVariables(const Config& config, const toml::table& entry, std::string& text) {
+  const toml::node& program = *entry.get("command");
+  const std::size_t end = config.lines.place(program.source().end);
+  if (entry.is_inline()) {
+    text.insert(end, ", env_vars = " + variablesText());
+    return;
+  }
+  const auto& key = entry.find("command")->first;
+  const std::size_t line = key.source().begin.line;
+  const std::size_t begin = config.lines.begin(line);
+  const std::string before = text.substr(begin, config.lines.place(key.source().begin) - begin);
+  const std::size_t next = config.lines.begin(program.source().end.line + 1);
+  const bool isCut = next == text.size() && !text.ends_with('\n');
+  const std::string lineEnd = config.lines.lineEnd();
+  text.insert(next, (isCut ? lineEnd : "") + before + "env_vars = " + variablesText() +
+                        (isCut ? "" : lineEnd));
+}
+
+/// The text with the entry that is there brought up to date.
+std::string updated(const Config& config, const std::string& server) {
+  std::string text = config.lines.text();
+  const auto& program = *config.program();
+  const auto& entry = *config.entry()->as_table();
+  const std::size_t begin = config.lines.place(program.source().begin);
+  const std::size_t end = config.lines.place(program.source().end);
+
+  // What is behind in the text first, so that places stay what they are.
+  const toml::node* list = entry.get("env_vars");
+  const bool isBefore = list != nullptr && config.lines.place(list->source().begin) < begin;
+  const auto variablesToo = [&] {
+    if (list == nullptr) {
+      addVariables(config, entry, text);
+    } else if (list->is_array()) {
+      updateVariables(config, *list->as_array(), text);
+    }
+  };
+  if (!isBefore) variablesToo();
+  if (program.get() != server) text.replace(begin, end - begin, tomlString(server));
+  if (isBefore) variablesToo();
+  return text;
+}
+
+/// The text with the table at its end.
+std::string added(const std::optional<std::string>& before, const std::string& server) {
+  const Lines lines(before.value_or(""));
+  return before ? *before + lines.lineEnd() + tableText(lines.lineEnd(), server)
+                : tableText(lines.lineEnd(), server);
+}
+
+/// Marks the lines that the node's values and headers are on.
+void mark(const Lines& lines, const toml::node& node, std::size_t firstLine,
+          std::vector<bool>& marks) {
+  const auto* table = node.as_table();
+  if (table == nullptr || table->is_inline()) {
+    for (std::size_t i = firstLine; i <= node.source().end.line; ++i) marks[i] = true;
+    return;
+  }
+  const std::size_t header = node.source().begin.line;
+  const std::string_view line = lines.line(header);
+  const std::size_t first = std::min(line.find_first_not_of(" \t"), line.size());
+  if (line.substr(first).starts_with('[')) marks[header] = true;
+  for (const auto& [key, value] : *table) mark(lines, value, key.source().begin.line, marks);
+}
+
+/// The text without these lines, and without the line end that went before a table at the end.
+/// Absent when nothing is left of a file that was made with the table.
+std::optional<std::string> without(const Lines& lines, const std::vector<bool>& marks) {
+  std::string text;
+  for (std::size_t i = 1; i <= lines.count(); ++i) {
+    if (i == 1 && lines.begin(1) > 0) text = lines.text().substr(0, lines.begin(1));
+    if (!marks[i]) {
+      text += lines.line(i);
+      continue;
+    }
+    const std::size_t first = i;
+    while (i + 1 <= lines.count() && marks[i + 1]) ++i;
+    const std::string_view rest = std::string_view(lines.text()).substr(lines.begin(i + 1));
+    const bool isTable = lines.line(first).find('[') == lines.line(first).find_first_not_of(" \t");
+    const bool isAlone = rest.empty() || rest.starts_with('\n') || rest.starts_with("\r\n");
+    if (!isTable || !isAlone) continue;
+    if (lines.begin(first) == 0 && rest.empty()) return std::nullopt;
+    if (text.ends_with('\n')) text.pop_back();
+    if (text.ends_with('\r')) text.pop_back();
+  }
+  return text;
+}
+
+}  // namespace
+
+EditOutcome install(const std::optional<std::string>& before, const std::string& server) {
+  auto old = read(before.value_or(""));
+  if (auto* complaint = std::get_if<Complaint>(&old)) return std::move(*complaint);
+  const auto& config = std::get<Config>(old);
+  if (config.entry() != nullptr && config.program() == nullptr) {
+    if (config.entry()->is_table()) return Edited{.text = before, .hadOurs = false};
+    return byHand(config, "\"quillstead\" is not a table");
+  }
+  const bool hadOurs = config.entry() != nullptr;
+  std::string text = hadOurs ? updated(config, server) : added(before, server);
+  const auto checked = read(text);
+  const auto* after = std::get_if<Config>(&checked);
+  const bool isRight = after != nullptr && after->program() != nullptr &&
+                       after->program()->get() == server && keepsOthers(config, *after);
+  if (!isRight) return byHand(config, "this cannot be edited by lines; add the server by hand");
+  return Edited{.text = std::move(text), .hadOurs = hadOurs};
+}
+
+EditOutcome uninstall(const std::string& before) {
+  auto old = read(before);
+  if (auto* complaint = std::get_if<Complaint>(&old)) return std::move(*complaint);
+  const auto& config = std::get<Config>(old);
+  if (config.program() == nullptr) return Edited{.text = before, .hadOurs = false};
+
+  const auto& servers = *config.servers()->as_table();
+  std::vector<bool> marks(config.lines.count() + 2);
+  const auto entry = servers.find("quillstead");
+  mark(config.lines, entry->second, entry->first.source().begin.line, marks);
+  auto text = without(config.lines, marks);
+  const auto checked = read(text.value_or(""));
+  const auto* after = std::get_if<Config>(&checked);
+  const bool isRight = after != nullptr && after->entry() == nullptr && keepsOthers(config, *after);
+  if (!isRight) return byHand(config, "this cannot be edited by lines; remove the server by hand");
+  return Edited{.text = std::move(text), .hadOurs = true};
+}
+
+}  // namespace quillstead::cli::CodexServer

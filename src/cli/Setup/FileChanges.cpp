@@ -1,0 +1,123 @@
+#include "cli/Setup/FileChanges.h"
+
+#include "cli/Setup/ConfigFile.h"
+#include "cli/Setup/UnifiedDiff.h"
+#include "support/OS/Directory.h"
+
+#include <sys/file.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+namespace quillstead::cli {
+
+namespace {
+
+using Before = std::optional<std::string>;
+
+EditOutcome edited(const Harnesses::Target& target, Direction direction, const Before& before) {
+  if (direction == Direction::install) return target.install(before);
+  if (!before) return Edited{.text = std::nullopt, .hadOurs = false};
+  return target.uninstall(*before);
+}
+
+std::string_view outcomeOf(Direction direction, bool isChanged, bool hadOurs) {
+  if (!isChanged) return "unchanged";
+  if (direction == Direction::uninstall) return "removed";
+  return hadOurs ? "updated" : "added";
+}
+
+}  // namespace
+
+bool FileChanges::change(const Harnesses::Target& target) {
+  if (!isDryRun_) ConfigFile::removeLeftovers(target.path);
+  for (;;) {
+    const Attempt outcome = attempt(target);
+    if (outcome != Attempt::again) return outcome == Attempt::changed;
+  }
+}
+
+FileChanges::Attempt FileChanges::attempt(const Harnesses::Target& target) {
+  const auto read = ConfigFile::read(target.path);
+  if (const auto* problem = std::get_if<ConfigFile::Problem>(&read)) {
+    return leaveAlone(target, "", problem->what);
+  }
+  const auto& before = std::get<ConfigFile::Content>(read);
+  const EditOutcome outcome = edited(target, direction_, before.bytes);
+  if (const auto* complaint = std::get_if<JSONC::Complaint>(&outcome)) {
+    const std::string place =
+        ":" + std::to_string(complaint->line) + ":" + std::to_string(complaint->column);
+    return leaveAlone(target, place, complaint->what);
+  }
+  const auto& edit = std::get<Edited>(outcome);
+  const bool isChanged = edit.text != before.bytes;
+  const std::string_view word = outcomeOf(direction_, isChanged, edit.hadOurs);
+  if (isChanged && !isDryRun_) return write(target, before, edit, word);
+  tell(target, word);
+  context_.console.print(unifiedDiff(target.path, before.bytes, edit.text));
+  return Attempt::notChanged;
+}
+
+FileChanges::Attempt FileChanges::write(const Harnesses::Target& target,
+                                        const ConfigFile::Content& before, const Edited& edit,
+                                        std::string_view word) {
+  if (!lock_.isOpen()) {
+    if (!lock()) {
+      return leaveAlone(target, "", context_.places.stateDirectory + " cannot be made for a copy");
+    }
+    return Attempt::again;  // another run may have changed the file while this one waited
+  }
+  const std::string copies = context_.places.stateDirectory + "/backups";
+  const bool isFirst = !edit.hadOurs || (edit.text && !ConfigFile::hasCopy(before, copies));
+  if (before.bytes && isFirst) {
+    auto copy = ConfigFile::keepCopy(before, copies);
+    if (const auto* problem = std::get_if<ConfigFile::Problem>(&copy)) {
+      return leaveAlone(target, "", "there can be no copy of it, which " + problem->what);
+    }
+    copies_.push_back(std::get<std::string>(std::move(copy)));
+  }
+  const auto written = ConfigFile::replace(before, edit.text);
+  if (const auto* problem = std::get_if<ConfigFile::Problem>(&written)) {
+    return leaveAlone(target, "", problem->what);
+  }
+  if (std::get<ConfigFile::Written>(written) != ConfigFile::Written::done) return Attempt::again;
+  tell(target, word);
+  return Attempt::changed;
+}
+
+void FileChanges::tellCopies() const {
+  if (copies_.empty()) return;
+  context_.console.print("\nCopies of the files as they were:\n");
+  for (const std::string& copy : copies_) context_.console.print("  " + copy + "\n");
+}
+
+FileChanges::Attempt FileChanges::leaveAlone(const Harnesses::Target& target,
+                                             const std::string& place, const std::string& what) {
+  tell(target, "left alone");
+  context_.console.complain(target.path + place + ": " + what);
+  wasAnyLeftAlone_ = true;
+  return Attempt::notChanged;
+}
+
+void FileChanges::tell(const Harnesses::Target& target, std::string_view outcome) {
+  context_.console.print(std::string(target.harness) + "  " + target.path + "  " +
+                         std::string(outcome) + "\n");
+}
+
+bool FileChanges::lock() {
+  constexpr mode_t onlyForTheUser = 0700;
+  const std::string& directory = context_.places.stateDirectory;
+  if (!OS::makeDirectories(directory, onlyForTheUser)) return false;
+  lock_ = OS::openDirectory(directory, OS::Links::followed);
+  if (!lock_.isOpen()) return false;
+  int result = 0;
+  do {
+    result = flock(lock_.number(), LOCK_EX);
+  } while (result != 0 && errno == EINTR);
+  return true;  // a file system without locks is as good as being alone
+}
+
+}  // namespace quillstead::cli

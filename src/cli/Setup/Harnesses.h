@@ -1,0 +1,48 @@
+#pragma once
+
+#include "cli/Places.h"
+#include "cli/Setup/Edited.h"
+#include "cli/Setup/Programs.h"
+#include "support/OS/Environment.h"
+
+#include <array>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The harnesses that are set up, and which of their files hold what.
+namespace quillstead::cli::Harnesses {
+
+inline constexpr std::array<std::string_view, 4> names{"claude-code", "codex", "cursor",
+                                                       "opencode"};
+
+/// Whether the harness's configuration directory is there, or its program is on PATH.
+bool isThere(std::string_view harness, const Places& places, const OS::Environment& environment);
+
+/// Those of the harnesses that are named; when none is, those that are there.
+std::vector<std::string> chosen(const std::vector<std::string>& named, const Places& places,
+                                const OS::Environment& environment);
+
+inline constexpr std::string_view noneIsThere =
+    "none of Claude Code, Codex, Cursor and OpenCode is there. Name those that you want to set up";
+
+/// A file, and what is done with its content; absent: there is no file.
+struct Target {
+  std::string_view harness;
+  std::string path;
+  std::function<EditOutcome(const std::optional<std::string>& before)> install;
+  std::function<EditOutcome(const std::string& before)> uninstall;
+};
+
+/// The files of a harness, in the order in which they are dealt with. The programs must outlive
+/// what is returned.
+std::vector<Target> targets(std::string_view harness, const Places& places,
+                            const Programs& programs);
+
+/// The directories that install makes for the harness's files when they are missing, the innermost
+/// first.
+std::vector<std::string> directories(std::string_view harness, const Places& places);
+
+}  // namespace quillstead::cli::Harnesses

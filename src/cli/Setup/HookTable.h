@@ -1,0 +1,42 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillstead::cli {
+
+/// How a harness has its hooks written down.
+enum class HookForm {
+  programs,       ///< groups of handlers, each a program and its arguments
+  shellGroups,    ///< groups of handlers, each a line of shell text
+  shellHandlers,  ///< handlers without groups, each a line of shell text
+};
+
+/// The handlers of one event.
+struct HookEvent {
+  std::string_view name;
+  std::optional<std::string> matcher;             ///< absent: none
+  std::vector<std::string_view> earlierMatchers;  ///< what earlier versions of ours wrote
+  /// One handler each: what it has behind "--harness NAME".
+  std::vector<std::vector<std::string_view>> handlers;
+  std::optional<int> contextLimit;  ///< "additionalContextLimit"
+};
+
+/// All the handlers that a harness gets.
+struct HookTable {
+  std::string_view harness;
+  HookForm form;
+  std::vector<HookEvent> events;
+  bool isTimeoutFirst = false;  ///< a new handler has its timeout before its command
+};
+
+const HookTable& claudeCodeHooks();
+const HookTable& codexHooks();
+const HookTable& cursorHooks();
+
+/// The same, with handlers that say that the file's "version" is ours as well.
+const HookTable& cursorHooksWithVersion();
+
+}  // namespace quillstead::cli

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "cli/Setup/Edited.h"
+#include "support/JSONC/Document.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+/// The memory server's entry in a harness's JSON settings. An entry of its name that runs our
+/// server by way of another program, or is no program at all, is the user's and stays.
+namespace quillstead::cli::ServerEntry {
+
+enum class Form {
+  withType,     ///< {"type":"stdio","command":…,"args":[]}
+  withoutType,  ///< {"command":…,"args":[]}
+  asArray,      ///< {"type":"local","command":[…],"enabled":true}
+};
+
+struct Where {
+  std::vector<std::string> keys;  ///< the path to the entry
+  Form form;
+};
+
+/// Adds the entry to the content of a file (absent: there is none), or brings it up to date.
+EditOutcome install(const std::optional<std::string>& before, const Where& where,
+                    const std::string& server);
+
+EditOutcome uninstall(const std::string& before, const Where& where);
+
+}  // namespace quillstead::cli::ServerEntry

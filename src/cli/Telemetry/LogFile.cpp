@@ -1,0 +1,60 @@
+#include "cli/Telemetry/LogFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace quillstead::cli::LogFile {
+
+OS::Descriptor open(const std::string& path) {
+  OS::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+  struct stat status {};
+  if (!file.isOpen() || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    file.close();
+  }
+  return file;
+}
+
+void Lines::add(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const std::size_t end = bytes.find('\n');
+    if (end == std::string_view::npos) return keep(bytes);
+    const std::string_view part = bytes.substr(0, end);
+    bytes.remove_prefix(end + 1);
+    if (begun_.empty() && part.size() <= longestLine) {
+      visit_(part, true);
+      continue;
+    }
+    keep(part);
+    visit_(begun_, !isTooLong_);
+    begun_.clear();
+    isTooLong_ = false;
+  }
+}
+
+void Lines::keep(std::string_view part) {
+  const std::size_t room = longestLine - begun_.size();
+  isTooLong_ = isTooLong_ || part.size() > room;
+  begun_ += part.substr(0, room);
+}
+
+void Lines::finish() {
+  if (!begun_.empty()) visit_(begun_, false);
+  begun_.clear();
+  isTooLong_ = false;
+}
+
+bool forEachLine(const OS::Descriptor& file, Lines& lines) {
+  constexpr std::size_t atOnce = 1'048'576;  // bytes
+  std::vector<char> buffer(atOnce);
+  for (;;) {
+    const OS::Transfer part = OS::read(file.number(), buffer.data(), buffer.size());
+    if (part.result == OS::Transfer::Result::ended) return true;
+    if (part.result != OS::Transfer::Result::moved) return false;
+    lines.add({buffer.data(), part.count});
+  }
+}
+
+}  // namespace quillstead::cli::LogFile

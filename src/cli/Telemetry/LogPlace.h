@@ -1,0 +1,21 @@
+#pragma once
+
+#include "cli/Context.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quillstead::cli {
+
+/// Where the hook's log is looked for.
+struct LogPlace {
+  std::vector<std::string> candidates;  ///< the first that is there is the one
+  bool isOff = false;                   ///< the environment says that none is written
+
+  /// QUILLSTEAD_HOOK_LOG; else the log that install set up, and the hook's own default. `named`:
+  /// the log that Claude Code's settings name, which install sets up for all; absent: none.
+  static LogPlace find(const Context& context, const std::optional<std::string>& named);
+};
+
+}  // namespace quillstead::cli

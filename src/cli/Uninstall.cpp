@@ -1,0 +1,64 @@
+#include "cli/Uninstall.h"
+
+#include "cli/Context.h"
+#include "cli/Setup/FileChanges.h"
+#include "cli/Setup/Harnesses.h"
+#include "cli/Setup/Programs.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+namespace quillstead::cli::Uninstall {
+
+namespace {
+
+constexpr mode_t onlyForTheUser = 0700;
+
+/// Removes the directories that install made for the harness, which are for the user alone, when
+/// they are empty.
+void removeMadeDirectories(std::string_view harness, const Context& context) {
+  for (const std::string& path : Harnesses::directories(harness, context.places)) {
+    struct stat status {};
+    const bool isMade = lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+                        (status.st_mode & 07777U) == onlyForTheUser;
+    if (isMade) rmdir(path.c_str());
+  }
+}
+
+/// What stays on the disk, since it is the user's.
+void tellWhatStays(const Context& context) {
+  std::string text;
+  for (const std::string& path :
+       {context.places.personalStore, context.places.log, context.places.cacheDirectory,
+        context.places.stateDirectory + "/backups"}) {
+    if (access(path.c_str(), F_OK) == 0) text += "  " + path + "\n";
+  }
+  if (!text.empty()) context.console.print("\nLeft where they are:\n" + text);
+}
+
+}  // namespace
+
+int run(const Options& options, const Context& context) {
+  const std::vector<std::string> harnesses =
+      Harnesses::chosen(options.harnesses, context.places, context.environment);
+  if (harnesses.empty()) {
+    context.console.complain(Harnesses::noneIsThere);
+    return EXIT_FAILURE;
+  }
+  const Programs programs = Programs::of(context.places, context.environment, std::nullopt);
+  FileChanges changes(Direction::uninstall, options.isDryRun, context);
+  for (const std::string& harness : harnesses) {
+    bool isAnyChanged = false;
+    for (const auto& target : Harnesses::targets(harness, context.places, programs)) {
+      isAnyChanged = changes.change(target) || isAnyChanged;
+    }
+    if (isAnyChanged && !options.isDryRun) removeMadeDirectories(harness, context);
+  }
+  changes.tellCopies();
+  if (!options.isDryRun) tellWhatStays(context);
+  return changes.wasAnyLeftAlone() ? EXIT_FAILURE : EXIT_SUCCESS;
+}
+
+}  // namespace quillstead::cli::Uninstall

@@ -1,0 +1,82 @@
+// The built program, as a user runs it: what it prints where, and its exit status.
+#include "cli/CommandLine.h"
+#include "cli/UserRun.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quillstead::cli {
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+TEST(Program, PrintsTheHelpAsAComplaintWhenNothingIsAsked) {
+  const test::MadeUpHome home;
+  const auto end = home.run({});
+  EXPECT_EQ(end.status, 2);
+  EXPECT_THAT(end.output, IsEmpty());
+  EXPECT_THAT(end.error, HasSubstr("Usage: quillstead COMMAND"));
+  EXPECT_EQ(end.error, home.run({"help"}).output);
+}
+
+TEST(Program, PrintsHelpAndVersionWhenAsked) {
+  const test::MadeUpHome home;
+  struct Case {
+    std::vector<std::string> arguments;
+    std::string beginning;
+  };
+  std::vector<Case> cases{
+      {{"help"}, "Set up your coding agents' memory"},
+      {{"--help"}, "Set up your coding agents' memory"},
+      {{"-h"}, "Set up your coding agents' memory"},
+      {{"--version"}, "quillstead " QUILLSTEAD_VERSION "\n"},
+      {{"help", "help"}, "Print the help of a command.\n\nUsage: quillstead help [COMMAND]\n"}};
+  for (const CommandText& command : CommandLine::description().commands) {
+    const std::string beginning = command.summary + ".\n\nUsage: quillstead " + command.name;
+    cases.push_back({{command.name, "--help"}, beginning});
+    cases.push_back({{command.name, "-h"}, beginning});
+    cases.push_back({{"help", command.name}, beginning});
+  }
+  for (const Case& each : cases) {
+    const auto end = home.run(each.arguments);
+    SCOPED_TRACE(::testing::PrintToString(each.arguments));
+    EXPECT_EQ(end.status, 0);
+    EXPECT_THAT(end.output, StartsWith(each.beginning));
+    EXPECT_THAT(end.error, IsEmpty());
+  }
+}
+
+TEST(Program, RefusesACommandLineThatMakesNoSense) {
+  const test::MadeUpHome home;
+  const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
+      {{"nothing"}, "there is no command \"nothing\"\nUsage: quillstead COMMAND ..."},
+      {{""}, "there is no command \"\"\n"},
+      {{"--nothing"}, "there is no option \"--nothing\"\n"},
+      {{"help", "nothing"}, "there is no command \"nothing\"\n"},
+      {{"init", "--nothing"}, "--nothing\nUsage: quillstead init"},
+      {{"init", "init"}, "init\nUsage: quillstead init"},
+      {{"help", "help", "help"},
+       "help\nUsage: quillstead help [COMMAND]\nMore: quillstead help --help"},
+  };
+  for (const auto& [arguments, complaint] : cases) {
+    const auto end = home.run(arguments);
+    SCOPED_TRACE(::testing::PrintToString(arguments));
+    EXPECT_EQ(end.status, 2);
+    EXPECT_THAT(end.output, IsEmpty());
+    EXPECT_THAT(end.error, StartsWith("quillstead: "));
+    EXPECT_THAT(end.error, HasSubstr(complaint));
+  }
+}
+
+TEST(Program, SaysWithItsStatusWhenItsResultCannotBeWritten) {
+  const std::string command = std::string(QUILLSTEAD_BINARY) + " help >&-";
+  EXPECT_NE(std::system(command.c_str()), 0);
+}
+
+}  // namespace
+
+}  // namespace quillstead::cli

@@ -1,0 +1,325 @@
+#!/usr/bin/env python3
+"""`quillstead doctor` on set-ups that are broken in one way each: the check that names it, and what it
+says. QUILLSTEAD names the program, which has the others beside it."""
+
+import json
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import time
+import unittest
+
+BUILT = pathlib.Path(os.environ["QUILLSTEAD"]).parent
+PROGRAMS = ["quillstead", "quillstead-hook", "quillstead-mcp"]
+HARNESSES = ["claude-code", "codex", "cursor", "opencode"]
+
+CODEX = """#!/usr/bin/env python3
+import json, os, sys
+for line in sys.stdin:
+    request = json.loads(line)
+    if request.get("method") == "hooks/list":
+        settings = json.load(open(os.path.expanduser("~/.codex/hooks.json")))
+        hooks = [{"command": handler["command"], "enabled": %(enabled)s, "trustStatus": "%(trust)s"}
+                 for groups in settings["hooks"].values() for group in groups for handler in group["hooks"]]
+        assert request["params"]["cwds"] == [os.getcwd()]
+        print(json.dumps({"method": "warning"}))
+        print(json.dumps({"id": request["id"], "result": {"data": [{"hooks": hooks}]}}), flush=True)
+"""
+
+
+class DoctorTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.kept = tempfile.TemporaryDirectory()
+        for program in PROGRAMS:
+            shutil.copy(BUILT / program, cls.kept.name)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.kept.cleanup()
+
+    def setUp(self):
+        stage = tempfile.TemporaryDirectory()
+        self.addCleanup(stage.cleanup)
+        self.home = pathlib.Path(stage.name).resolve()
+        self.bin = self.home / "bin"
+        self.work = self.home / "work"
+        for directory in (self.bin, self.work / ".git", self.home / ".claude", self.home / ".codex",
+                          self.home / ".cursor", self.home / ".config/opencode"):
+            directory.mkdir(parents=True)
+        for program in PROGRAMS:
+            os.link(f"{self.kept.name}/{program}", self.bin / program)
+        self.environment = {"HOME": str(self.home), "PATH": f"{self.home}/path:/usr/bin:/bin", "SHELL": "/bin/sh"}
+
+    def quillstead(self, *arguments):
+        return subprocess.run([self.bin / "quillstead", *arguments], env=self.environment, cwd=self.work,
+                              capture_output=True, text=True, timeout=60)
+
+    def install(self):
+        run = self.quillstead("install", *HARNESSES)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        (self.home / ".quillstead/rules.md").write_text("- Answer briefly.\n")
+        (self.home / ".quillstead/memory/tea.md").write_text("# Tea\nNever coffee.\n")
+
+    def doctor(self, *harnesses):
+        run = self.quillstead("doctor", "--json", *harnesses)
+        report = json.loads(run.stdout)
+        checks = {check["id"]: check for check in report["checks"]}
+        self.assertEqual(len(checks), len(report["checks"]))
+        for check in checks.values():
+            self.assertIn(check["status"], ("ok", "warn", "fail", "skip"))
+            if check["status"] in ("warn", "fail"):
+                self.assertNotEqual(check["fix"] + check["summary"], check["summary"], check)
+        self.assertEqual(report["ok"], all(check["status"] != "fail" for check in checks.values()))
+        self.assertEqual(run.returncode, 0 if report["ok"] else 1)
+        return checks
+
+    def assert_check(self, checks, name, status, *words):
+        check = checks[name]
+        self.assertEqual(check["status"], status, check)
+        for word in words:
+            self.assertIn(word, check["summary"] + "\n" + check["fix"])
+
+    def write_program(self, name, text):
+        path = self.bin / name
+        path.unlink(missing_ok=True)
+        path.write_text(text)
+        path.chmod(0o755)
+        return path
+
+    def test_finds_nothing_wrong_after_install(self):
+        self.install()
+        checks = self.doctor()
+        expected = {f"{harness}.{what}" for harness in HARNESSES for what in ("hooks", "server", "run", "double")}
+        expected |= {"codex.trust", "server.start", "store.personal", "store.project", "log.file", "log.recent"}
+        self.assertEqual(set(checks), expected)
+        for name, check in checks.items():
+            skipped = name in ("codex.trust", "store.project", "log.recent")
+            self.assertEqual(check["status"], "skip" if skipped else "ok", check)
+        self.assert_check(checks, "claude-code.run", "ok", "5 commands answered", " ms")
+        self.assert_check(checks, "store.personal", "ok", "1 card of")
+        self.assertEqual(checks["server.start"]["summary"].split(":")[0], str(self.bin / "quillstead-mcp"))
+
+    def test_tells_people_the_same_on_one_screen(self):
+        self.install()
+        run = self.quillstead("doctor")
+        self.assertEqual(run.returncode, 0)
+        self.assertLessEqual(len(run.stdout.splitlines()), 24)
+        self.assertIn("ok    cursor.hooks", run.stdout)
+        self.assertNotIn("\x1b", run.stdout)
+        (self.bin / "quillstead-mcp").unlink()
+        run = self.quillstead("doctor", "cursor")
+        self.assertEqual(run.returncode, 1)
+        self.assertRegex(run.stdout, r"FAIL  server\.start .*cannot be started.*\n +→ ")
+
+    def test_names_only_the_harnesses_that_are_asked_for_or_there(self):
+        self.install()
+        names = {name.split(".")[0] for name in self.doctor("cursor")}
+        self.assertEqual(names, {"cursor", "server", "store", "log"})
+        shutil.rmtree(self.home / ".codex")
+        self.assertNotIn("codex.hooks", self.doctor())
+        self.assertEqual(self.quillstead("doctor", "emacs").returncode, 2)
+
+    def test_moved_hook(self):
+        self.install()
+        self.bin = self.bin.rename(self.home / "elsewhere")
+        checks = self.doctor()
+        for harness in HARNESSES:
+            self.assert_check(checks, f"{harness}.hooks", "warn", "not up to date", f"quillstead install {harness}")
+            self.assert_check(checks, f"{harness}.run", "fail", "cannot be started", "install")
+
+    def test_hook_that_is_not_executable(self):
+        self.install()
+        hook = self.write_program("quillstead-hook", "")
+        hook.chmod(0o644)
+        checks = self.doctor()
+        for harness in HARNESSES:
+            self.assert_check(checks, f"{harness}.run", "fail", "cannot be started: Permission denied")
+
+    def test_hook_of_another_version(self):
+        self.install()
+        for said, told in [("quillstead-hook 0.9.0", "version 0.9.0"), ('{"continue":true}', "another version")]:
+            self.write_program("quillstead-hook", f"#!/bin/sh\n[ \"$1\" = --version ] && echo '{said}' && exit\n"
+                                                  f"exec '{self.kept.name}/quillstead-hook' \"$@\"\n")
+            self.environment["QUILLSTEAD_MCP_BIN"] = str(self.bin / "quillstead-mcp")
+            self.assert_check(self.doctor("codex"), "codex.run", "warn", told)
+
+    def test_missing_hanging_and_babbling_servers(self):
+        self.install()
+        for text, words in [("#!/bin/sh\necho Welcome; exec cat >/dev/null\n", "something else than MCP: Welcome"),
+                            ("#!/bin/sh\nexit 3\n", "ends with status 3"),
+                            ("#!/bin/sh\necho boom >&2; exit 3\n", "saying: boom"),
+                            ("#!/bin/sh\ncat >/dev/null\n", "says nothing"),
+                            (None, "cannot be started"),
+                            ("#!/bin/sh\nsleep 60\n", "hangs")]:
+            with self.subTest(words=words):
+                if text is None:
+                    (self.bin / "quillstead-mcp").unlink()
+                else:
+                    self.write_program("quillstead-mcp", text)
+                begin = time.monotonic()
+                checks = self.doctor("claude-code", "cursor")
+                self.assertLess(time.monotonic() - begin, 25)
+                self.assert_check(checks, "server.start", "fail", words, "quillstead-mcp")
+                for harness in ("claude-code", "cursor"):
+                    self.assert_check(checks, f"{harness}.run", "fail", "server")
+
+    def test_missing_entries(self):
+        checks = self.doctor()
+        for harness in HARNESSES:
+            self.assert_check(checks, f"{harness}.hooks", "fail", "of ours", f"quillstead install {harness}")
+            self.assert_check(checks, f"{harness}.server", "warn", f"quillstead install {harness}")
+            self.assert_check(checks, f"{harness}.run", "skip")
+        self.assert_check(checks, "store.personal", "warn", "quillstead init")
+
+    def test_entries_that_lack_something(self):
+        self.install()
+        for path in (self.home / ".claude/settings.json", self.home / ".codex/hooks.json", self.home / ".cursor/hooks.json"):
+            settings = json.loads(path.read_text())
+            settings["hooks"].pop("PreToolUse", None)
+            settings["hooks"].pop("preToolUse", None)
+            path.write_text(json.dumps(settings))
+        checks = self.doctor()
+        for harness in HARNESSES[:3]:
+            self.assert_check(checks, f"{harness}.hooks", "fail", "before a tool call", f"quillstead install {harness}")
+
+    def test_old_entries(self):
+        self.install()
+        settings = self.home / ".cursor/hooks.json"
+        settings.write_text(settings.read_text().replace("--harness cursor --slot", "--harness=cursor --slot"))
+        self.assert_check(self.doctor("cursor"), "cursor.hooks", "warn", "not up to date")
+
+    def test_settings_that_do_not_parse(self):
+        self.install()
+        (self.home / ".codex/hooks.json").write_text('{\n  "hooks": {,}\n}\n')
+        self.assert_check(self.doctor("codex"), "codex.hooks", "fail", "hooks.json:2:", "correct the file")
+
+    def test_an_entry_by_way_of_another_program(self):
+        (self.home / ".cursor/hooks.json").write_text(json.dumps({"version": 1, "hooks": {"beforeSubmitPrompt": [
+            {"command": f"timeout 3 {self.bin}/quillstead-hook --harness cursor"}]}}))
+        self.assert_check(self.doctor("cursor"), "cursor.hooks", "fail", "by way of another program")
+
+    def test_entries_at_two_levels(self):
+        self.install()
+        for user, project in [(".codex/hooks.json", ".codex/hooks.json"), (".cursor/hooks.json", ".cursor/hooks.json"),
+                              (".config/opencode/plugins/quillstead.js", ".opencode/plugins/quillstead.js"),
+                              (".claude/settings.json", ".claude/settings.json")]:
+            (self.work / project).parent.mkdir(parents=True)
+            shutil.copy(self.home / user, self.work / project)
+        checks = self.doctor()
+        for harness in ("codex", "cursor", "opencode"):
+            self.assert_check(checks, f"{harness}.double", "warn", str(self.work), "take ours out")
+        self.assert_check(checks, "claude-code.double", "ok")  # which runs what is the same once
+        project = self.work / ".claude/settings.json"
+        project.write_text(project.read_text().replace(str(self.bin), "/elsewhere"))
+        self.assert_check(self.doctor("claude-code"), "claude-code.double", "warn", str(project))
+
+    def test_an_entry_that_is_there_twice(self):
+        self.install()
+        path = self.home / ".cursor/hooks.json"
+        settings = json.loads(path.read_text())
+        settings["hooks"]["beforeSubmitPrompt"] *= 2
+        path.write_text(json.dumps(settings))
+        checks = self.doctor("cursor")
+        self.assert_check(checks, "cursor.double", "warn", "twice", "quillstead install cursor")
+
+    def test_codex_that_does_not_trust(self):
+        self.install()
+        (self.home / "path").mkdir()
+        codex = self.home / "path/codex"
+        for trust, enabled, status, word in [("trusted", True, "ok", "trusts the 2"), ("managed", True, "ok", "trusts"),
+                                             ("untrusted", True, "fail", "/hooks"), ("modified", True, "fail", "/hooks"),
+                                             ("trusted", False, "fail", "switched off")]:
+            with self.subTest(trust=trust, enabled=enabled):
+                codex.write_text(CODEX % {"trust": trust, "enabled": enabled})
+                codex.chmod(0o755)
+                self.assert_check(self.doctor("codex"), "codex.trust", status, word)
+        codex.write_text("#!/bin/sh\nexit 1\n")
+        self.assert_check(self.doctor("codex"), "codex.trust", "skip", "does not tell")
+
+    def test_a_log_that_cannot_be_written(self):
+        self.install()
+        self.environment["QUILLSTEAD_HOOK_LOG"] = str(self.home)
+        self.assert_check(self.doctor("cursor"), "log.file", "warn", "is no file")
+        self.environment["QUILLSTEAD_HOOK_LOG"] = str(self.home / "no/such/directory/log")
+        self.assert_check(self.doctor("cursor"), "log.file", "warn", "cannot be made")
+        self.environment["QUILLSTEAD_HOOK_LOG"] = ""
+        self.assert_check(self.doctor("cursor"), "log.file", "skip", "switched off")
+        if os.geteuid() != 0:
+            log = self.home / "log"
+            log.touch(0o400)
+            self.environment["QUILLSTEAD_HOOK_LOG"] = str(log)
+            self.assert_check(self.doctor("cursor"), "log.file", "warn", "cannot be written")
+
+    def test_what_the_log_says_of_its_last_lines(self):
+        self.install()
+        log = self.home / "log"
+        self.environment["QUILLSTEAD_HOOK_LOG"] = str(log)
+        line = "2026-11-16T03:38:33.123+00:00 5ms {} | parse 5 residual 0\n"
+        late, well = line.format("rules=MISS:timeout"), line.format("rules=1 cards=2")
+        for text, status, words in [
+                (well * 3, "ok", "the last 3 prompts"), (late * 3 + well, "warn", "3 of the last 4 prompts timed out"),
+                (late * 300 + well * 200, "ok", "the last 200 prompts"), ("foreign\n" * 3, "skip", "no prompts"),
+                (well + line.format("rules=MISS:no-envelope cards=MISS:declined"), "warn", "1 of the last 2 prompts got no"),
+                (well + line.format("rules=MISS:over-budget"), "warn", "left out for the budget"),
+                (well * 5000 + line.format("rules=1 cards=2 trimmed=1"), "warn", "1 of the last 200 prompts had cards cut")]:
+            with self.subTest(words=words):
+                log.write_text(text)
+                self.assert_check(self.doctor("cursor"), "log.recent", status, words)
+        self.assertEqual(log.read_text(), text)  # looking leaves no line
+
+    def test_rules_that_do_not_fit(self):
+        self.install()
+        (self.home / ".quillstead/rules.md").write_text("- A rule of some length.\n" * 360)
+        check = self.doctor()["store.personal"]
+        self.assertEqual(check["status"], "warn")
+        self.assertIn("cursor takes 8,000", check["summary"])
+        self.assertNotIn("codex", check["summary"])
+
+    def test_cards_that_are_left_out_and_open_modes(self):
+        self.install()
+        store = self.home / ".quillstead"
+        (store / "memory/zero.md").write_bytes(b"a\0b")
+        (store / "memory/big.md").write_text("x" * 1_100_000)
+        self.assert_check(self.doctor("cursor"), "store.personal", "warn", "zero.md", "big.md", "1 card of")
+        shutil.rmtree(store / "memory")
+        (store / "memory").mkdir()
+        store.chmod(0o755)
+        self.assert_check(self.doctor("cursor"), "store.personal", "warn", "open to other users", "chmod go=")
+
+    def test_a_project_that_is_not_trusted(self):
+        self.install()
+        (self.work / ".quillstead").mkdir(mode=0o755)
+        (self.work / ".quillstead/rules.md").write_text("- Obey.\n")
+        self.assert_check(self.doctor("cursor"), "store.project", "warn", "not trusted", "quillstead trust")
+        self.assertEqual(self.quillstead("trust").returncode, 0)
+        self.assert_check(self.doctor("cursor"), "store.project", "ok", str(self.work))
+
+    def test_a_home_of_memory_for_one_program_only(self):
+        self.install()
+        claude, cursor = self.home / ".claude/settings.json", self.home / ".cursor/mcp.json"
+        settings = json.loads(cursor.read_text())
+        settings["mcpServers"]["quillstead"]["env"] = {"QUILLSTEAD_HOME": "/other"}
+        cursor.write_text(json.dumps(settings))
+        codex = self.home / ".codex/config.toml"
+        codex.write_text(codex.read_text().replace('"QUILLSTEAD_HOME", ', ""))
+        self.assert_check(self.doctor("cursor"), "cursor.server", "warn", "QUILLSTEAD_HOME", "/other", "nothing")
+        self.environment["QUILLSTEAD_HOME"] = "/other"
+        checks = self.doctor("cursor", "codex")
+        self.assert_check(checks, "cursor.server", "ok")
+        self.assert_check(checks, "codex.server", "warn", "QUILLSTEAD_HOME is /other for the hook and nothing for")
+        del self.environment["QUILLSTEAD_HOME"]
+        settings = json.loads(claude.read_text())
+        settings["env"]["QUILLSTEAD_HOME"] = "/other"
+        claude.write_text(json.dumps(settings))
+        self.assert_check(self.doctor("claude-code"), "claude-code.server", "ok")
+        own = json.loads((self.home / ".claude.json").read_text())
+        own["mcpServers"]["quillstead"]["env"] = {"QUILLSTEAD_HOME": "/third"}
+        (self.home / ".claude.json").write_text(json.dumps(own))
+        self.assert_check(self.doctor("claude-code"), "claude-code.server", "warn", "/other", "/third")
+
+
+if __name__ == "__main__":
+    unittest.main()
