@@ -1,0 +1,70 @@
+"""The harness programs, installed from npm into a cache outside the build directory."""
+
+import hashlib
+import os
+import pathlib
+import platform
+import shutil
+import subprocess
+
+_here = pathlib.Path(__file__).parent
+_programs = {"claude-code": "@anthropic-ai/claude-code-linux-{processor}/claude",
+             "codex": "codex-linux-{processor}/vendor/*/bin/codex",
+             "opencode": "opencode-linux-{processor}/bin/opencode"}
+_processor = {"x86_64": "x64", "aarch64": "arm64"}.get(platform.machine(), platform.machine())
+
+
+def _cache():
+    base = os.environ.get("XDG_CACHE_HOME") or os.path.expanduser("~/.cache")
+    return pathlib.Path(base) / "quillstead-tests" / "harnesses"
+
+
+def _npm(directory, *arguments):
+    if not shutil.which("npm"):
+        raise SystemExit("npm is missing: the harnesses cannot be installed, so nothing was tested")
+    command = ["npm", *arguments, "--ignore-scripts", "--no-audit", "--no-fund", "--loglevel=error"]
+    if subprocess.run(command, cwd=directory).returncode != 0:
+        shutil.rmtree(directory)
+        raise SystemExit("npm could not install the harnesses, so nothing was tested")
+
+
+def _newest(package):
+    return subprocess.run(["npm", "view", package, "version"], capture_output=True, text=True,
+                          check=True).stdout.strip()
+
+
+def installed(newest=False):
+    """The directory of the installed packages. Downloads them when they are not there yet."""
+    if newest:
+        place = _cache() / "newest"
+        shutil.rmtree(place, ignore_errors=True)
+        place.mkdir(parents=True)
+        codex = _newest("@openai/codex")
+        _npm(place, "install", f"@anthropic-ai/claude-code-linux-{_processor}@latest",
+             f"codex-linux-{_processor}@npm:@openai/codex@{codex}-linux-{_processor}",
+             f"opencode-linux-{_processor}@latest")
+        return place / "node_modules"
+    lock = _here / "package-lock.json"
+    place = _cache() / hashlib.sha256(lock.read_bytes()).hexdigest()[:16]
+    if not (place / ".complete").exists():
+        shutil.rmtree(place, ignore_errors=True)
+        place.mkdir(parents=True)
+        for name in ("package.json", "package-lock.json"):
+            shutil.copy(_here / name, place)
+        _npm(place, "ci")
+        (place / ".complete").touch()
+    return place / "node_modules"
+
+
+def native(packages, harness):
+    """The path of the harness's own program."""
+    found = list(packages.glob(_programs[harness].format(processor=_processor)))
+    if not found:
+        raise SystemExit(f"{harness} has no program for this machine in {packages}")
+    return str(found[0])
+
+
+def megabytes(packages):
+    """The size of all of them on the disk."""
+    return int(subprocess.run(["du", "-sm", packages], capture_output=True, text=True,
+                              check=True).stdout.split()[0])
