@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-namespace quillstead {
+namespace quillstead::hook {
 namespace {
 
 struct Snippet {
@@ -60,10 +60,10 @@ struct Entry {
 
 std::vector<std::string> wordsOf(JSON::ObjectView entry) {
   std::vector<std::string> words;
-  std::istringstream command(std::string(*entry.find("command").text()));
+  std::istringstream command(std::string(*entry.find("command").string()));
   for (std::string word; command >> word;) words.push_back(word);
   for (const JSON::View argument : entry.find("args").elements()) {
-    words.emplace_back(*argument.text());
+    words.emplace_back(*argument.string());
   }
   return words;
 }
@@ -71,8 +71,8 @@ std::vector<std::string> wordsOf(JSON::ObjectView entry) {
 void collect(const std::string& event, const std::optional<std::string>& matcher,
              JSON::ObjectView entry, std::vector<Entry>& entries) {
   std::optional<std::string> ownMatcher = matcher;
-  if (const auto text = entry.find("matcher").text()) ownMatcher = *text;
-  if (entry.find("command").isThere()) {
+  if (const auto text = entry.find("matcher").string()) ownMatcher = *text;
+  if (entry.find("command").exists()) {
     const auto timeout = entry.find("timeout").number();
     entries.push_back({.event = event,
                        .matcher = ownMatcher,
@@ -160,4 +160,4 @@ TEST(Snippets, MatchEveryToolThatIsStampedInCursor) {
 }
 
 }  // namespace
-}  // namespace quillstead
+}  // namespace quillstead::hook
