@@ -41,6 +41,10 @@ class Reader {
     addInit();
     addTexts();
     addHelp();
+    app_.footer(
+        "You need two commands: \"quillstead install\" sets up your coding agents, and "
+        "\"quillstead "
+        "doctor\" says whether it works.");
   }
 
   Outcome read(std::span<char* const> arguments) {
@@ -297,10 +301,13 @@ ProgramText hookText() {
   app.add_option("--decision", "Say in a pre-tool answer that the call is allowed, for Codex")
       ->type_name("DECISION")
       ->check(CLI::IsMember(std::vector<std::string>{"allow"}));
-  app.add_flag("--version")->description("Print the version");
+  app.add_flag("--help")->description("Print a short help, when it is the only option");
+  app.add_flag("--version")->description("Print the version, when it is the only option");
   app.footer(
       "Harnesses run it, at every prompt and before tool calls, with a payload on its standard "
-      "input. Whatever goes wrong, it ends with status 0.");
+      "input. It always exits with status 0.\n\nYou need two commands: \"quillstead install\" sets "
+      "up "
+      "your coding agents to run it, and \"quillstead doctor\" says whether it works.");
   return {.own = textOf(app), .version = QUILLSTEAD_VERSION, .commands = {}};
 }
 
@@ -308,9 +315,13 @@ ProgramText serverText() {
   CLI::App app("A memory server over plain Markdown files", "quillstead-mcp");
   app.set_help_flag(helpNames, helpSummary);
   app.add_flag("-V,--version")->description("Print the version");
+  app.add_option("--trust", "Use the memory of the projects in this directory and below it")
+      ->type_name("DIR");
   app.footer(
-      "It speaks the Model Context Protocol on its standard input and output, and is started by "
-      "quillstead-hook or as an MCP server of an agent.");
+      "quillstead-hook and coding agents start it, and speak the Model Context Protocol with it on "
+      "its standard input and output.\n\nYou need two commands: \"quillstead install\" sets up "
+      "your "
+      "coding agents to use it, and \"quillstead doctor\" says whether it works.");
   return {.own = textOf(app), .version = QUILLSTEAD_VERSION, .commands = {}};
 }
 

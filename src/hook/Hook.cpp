@@ -21,6 +21,24 @@ namespace quillstead::hook::Hook {
 
 namespace {
 
+std::string help() {
+  return "quillstead-hook: puts your stored memory into your coding agent's context.\n"
+         "\n"
+         "Coding agents run it. You need two commands:\n"
+         "  quillstead install   sets up your coding agents to run it\n"
+         "  quillstead doctor    says whether it works\n"
+         "\n"
+         "Options, for an agent's settings:\n"
+         "  --harness NAME       " +
+         Text::joined(Harnesses::knownNames(), ", ") + "\n  --slot SLOT          " +
+         Text::joined(SlotFlag::knownNames, ", ") +
+         "\n"
+         "  --event EVENT        SubagentStart, SessionStart\n"
+         "  --decision allow     Codex and OpenCode only\n"
+         "  --version            prints the version\n"
+         "More: man quillstead-hook";
+}
+
 /// Every refusal gets the same answer, whatever the harness.
 std::int32_t refuse(const std::string& reason, const std::string& known) {
   Stderr::line(reason + " — injecting nothing. " + known + ".");
@@ -74,8 +92,9 @@ struct Dispatch {
 }  // namespace
 
 std::int32_t run(std::span<char* const> arguments, const OS::Environment& environment) {
-  if (arguments.size() == 1 && std::string_view(arguments.front()) == "--version") {
-    FailOpenBelt::answer("quillstead-hook " QUILLSTEAD_VERSION);
+  const std::string_view only = arguments.size() == 1 ? arguments.front() : "";
+  if (only == "--version" || only == "--help") {
+    FailOpenBelt::answer(only == "--help" ? help() : "quillstead-hook " QUILLSTEAD_VERSION);
     return 0;
   }
   return std::visit(Dispatch{arguments, environment}, HarnessFlag::parse(arguments));

@@ -16,9 +16,13 @@ namespace {
 
 constexpr std::string_view help =
     "quillstead-mcp: a memory server over plain Markdown files.\n"
-    "It speaks the Model Context Protocol on its standard input and output, and is started by\n"
-    "quillstead-hook or as an MCP server of an agent. Then it takes no arguments.\n"
     "\n"
+    "quillstead-hook and coding agents start it, and speak the Model Context Protocol with it on\n"
+    "its standard input and output. Then it takes no arguments. You need two commands:\n"
+    "  quillstead install   sets up your coding agents to use it\n"
+    "  quillstead doctor    says whether it works\n"
+    "\n"
+    "Options:\n"
     "  --trust DIRECTORY  use the memory of the projects in this directory and below it\n"
     "  -h, --help         print this\n"
     "  -V, --version      print the version";

@@ -50,6 +50,20 @@ TEST(Program, PrintsHelpAndVersionWhenAsked) {
   }
 }
 
+TEST(Program, NamesTheTwoCommandsToBeginWithInEveryHelp) {
+  for (const char* const program :
+       {QUILLSTEAD_BINARY, QUILLSTEAD_HOOK_BINARY, QUILLSTEAD_MCP_BINARY}) {
+    const auto end =
+        server::test::ProgramRun(
+            {.executable = program, .arguments = {"--help"}, .environment = {}, .input = {}})
+            .finish();
+    SCOPED_TRACE(program);
+    EXPECT_EQ(end.status, 0);
+    EXPECT_THAT(end.output, HasSubstr("quillstead install"));
+    EXPECT_THAT(end.output, HasSubstr("quillstead doctor"));
+  }
+}
+
 TEST(Program, RefusesACommandLineThatMakesNoSense) {
   const test::MadeUpHome home;
   const std::vector<std::pair<std::vector<std::string>, std::string>> cases{

@@ -84,6 +84,16 @@ TEST_F(CommandLine, TellsTheVersionWhenThatIsAllItSays) {
   EXPECT_EQ(chosenHarness({"--version", "--harness", "codex"}), "codex");
 }
 
+TEST_F(CommandLine, PrintsHelpWhenThatIsAllItSays) {
+  const HookEnd end = started({"--help"});
+  EXPECT_NE(end.output.find("claude-code, codex, cursor, opencode\n"), std::string::npos);
+  EXPECT_NE(end.output.find("rules, index, recall, pretool\n"), std::string::npos);
+  EXPECT_EQ(end.error, "");
+  expectRefusal({"--help", "x"},
+                "no --harness <name> given — injecting nothing. " + knownHarnesses);
+  EXPECT_EQ(chosenHarness({"--help", "--harness", "codex"}), "codex");
+}
+
 TEST_F(CommandLine, WithAnUnknownHarnessIsRefusedByItsName) {
   const std::vector<std::pair<Arguments, std::string>> table{
       {{"--harness", "CODEX"}, "CODEX"},
