@@ -14,7 +14,7 @@ struct Deadline {
   OS::MonotonicClock::time_point start;
   Seconds allowance;
 
-  /// What is left of the allowance; 0 when it is spent.
+  /// The time that is left; 0 when there is none.
   [[nodiscard]] Seconds leash() const;
 
   /// Whole milliseconds since the start.

@@ -13,8 +13,8 @@ constexpr std::int64_t costOfSeparator = 2;  ///< the blank line between two tex
 
 std::int64_t length(std::string_view text) { return static_cast<std::int64_t>(text.size()); }
 
-/// Where the first of the cards that end at `end` begins; absent when they would not fit behind the
-/// opening fence and a gap, or a gap is not where the sizes say.
+/// Where the first card begins, when the last one ends at `end`. Absent when the cards do not fit
+/// after the opening fence and a gap, or there is no gap where the sizes say.
 std::optional<std::size_t> startOfCards(std::string_view bytes, std::size_t end,
                                         const std::vector<std::int64_t>& spans) {
   const std::size_t least = Envelope::opening.size() + Envelope::gap.size();
@@ -31,14 +31,14 @@ std::optional<std::size_t> startOfCards(std::string_view bytes, std::size_t end,
   return at;
 }
 
-/// Takes the texts one after the other while they fit, each at its length and a separator.
+/// Takes texts one by one while they fit. Each costs its length and a separator.
 class Purse {
  public:
   explicit Purse(std::int64_t limit) : remaining_(limit) {}
 
   [[nodiscard]] std::int64_t remaining() const { return remaining_; }
 
-  /// Moves `text` to the kept ones when it is there and fits. True when it was kept.
+  /// Keeps `text` if it is there and fits; returns whether it was kept.
   bool keep(std::optional<std::string>& text, std::vector<std::string>& kept) {
     if (!text || length(*text) > remaining_) return false;
     remaining_ -= length(*text) + costOfSeparator;

@@ -11,7 +11,7 @@
 /// Fits the lanes' texts into the context that a harness accepts. All sizes are bytes of UTF-8.
 namespace quillstead::hook::ContextBudget {
 
-/// The texts there are; absent ones are left out of the result.
+/// The texts; absent ones are left out of the result.
 struct Texts {
   std::optional<std::string> rules;
   std::optional<std::string> memory;
@@ -31,27 +31,27 @@ struct Fitted {
 };
 
 /// Keeps what fits, in that order of priority; an earlier text is never dropped for a later one.
-/// The memory is trimmed card by card from its end; it is dropped whole when it does not have the
-/// shape that its spans tell.
+/// The memory loses cards from its end. It is dropped whole when its cards are not where its spans
+/// say.
 Fitted fit(Texts texts);
 
-/// A memory block whose cards are known by their bytes: the opening fence, a header, and cards each
-/// after a gap, then the closing fence.
+/// A memory block with cards of known sizes: the opening fence, a header, each card after a gap,
+/// and the closing fence.
 class Envelope {
  public:
   static constexpr std::string_view opening = contract::MemoryFence::opening;
   static constexpr std::string_view closing = contract::MemoryFence::closing;
   static constexpr std::string_view gap = contract::MemoryFence::gap;
 
-  /// Absent when `block` is not made of cards of exactly these sizes.
+  /// Absent when `block` does not consist of cards of exactly these sizes.
   static std::optional<Envelope> measured(std::string block, std::vector<std::int64_t> spans);
 
   [[nodiscard]] std::size_t cardCount() const { return spans_.size(); }
 
-  /// The most cards with which the block is at most `limit` bytes long; 0 when not even one fits.
+  /// How many cards fit into `limit` bytes, with header and fences.
   [[nodiscard]] std::size_t cardsWithin(std::int64_t limit) const;
 
-  /// The block with its header and its first `count` cards, at least 1, and the fence closed.
+  /// The block with only its first `count` cards (at least 1).
   [[nodiscard]] std::string rendered(std::size_t count) const;
 
  private:

@@ -18,14 +18,14 @@ namespace {
 
 constexpr std::array faultSignals{SIGILL, SIGTRAP, SIGSEGV, SIGBUS, SIGFPE, SIGABRT};
 
-// What the signal handler reads: static storage, filled in before the first handler goes in, and
-// only read afterwards.
+// What the signal handler reads. It is static storage, filled in before the first handler is
+// installed, and only read after that.
 std::array<char, longestSilence + 1> renderedSilence;
 std::size_t renderedLength = 0;
 alignas(16) std::array<char, 65'536> alternateStack;
 static_assert(std::atomic<bool>::is_always_lock_free);
 
-/// The handler's work, which only calls what is safe in a signal handler.
+/// The handler's work. It only calls functions that are safe in a signal handler.
 [[noreturn]] void end() {
   const char* rest = renderedSilence.data();
   std::size_t remaining = answered ? 0 : renderedLength;

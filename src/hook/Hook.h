@@ -5,13 +5,12 @@
 #include <cstdint>
 #include <span>
 
-/// One run of the hook: from the command line to the one answer.
+/// One run of the hook, from the command line to the answer.
 namespace quillstead::hook::Hook {
 
-/// Chooses the harness and the slot and hands the run on; refuses what it does not know.
-/// "--version" alone tells the version, so that `quillstead doctor` can ask for it. Returns the
-/// exit status, which is always 0: whatever goes wrong, the harness goes on. `arguments`: the
-/// command line without the program's path.
+/// Reads the harness and the slot from the command line and starts the run; refuses unknown ones.
+/// "--version" or "--help" as the only argument prints that instead. Returns the exit status,
+/// always 0. `arguments`: the command line without the program's path.
 std::int32_t run(std::span<char* const> arguments, const OS::Environment& environment);
 
 }  // namespace quillstead::hook::Hook

@@ -5,15 +5,15 @@
 #include <optional>
 #include <string_view>
 
-/// Tells a sub-agent which session started it, by a tag at the end of its prompt.
+/// Adds a tag to a sub-agent's prompt that names the session that started it.
 namespace quillstead::hook::ParentTag {
 
 /// The tool that starts a sub-agent.
 inline constexpr std::string_view tool = "Task";
 
-/// The answer to a call of the tool "Task": its input with "[qs-parent:<session>]" behind the
-/// prompt, after a blank line. The tag is added on every call, also to a prompt that has one.
-/// Absent for another tool, an input whose prompt is no string, and a payload without a session.
+/// The answer to a call of the tool "Task": its input, with a blank line and
+/// "[qs-parent:<session>]" after the prompt. A prompt that has a tag gets another one. Absent for
+/// other tools, when the prompt is not a string, and when the payload has no session.
 std::optional<JSON::Object> answer(JSON::ObjectView payload);
 
 }  // namespace quillstead::hook::ParentTag

@@ -30,19 +30,19 @@ using Clock = OS::MonotonicClock;
 
 constexpr Seconds allowance{2.5};
 
-/// Absent when there is no payload of use.
+/// Absent when the payload cannot be read, or is not for this harness.
 std::optional<HookInput> inputFor(const HarnessAdapter& adapter, std::string_view event) {
   const std::optional<std::string> data = StandardInput::readAll();
   std::optional<HookInput> input = data ? adapter.parse(*data) : std::nullopt;
   if (input && event != EventFlag::prompt) {
-    // A sub-agent, or a session that starts, has seen nothing of what the payload's session has.
+    // A sub-agent, or a new session, has not seen what the payload's session has seen.
     input->sessionID.reset();
     input->transcriptPath.reset();
   }
   return input;
 }
 
-/// What the lanes brought. A lane that was not run brought nothing.
+/// What the lanes returned; empty for a lane that was not run.
 struct Lanes {
   LaneOutcome rules;
   LaneOutcome memory;
@@ -67,7 +67,7 @@ Lanes runLanes(const HarnessAdapter& adapter, SlotPlan plan, const HookInput& in
   return lanes;
 }
 
-/// What the lanes and the slot say, corrected where a text did not go out for want of room.
+/// The trail fields of the lanes and the slot, corrected where a text did not fit.
 Trail trailOf(std::vector<std::string> rulesFields, std::vector<std::string> memoryFields,
               std::optional<std::string_view> slotField, const ContextBudget::Fitted& fitted) {
   Trail trail;

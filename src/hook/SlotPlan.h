@@ -10,13 +10,13 @@
 
 namespace quillstead::hook {
 
-/// What the prompt of a slot brings to the agent. This is the one place that decides it.
+/// What a slot adds to a prompt. Only this file decides it.
 struct SlotPlan {
   enum class Rules {
     whole,
-    head,   ///< without the index that closes them; whole when they have none
-    index,  ///< that index alone
-    none,   ///< asked for all the same, for the log and to know a broken server
+    head,   ///< without the index at their end; whole when they have no index
+    index,  ///< only that index
+    none,   ///< still requested, for the log and to notice a broken server
   };
   Rules rules;
   bool memory;
@@ -31,7 +31,7 @@ struct SlotPlan {
         return {.rules = Rules::index, .memory = false};
       case HookSlot::recall:
         return {.rules = Rules::none, .memory = true};
-      case HookSlot::pretool:  // is answered elsewhere
+      case HookSlot::pretool:  // answered elsewhere
         break;
     }
     return {.rules = Rules::whole, .memory = false};
@@ -41,7 +41,7 @@ struct SlotPlan {
 /// The rules that go out at a slot.
 struct SlotRules {
   std::optional<std::string> text;             ///< fenced; absent when none go out
-  std::optional<std::string_view> trailField;  ///< the slot's own word on them, when it has one
+  std::optional<std::string_view> trailField;  ///< the slot's own field, when it has one
 
   /// The part that `plan` wants of the rules lane's block.
   static SlotRules of(SlotPlan::Rules part, std::optional<std::string> block,

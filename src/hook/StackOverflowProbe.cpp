@@ -2,8 +2,8 @@
 
 namespace quillstead::hook::StackOverflowProbe {
 
-// No base case, on purpose. The scratch words are volatile and used after the call, so that the
-// compiler can neither drop the frame nor turn the recursion into a loop.
+// No base case, on purpose. The words are volatile and used after the call, so that the compiler
+// keeps each frame and does not make a loop of the recursion.
 #pragma GCC diagnostic push
 #if defined(__clang__) || __GNUC__ >= 12
 #pragma GCC diagnostic ignored "-Winfinite-recursion"

@@ -4,11 +4,10 @@
 
 #include <cstdint>
 
-/// A deliberate endless recursion, so that the belt's handling of a stack overflow can be tried
-/// from outside the process.
+/// Overflows the stack on purpose, so that tests can check from outside how the belt handles it.
 namespace quillstead::hook::StackOverflowProbe {
 
-/// Runs the stack out; call it with 0. Never returns in practice.
+/// Recurses until the stack overflows. Call it with 0.
 std::int64_t recurse(std::int64_t depth);
 
 /// Recurses when QUILLSTEAD_HOOK_STACK_OVERFLOW_FOR_TESTS is exactly "1".

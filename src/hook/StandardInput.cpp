@@ -11,7 +11,7 @@ namespace quillstead::hook::StandardInput {
 
 std::optional<std::string> readAll() {
   std::string all;
-  static std::array<char, 65'536> buffer;  // on a stack that is probed it would be 16 page faults
+  static std::array<char, 65'536> buffer;  // on the stack it would cost 16 page faults
   for (;;) {
     const OS::Transfer part = OS::read(STDIN_FILENO, buffer.data(), buffer.size());
     switch (part.result) {

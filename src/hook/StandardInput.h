@@ -5,8 +5,8 @@
 
 namespace quillstead::hook::StandardInput {
 
-/// Everything on standard input up to its end, which may be nothing. Blocks until the harness
-/// closes it; no limit of size or time. Absent when it cannot be read.
+/// All of standard input; may be empty. Blocks until the harness closes it, without a limit of size
+/// or time. Absent when it cannot be read.
 std::optional<std::string> readAll();
 
 }  // namespace quillstead::hook::StandardInput

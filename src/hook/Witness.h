@@ -5,8 +5,8 @@
 
 namespace quillstead::hook::Witness {
 
-/// Warns on standard error when the directory that the harness names and the one this process is in
-/// are not the same, links followed. Only a warning: the lanes go by the harness's.
+/// Warns on standard error when the directory that the harness names is not the one that this
+/// process runs in (links followed). It is only a warning: the lanes use the harness's directory.
 void warnIfCwdWitnessesDisagree(const std::optional<std::string>& payloadCwd);
 
 }  // namespace quillstead::hook::Witness

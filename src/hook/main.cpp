@@ -8,7 +8,7 @@
 int main(int count, char** arguments) {
   using namespace quillstead;
   using namespace quillstead::hook;
-  // A harness that went away, or a log that is as long as a file may be, is an error, not the end.
+  // Writing to a closed pipe, or to a log at its size limit, must fail and not end the process.
   for (const int signal : {SIGPIPE, SIGXFSZ}) static_cast<void>(std::signal(signal, SIG_IGN));
   FailOpenBelt::endQuietlyOnFailure();
 

@@ -6,8 +6,8 @@
 #include <span>
 #include <string_view>
 
-// What the command line may change in an answer. A value that is not known changes nothing, and
-// standard error says so.
+// Options that change an answer. An unknown value changes nothing, and a message on standard error
+// says so.
 namespace quillstead::hook {
 
 namespace EventFlag {
@@ -19,17 +19,17 @@ inline constexpr std::string_view prompt = "UserPromptSubmit";
 inline constexpr std::array<std::string_view, 3> knownNames{prompt, "SubagentStart",
                                                             "SessionStart"};
 
-/// What `--event` says that the harness calls the moment; the usual event when it says nothing.
+/// The event that `--event` names; the usual event when it is not given.
 std::string_view parse(std::span<char* const> arguments);
 
 }  // namespace EventFlag
 
-/// What an answer says of a stamped call besides its new input.
+/// What the answer to a stamped call contains besides the new input.
 enum class Decision { none, allow };
 
 namespace DecisionFlag {
 
-/// What `--decision` says; none for an adapter that takes no decision.
+/// The value of `--decision`; none for an adapter that takes no decision.
 Decision parse(std::span<char* const> arguments, const HarnessAdapter& adapter);
 
 }  // namespace DecisionFlag

@@ -9,7 +9,7 @@ namespace quillstead::hook {
 
 std::optional<HookInput> ClaudeCodeAdapter::parse(std::string_view data) const {
   const std::optional<JSON::Document> payload = Payload::read(data);
-  // Cursor can run Claude Code's hooks; such a payload is Cursor's own hook's to answer.
+  // Cursor can run Claude Code's hooks too. Cursor's own hook answers such a payload.
   if (!payload || payload->object().find("cursor_version").exists()) return std::nullopt;
   return ClaudeCode::input(payload->object());
 }

@@ -5,8 +5,8 @@
 
 namespace quillstead::hook {
 
-/// Claude Code. It has no neutral answer: when nothing is injected, nothing is printed. Nor may an
-/// answer at the slot `pretool` decide: the user would not be asked any more.
+/// Claude Code. It has no neutral answer: when nothing is injected, nothing is printed. An answer
+/// at the slot `pretool` must not carry a decision, because the user would no longer be asked.
 class ClaudeCodeAdapter final : public HarnessAdapter {
  public:
   [[nodiscard]] std::string_view name() const override { return "claude-code"; }
@@ -18,7 +18,7 @@ class ClaudeCodeAdapter final : public HarnessAdapter {
   [[nodiscard]] std::optional<std::int64_t> cardHeadCeiling() const override { return 10'000; }
 };
 
-/// The payload and the answer that Claude Code defined and Codex took over.
+/// The payload and answer format that Claude Code and Codex share.
 namespace ClaudeCode {
 
 HookInput input(JSON::ObjectView payload);

@@ -6,8 +6,8 @@
 
 namespace quillstead::hook::CommandFlag {
 
-/// The value of `flag`, given as the next argument or after "=". The first argument that is the
-/// flag in either form decides. Absent when there is none, or its value is missing or empty.
+/// The value of `flag`, given as the next argument or after "=". Only the first occurrence of the
+/// flag counts. Absent when the flag is not given, or its value is missing or empty.
 std::optional<std::string_view> value(std::string_view flag, std::span<char* const> arguments);
 
 }  // namespace quillstead::hook::CommandFlag

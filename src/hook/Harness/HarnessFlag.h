@@ -12,12 +12,12 @@ struct Found {
   const HarnessAdapter& adapter;
 };
 struct Unknown {
-  std::string_view name;  ///< what the command line says, which no harness is called
+  std::string_view name;  ///< the value on the command line, which is no harness's name
 };
 struct Missing {};
 using Outcome = std::variant<Found, Unknown, Missing>;
 
-/// What `--harness` on the command line names.
+/// The harness that `--harness` names.
 Outcome parse(std::span<char* const> arguments);
 
 }  // namespace quillstead::hook::HarnessFlag

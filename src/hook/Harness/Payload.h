@@ -7,24 +7,23 @@
 #include <string>
 #include <string_view>
 
-/// How every harness's payload is read, whatever its keys.
+/// Reading that is the same for every harness's payload.
 namespace quillstead::hook::Payload {
 
 /// The payload in `input`; absent when it is not one JSON object.
 std::optional<JSON::Document> read(std::string_view input);
 
-/// The string of the key "prompt" as it is, maybe blank; empty when there is none or it is no
-/// string.
+/// The string at the key "prompt", unchanged; empty when it is missing or not a string.
 std::string prompt(JSON::ObjectView payload);
 
-/// `value` when it is a string with more than white space in it, untrimmed; else absent.
+/// `value`, untrimmed, when it is a string that is not only white space; else absent.
 std::optional<std::string> nonBlank(JSON::View value);
 
 /// The same for the value of `key`.
 std::optional<std::string> nonBlank(JSON::ObjectView payload, std::string_view key);
 
-/// The call's "tool_input" with `key` set to the payload's `identity`, whatever the agent put
-/// there; absent when the input is no object or the identity is blank.
+/// The call's "tool_input" with `key` set to the payload's `identity`, which replaces any value
+/// from the agent. Absent when the input is not an object or the identity is blank.
 std::optional<JSON::Object> stampedInput(JSON::ObjectView payload, std::string_view key,
                                          std::string_view identity);
 

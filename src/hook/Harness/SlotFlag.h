@@ -7,8 +7,8 @@
 
 namespace quillstead::hook {
 
-/// The moment at which the harness runs the hook. No slot at all is a state of its own: rules and
-/// memory together.
+/// What part of the work the harness runs the hook for. Without a slot, it is rules and memory
+/// together.
 enum class HookSlot { rules, index, recall, pretool };
 
 namespace SlotFlag {
@@ -16,7 +16,7 @@ namespace SlotFlag {
 /// The slots' names on the command line, in the order of `HookSlot`.
 inline constexpr std::array<std::string_view, 4> knownNames{"rules", "index", "recall", "pretool"};
 
-/// Empty for what is no slot.
+/// Empty for any other value.
 constexpr std::string_view name(HookSlot slot) {
   switch (slot) {
     case HookSlot::rules:
@@ -39,7 +39,7 @@ constexpr std::optional<HookSlot> named(std::string_view name) {
   return std::nullopt;
 }
 
-/// The list has the name of every slot where the slot is, and no slot stands behind its end.
+/// Checks that the list has exactly one name for each slot, in order.
 constexpr bool namesMatchSlots() {
   for (std::size_t at = 0; at < knownNames.size(); ++at) {
     if (name(static_cast<HookSlot>(at)) != knownNames[at]) return false;

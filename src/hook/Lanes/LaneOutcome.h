@@ -9,7 +9,7 @@
 
 namespace quillstead::hook {
 
-/// What one lane brought back, every piece of it checked.
+/// What one lane returned; every part is checked.
 struct LaneOutcome {
   std::optional<std::string> block;       ///< the rules or the cards; absent when there are none
   std::vector<std::string> fields;        ///< "key=value" for the telemetry line, in order
@@ -21,11 +21,11 @@ struct LaneOutcome {
   std::optional<std::string> justEnded;   ///< memory: a text fenced by <quillstead-now>
 };
 
-/// Numbers in the metadata of a reply.
+/// Numbers in a reply's metadata.
 namespace ReplyNumber {
 
-/// The value when it is a number written as an integer of at least 1 and at most 64 bits; absent
-/// for anything else: a missing value, a boolean, 3.0.
+/// The value when it is an integer from 1 to the largest of 64 bits. Absent for anything else, such
+/// as a missing value, a boolean, or 3.0.
 inline std::optional<std::int64_t> positive(JSON::View value) {
   const std::optional<JSON::Number> number = value.number();
   const auto integer = number ? number->integer() : std::nullopt;

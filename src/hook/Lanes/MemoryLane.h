@@ -12,15 +12,15 @@
 #include <string_view>
 #include <vector>
 
-/// Asks the server for the memory that matters for the prompt, and checks every piece of its reply
-/// before any of it may reach the harness.
+/// Asks the server for the cards that match the prompt, and checks every part of the reply before
+/// it reaches the harness.
 namespace quillstead::hook::MemoryLane {
 
-/// The arguments of "memory_get_relevant"; what the input lacks is left out.
+/// The arguments of "memory_get_relevant", without those that the input lacks.
 JSON::Object arguments(const HookInput& input);
 
-// Each takes a value of the reply's metadata, null when it is missing, and gives its content only
-// when it is sound.
+// Each function takes a value of the reply's metadata (null when it is missing) and returns its
+// content only if it is valid.
 
 /// A string that is not blank and begins with `tag`.
 std::optional<std::string> validFenced(JSON::View value, std::string_view tag);
@@ -31,7 +31,7 @@ std::optional<std::int64_t> validCount(JSON::View value);
 /// A list of `count` integers, each at least 1.
 std::optional<std::vector<std::int64_t>> validSpans(JSON::View value, std::int64_t count);
 
-/// Calls the tool with all the time the deadline leaves. Blocks that long at most.
+/// Calls the tool. Blocks for at most the time left until the deadline.
 LaneOutcome run(const HookInput& input, const MCPClient& client, const Deadline& deadline);
 
 }  // namespace quillstead::hook::MemoryLane

@@ -51,7 +51,7 @@ std::optional<Started> start(const std::string& executable) {
   return Started{*process, std::move(ours)};
 }
 
-/// The moment a leash that begins now runs out. A day is as good as for ever.
+/// When a leash that begins now ends, at most a day from now.
 Clock::time_point endOf(Seconds leash) {
   constexpr Seconds longest = std::chrono::hours(24);
   return Clock::now() +
@@ -66,7 +66,7 @@ class Supervisor {
 
   ChildOutcome supervise() {
     const Clock::time_point end = endOf(task_.leash);
-    feed();  // an empty pipe takes most inputs whole
+    feed();  // most inputs fit into an empty pipe
     while (!hasEnded_) {
       const auto remaining = end - Clock::now();
       if (remaining > Clock::duration::zero()) {
@@ -82,7 +82,7 @@ class Supervisor {
  private:
   enum Entry : std::size_t { inputEntry, outputEntry, errorEntry, exitEntry, entryCount };
 
-  /// Waits for something to happen and does what it asks for.
+  /// Waits for an event and handles it.
   void carry(std::optional<std::chrono::nanoseconds> atMost) {
     std::array<pollfd, entryCount> entries{};
     entries[inputEntry] = {.fd = streams_.input.number(), .events = POLLOUT, .revents = 0};
@@ -105,13 +105,13 @@ class Supervisor {
     }
   }
 
-  /// A living child whose output is as long as we keep is not read on, so that it waits.
+  /// Stops reading from a running child when we have kept as much as we may, so that it waits.
   [[nodiscard]] pollfd readingEntry(const OS::Descriptor& stream, const std::string& kept) const {
     const bool isFull = kept.size() >= longestOutput && !hasEnded_;
     return {.fd = isFull ? -1 : stream.number(), .events = POLLIN, .revents = 0};
   }
 
-  /// Writes what the child takes now, and closes its input when that was all or it takes no more.
+  /// Writes what the child takes now. Closes its input when all is written, or it takes no more.
   void feed() {
     const OS::Transfer part = OS::write(streams_.input.number(), task_.input.substr(written_));
     if (part.result == OS::Transfer::Result::notReady) return;
@@ -120,9 +120,9 @@ class Supervisor {
     if (isWritten || part.result != OS::Transfer::Result::moved) streams_.input.close();
   }
 
-  /// Reads once from a stream that has something, or closes it when it has ended.
+  /// Reads once from a stream that has data, or closes it at its end.
   static OS::Transfer::Result drain(OS::Descriptor& stream, std::string& kept) {
-    static std::array<char, 65'536> buffer;  // on a probed stack it would be 16 page faults
+    static std::array<char, 65'536> buffer;  // on the stack it would cost 16 page faults
     const OS::Transfer part = OS::read(stream.number(), buffer.data(), buffer.size());
     if (part.result == OS::Transfer::Result::moved) {
       kept.append(buffer.data(), std::min(part.count, longestOutput - kept.size()));
@@ -132,7 +132,7 @@ class Supervisor {
     return part.result;
   }
 
-  /// Whether the child has ended by now; takes its status when it has.
+  /// Whether the child has ended; stores its status if so.
   bool reap() {
     pid_t reaped = 0;
     do {
@@ -143,13 +143,13 @@ class Supervisor {
   }
 
   [[nodiscard]] std::int32_t exitStatus() const {
-    int status = waitStatus_;  // a copy, since Darwin's macros take no constant
+    int status = waitStatus_;  // a copy: Darwin's macros do not take a const
     return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
   }
 
   ChildOutcome killed() {
     kill(process_, SIGKILL);
-    // What the child had written is there; a process that it left behind may write for ever.
+    // The child's own output is there already. A process that it left behind may write for ever.
     constexpr int mostReads = 64;
     for (int reads = 0; reads < mostReads && streams_.error.isOpen(); ++reads) {
       if (drain(streams_.error, error_) != OS::Transfer::Result::moved) break;
@@ -173,8 +173,8 @@ class Supervisor {
 }  // namespace
 
 ChildOutcome run(const Task& task) {
-  // A command's name that no search has found: what is called so in the current directory belongs
-  // to whatever project that is.
+  // A command name that was not found on PATH. A file of that name in the current directory would
+  // belong to the project, so it must not run.
   if (task.executable.find('/') == std::string::npos) return NotSpawned{};
   auto wake = OS::makePipe();
   if (!wake) return NotSpawned{};

@@ -38,7 +38,7 @@ std::optional<std::string> onPath(std::string_view name, const OS::Environment& 
 
 std::string besideOwnExecutable(const std::string& ownExecutable) {
   const std::string own = OS::canonicalPath(ownExecutable).value_or(ownExecutable);
-  std::string path = own.substr(0, own.rfind('/') + 1);  // nothing is left of a bare name
+  std::string path = own.substr(0, own.rfind('/') + 1);  // empty for a bare name
   path += serverName;
   return path;
 }

@@ -6,9 +6,9 @@
 
 namespace quillstead::hook::MCPBinary {
 
-/// The path of the memory server to start: what QUILLSTEAD_MCP_BIN says, as a path or as a command
-/// name looked up on PATH; without it, "quillstead-mcp" beside the hook's own executable. Whether
-/// there is such a file is only known when it is started.
+/// The path of the memory server to start. QUILLSTEAD_MCP_BIN gives it, as a path or as a command
+/// name on PATH; without it, it is "quillstead-mcp" beside the hook's own executable. The file may
+/// not exist: starting it shows that.
 std::string resolve(const OS::Environment& environment);
 
 }  // namespace quillstead::hook::MCPBinary

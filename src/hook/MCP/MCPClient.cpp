@@ -50,7 +50,7 @@ MCPReply brokenServer() {
   return reply;
 }
 
-/// Turns each way a child can end into the reply it means.
+/// Makes the reply from how the child ended.
 struct ReplyOf {
   std::string_view tool;
 
@@ -61,7 +61,7 @@ struct ReplyOf {
   MCPReply operator()(const NotSpawned&) const { return brokenServer(); }
   MCPReply operator()(Exited& child) const {
     if (child.status == 0) {
-      child.standardError = {};  // may be as long as the reply
+      child.standardError = {};  // frees memory: it may be as long as the reply
       return MCPReply::from(child.standardOutput);
     }
     ChildStderr::forward(tool, child.standardError, child.status);
@@ -71,7 +71,7 @@ struct ReplyOf {
 
 // --- Finding the reply in what a server wrote
 
-/// A server may write the number as it likes: 2, 2.0 and 2.7 all read as 2, the text "2" does not.
+/// 2, 2.0 and 2.7 all count as 2; the string "2" does not.
 bool isToolCallID(JSON::View id) {
   const std::optional<JSON::Number> number = id.number();
   if (!number) return false;
@@ -79,15 +79,14 @@ bool isToolCallID(JSON::View id) {
   return value >= 2 && value < 3;
 }
 
-/// A response holds some dozens of values; one with more than this is not worth the memory it
-/// takes.
+/// The most values in a response. A normal one has a few dozen; more would only cost memory.
 constexpr std::size_t mostValues = 1'000'000;
 
-/// Nor is one that is longer than this: it is in memory up to four times on its way to the harness.
+/// The longest response, in bytes. It is in memory up to four times on its way to the harness.
 constexpr std::size_t longestResponse = std::size_t{16} * 1024 * 1024;
 
-/// False when no member of what the line holds can be called "id", however it is spelled: reading
-/// such a line would only take time.
+/// False when the line cannot have a member "id", however it is escaped. Such a line need not be
+/// parsed.
 bool mayHaveID(std::string_view line) {
   return line.find("\"id\"") != std::string_view::npos ||
          line.find('\\') != std::string_view::npos || line.find('\0') != std::string_view::npos;
@@ -105,7 +104,7 @@ std::optional<JSON::Document> toolCallResponse(std::string_view output) {
   return std::nullopt;
 }
 
-/// The text of the first text item of a result's content; the later ones do not count.
+/// The text of the first text item in a result's content. Later items are ignored.
 std::optional<std::string> firstText(JSON::ObjectView result) {
   for (const JSON::View element : result.find("content").elements()) {
     const auto item = element.object();
@@ -135,8 +134,8 @@ MCPReply MCPReply::from(std::string_view output) {
 
 MCPReply MCPClient::call(std::string_view tool, JSON::Object arguments, Seconds leash) const {
   if (!(leash > Seconds::zero())) return missed(MCPReply::timeout);
-  // Both requests at once, and no notification between them: the server is expected to take the
-  // tool call right after the handshake.
+  // Both requests are sent at once, without a notification between them. The server has to accept
+  // the tool call right after the handshake.
   const std::string stream =
       line(handshake(clientName)) + line(toolCall(tool, std::move(arguments)));
   ChildOutcome outcome = ChildProcess::run(

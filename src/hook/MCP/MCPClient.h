@@ -10,9 +10,9 @@
 
 namespace quillstead::hook {
 
-/// What one tool call brought back.
+/// The result of one tool call.
 struct MCPReply {
-  // Why there is no answer: no time, or nothing that can be read as one.
+  // Why there is no answer: too late, or nothing readable.
   static constexpr std::string_view timeout = "timeout";
   static constexpr std::string_view noEnvelope = "no-envelope";
 
@@ -22,17 +22,17 @@ struct MCPReply {
   bool declineFast = false;  ///< the server could not be started, or failed: do not try it again
   std::optional<JSON::Document> response;  ///< what `meta` lies in
 
-  /// The reply in all that a server wrote: the first line that is a response to the tool call
-  /// counts, every other line is passed over.
+  /// Finds the reply in a server's output: the first line that is a response to the tool call. All
+  /// other lines are skipped.
   static MCPReply from(std::string_view output);
 };
 
-/// Calls tools of the memory server, each in one exchange with a fresh server process.
+/// Calls tools of the memory server. Each call starts a server process of its own.
 struct MCPClient {
   std::string executable;       ///< the server's path
   std::string_view clientName;  ///< how the hook introduces itself
 
-  /// Blocks until the reply is there, at most `leash`; starts nothing when that is not above 0.
+  /// Blocks for at most `leash`. Starts nothing when `leash` is 0 or less.
   [[nodiscard]] MCPReply call(std::string_view tool, JSON::Object arguments, Seconds leash) const;
 };
 

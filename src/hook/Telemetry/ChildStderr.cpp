@@ -9,10 +9,10 @@ namespace {
 
 constexpr int mostLines = 5;
 constexpr std::size_t mostCharacters = 1000;
-constexpr std::size_t mostBytes = 65'536;  ///< a character may be of any number of them
+constexpr std::size_t mostBytes = 65'536;  ///< a character may take any number of bytes
 
-/// The last lines of `text`. A line ends at a line feed, but not at one behind a carriage return:
-/// the two are one character.
+/// The last lines of `text`. A line ends at a line feed, but not at one after a carriage return:
+/// the pair is one character.
 std::string_view lastLines(std::string_view text) {
   int lines = 0;
   for (std::size_t at = text.size(); at > 0; --at) {

@@ -7,13 +7,13 @@
 
 namespace quillstead::hook::ChildStderr {
 
-/// One record with the end of what a failed server wrote to its standard error: at most 5 lines,
-/// and 1,000 characters of them. Absent when it wrote nothing but white space. `status`: how the
-/// server ended; absent when it was killed for its leash.
+/// A message with the end of a failed server's standard error: at most 5 lines and 1,000
+/// characters. Absent when that is only white space. `status`: the server's exit status; absent
+/// when it was killed because its leash ran out.
 std::optional<std::string> record(std::string_view tool, std::string_view raw,
                                   std::optional<std::int32_t> status);
 
-/// Passes that record, if any, on to our standard error.
+/// Writes that message, if there is one, to our standard error.
 void forward(std::string_view tool, std::string_view raw, std::optional<std::int32_t> status);
 
 }  // namespace quillstead::hook::ChildStderr

@@ -21,7 +21,7 @@ class StageClock {
   StageClock() = default;
   explicit StageClock(std::vector<Stage> stages) : stages_(std::move(stages)) {}
 
-  /// Runs a stage, notes how long it took, and gives its result.
+  /// Runs a stage, records how long it took, and returns its result.
   template <typename Step>
   auto timed(std::string_view name, Step step) {
     const OS::MonotonicClock::time_point start = OS::MonotonicClock::now();
@@ -30,11 +30,11 @@ class StageClock {
     return result;
   }
 
-  /// Notes that the stage that began at `start` ends now.
+  /// Records a stage that began at `start` and ends now.
   void record(std::string_view name, OS::MonotonicClock::time_point start);
 
-  /// For example "rules 12 cards 30 residual 5", where the residual is what of the total no stage
-  /// accounts for, negative when the stages exceed it. Absent when there were no stages.
+  /// For example "rules 12 cards 30 residual 5". The residual is the total without the stages; it
+  /// is negative when the stages add up to more. Absent when there were no stages.
   [[nodiscard]] std::optional<std::string> segment(std::int64_t totalMilliseconds) const;
 
  private:

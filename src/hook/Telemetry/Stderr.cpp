@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::string_view ellipsis = "…";
 
-/// `record`, which is UTF-8, cut at the border of a character so that it and its line end take no
-/// more than `longest`.
+/// `record` (UTF-8), cut between two characters so that it takes at most `longest` bytes with its
+/// line end.
 std::string cut(std::string record, std::size_t longest) {
   if (record.size() + 1 <= longest) return record;
   std::size_t end = longest - 1 - ellipsis.size();

@@ -5,12 +5,12 @@
 
 namespace quillstead::hook::Stderr {
 
-/// The most bytes that a record of the hook's own words takes: as many as a pipe takes at once.
+/// The most bytes in one of the hook's own messages: what a pipe takes in one write.
 inline constexpr std::size_t usualLength = 4096;
 
-/// Writes "quillstead-hook: ", `text` and a line end to standard error, at once. What is not UTF-8
-/// in `text` goes out as U+FFFD, and it is cut where the record, its line end counted, would be
-/// longer than `longest` bytes. Never waits: what cannot be written now is lost.
+/// Writes "quillstead-hook: ", `text` and a line end to standard error, in one write. Invalid UTF-8
+/// becomes U+FFFD. The message is cut to `longest` bytes, with its line end. Never waits: what
+/// cannot be written now is lost.
 void line(std::string_view text, std::size_t longest = usualLength);
 
 }  // namespace quillstead::hook::Stderr
