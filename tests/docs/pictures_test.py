@@ -4,6 +4,7 @@
 import os
 import pathlib
 import subprocess
+import tempfile
 import unittest
 import xml.etree.ElementTree
 
@@ -13,11 +14,15 @@ PICTURES = pages.SOURCE / "docs/pictures"
 
 
 class Pictures(unittest.TestCase):
-    def test_of_a_prompt_is_what_the_script_draws_now(self):
+    def test_are_what_the_script_draws_now(self):
         programs = pathlib.Path(os.environ["QUILLSTEAD"]).parent
-        drawn = subprocess.run([PICTURES / "draw", "--print", programs], check=True, capture_output=True, text=True)
-        self.assertEqual(PICTURES.joinpath("prompt.svg").read_text(encoding="utf-8"), drawn.stdout,
-                         "draw it again: docs/pictures/draw DIRECTORY")
+        with tempfile.TemporaryDirectory() as directory:
+            subprocess.run([PICTURES / "draw", "--into", directory, programs], check=True)
+            for drawn in sorted(pathlib.Path(directory).iterdir()):
+                with self.subTest(picture=drawn.name):
+                    self.assertEqual(PICTURES.joinpath(drawn.name).read_text(encoding="utf-8"),
+                                     drawn.read_text(encoding="utf-8"),
+                                     "draw it again: docs/pictures/draw build/release/bin")
 
     def test_are_whole_load_nothing_and_have_a_dark_form(self):
         pictures = list(PICTURES.glob("*.svg"))
