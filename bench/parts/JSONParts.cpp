@@ -1,4 +1,4 @@
-// Reading and writing JSON, beside the library's own parse of the same bytes into nothing.
+// Reading and writing JSON, against Boost.JSON parsing the same bytes without building values.
 #include "Documents.h"
 #include "support/JSON/Reader.h"
 #include "support/JSON/Writer.h"
