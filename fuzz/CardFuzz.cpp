@@ -1,7 +1,7 @@
 // Any text as a card's file: what is shown of it comes out of it.
 #include "Property.h"
 #include "server/Store/Card.h"
-#include "support/Text/Lines.h"
+#include "support/Text/Text.h"
 
 using namespace quillstead;
 using namespace quillstead::server;

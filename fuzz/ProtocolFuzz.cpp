@@ -2,7 +2,7 @@
 // and that is JSON-RPC. There is no store, and none can be made.
 #include "Property.h"
 #include "server/LineBuffer.h"
-#include "server/Protocol/Protocol.h"
+#include "server/Protocol.h"
 
 #include <array>
 
@@ -29,7 +29,7 @@ void answer(const std::string& line) {
     text += part;
     return true;
   };
-  Fuzz::require(Protocol::answer(line, OS::Environment(entries.data()), collect),
+  Fuzz::require(Protocol::respond(line, OS::Environment(entries.data()), collect),
                 "an answer is handed over to its end");
   if (text.empty()) return;
   Fuzz::require(Fuzz::isUTF8(text) && Fuzz::isOneLine(text), "an answer is one line of UTF-8");

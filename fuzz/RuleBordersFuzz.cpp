@@ -1,6 +1,6 @@
-// Any text as the user's rules: it may be cut where RuleBorders says, and nowhere else.
+// Any text as the user's rules: it may be cut where Rules::borders says, and nowhere else.
 #include "Property.h"
-#include "server/Rules/RuleBorders.h"
+#include "server/Rules/Rules.h"
 
 using namespace quillstead;
 using namespace quillstead::server;
@@ -8,7 +8,7 @@ using namespace quillstead::server;
 int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const std::string repaired = Text::repaired(std::string(Fuzz::bytes(data, size)));
   const std::string_view text = Text::trimmed(repaired);
-  const std::vector<std::size_t> borders = RuleBorders::of(text);
+  const std::vector<std::size_t> borders = Rules::borders(text);
   Fuzz::require(borders.empty() == text.empty(), "only an empty text has no border");
   if (borders.empty()) return 0;
   Fuzz::require(borders.back() == text.size(), "the last border is the end");

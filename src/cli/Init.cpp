@@ -4,7 +4,7 @@
 #include "cli/PersonalStore.h"
 #include "cli/ProjectTop.h"
 #include "cli/Trust.h"
-#include "server/Store/UserPlaces.h"
+#include "server/UserPlaces.h"
 
 #include <cstdlib>
 #include <string>

@@ -1,10 +1,8 @@
 #include "cli/Places.h"
 
 #include "cli/InstalledLog.h"
-#include "server/Store/UserPlaces.h"
-#include "support/OS/CacheDirectory.h"
-#include "support/OS/CanonicalPath.h"
-#include "support/OS/OwnExecutable.h"
+#include "server/UserPlaces.h"
+#include "support/OS/Paths.h"
 
 #include <optional>
 #include <string_view>

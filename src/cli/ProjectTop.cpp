@@ -1,7 +1,7 @@
 #include "cli/ProjectTop.h"
 
-#include "server/Store/UserPlaces.h"
-#include "support/OS/CanonicalPath.h"
+#include "server/UserPlaces.h"
+#include "support/OS/Paths.h"
 
 #include <sys/stat.h>
 

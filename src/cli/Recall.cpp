@@ -8,7 +8,7 @@
 #include "hook/Harness/Harnesses.h"
 #include "hook/MCP/MCPBinary.h"
 #include "support/JSON/Writer.h"
-#include "support/OS/CanonicalPath.h"
+#include "support/OS/Paths.h"
 #include "support/Text/Text.h"
 
 #include <algorithm>

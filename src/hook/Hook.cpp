@@ -7,7 +7,6 @@
 #include "hook/Harness/Harnesses.h"
 #include "hook/Harness/SlotFlag.h"
 #include "hook/PretoolAnswer.h"
-#include "hook/Serve.h"
 #include "hook/SessionStamp.h"
 #include "hook/SubagentStamp.h"
 #include "hook/Telemetry/Stderr.h"

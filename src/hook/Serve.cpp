@@ -1,9 +1,8 @@
-#include "hook/Serve.h"
-
 #include "hook/Budget.h"
 #include "hook/ContextBudget.h"
 #include "hook/FailOpenBelt.h"
 #include "hook/Harness/AnswerFlags.h"
+#include "hook/Hook.h"
 #include "hook/Lanes/MemoryLane.h"
 #include "hook/Lanes/RulesCardFlag.h"
 #include "hook/Lanes/RulesLane.h"

@@ -1,7 +1,7 @@
 #include "hook/Witness.h"
 
 #include "hook/Telemetry/Stderr.h"
-#include "support/OS/CanonicalPath.h"
+#include "support/OS/Paths.h"
 
 #include <unistd.h>
 

@@ -1,7 +1,6 @@
 #include "server/Complaint.h"
 
 #include "support/OS/Descriptor.h"
-#include "support/Text/Lines.h"
 #include "support/Text/Text.h"
 
 #include <unistd.h>

@@ -1,7 +1,7 @@
 #include "server/Server.h"
 
 #include "server/LineBuffer.h"
-#include "server/Protocol/Protocol.h"
+#include "server/Protocol.h"
 #include "support/OS/Descriptor.h"
 
 #include <poll.h>
@@ -16,42 +16,42 @@ namespace {
 
 constexpr std::size_t longestLine = 16'777'216;  // bytes
 
-/// Answers are gathered up to this size before they are written.
-constexpr std::size_t answersAtOnce = 65'536;  // bytes
+/// Responses are gathered up to this size before they are written.
+constexpr std::size_t responsesAtOnce = 65'536;  // bytes
 
 class Session {
  public:
   Session(int output, const OS::Environment& environment)
       : output_(output), environment_(environment) {}
 
-  /// False when the answers cannot be written.
+  /// False when the responses cannot be written.
   bool take(const LineBuffer::Line& line) {
-    bool answered = false;
+    bool isResponse = false;
     const auto write = [&](std::string_view part) {
-      answered = true;
+      isResponse = true;
       return add(part);
     };
     const auto* const text = std::get_if<std::string>(&line);
-    const bool written = text ? Protocol::answer(*text, environment_, write)
-                              : write(Protocol::answerToTooLongLine());
-    return written && (!answered || add("\n"));
+    const bool written = text ? Protocol::respond(*text, environment_, write)
+                              : write(Protocol::responseToTooLongLine());
+    return written && (!isResponse || add("\n"));
   }
 
   bool flush() {
-    const bool written = OS::writeAll(output_, answers_);
-    answers_.clear();
+    const bool written = OS::writeAll(output_, responses_);
+    responses_.clear();
     return written;
   }
 
  private:
   bool add(std::string_view part) {
-    answers_ += part;
-    return answers_.size() < answersAtOnce || flush();
+    responses_ += part;
+    return responses_.size() < responsesAtOnce || flush();
   }
 
   int output_;
   const OS::Environment& environment_;
-  std::string answers_;
+  std::string responses_;
 };
 
 void waitForInput(int input) {

@@ -2,11 +2,12 @@
 
 #include "support/OS/Environment.h"
 
-/// The memory server: requests come in on one descriptor, one a line, answers go out on another.
+/// The memory server: requests come in on one descriptor, one a line, responses go out on
+/// another.
 namespace quillstead::server::Server {
 
-/// Answers until the input ends and every answer is written; gives the process's exit status, 0
-/// unless the input could not be read or an answer not be written.
+/// Responds until the input ends and every response is written; gives the process's exit status, 0
+/// unless the input could not be read or a response not be written.
 int run(int input, int output, const OS::Environment& environment);
 
 }  // namespace quillstead::server::Server

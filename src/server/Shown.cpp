@@ -1,12 +1,11 @@
 #include "server/Shown.h"
 
-#include "support/Text/Category.h"
 #include "support/Text/Character.h"
-#include "support/Text/Lines.h"
 #include "support/Text/Text.h"
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace quillstead::server::Shown {
 
@@ -183,6 +182,28 @@ std::string_view charactersWithin(std::string_view text, std::size_t limit) {
   return kept.empty() ? codePointsWithin(text, limit) : kept;
 }
 
+struct Fence {
+  std::string_view opening;
+  std::string_view closing;
+};
+
+constexpr std::array<Fence, 4> fences{{
+    {"<user-rules>", "</user-rules>"},
+    {"<quillstead-memory>", "</quillstead-memory>"},
+    {"<quillstead-shortcut>", "</quillstead-shortcut>"},
+    {"<quillstead-now>", "</quillstead-now>"},
+}};
+
+/// The length of the block that begins `text`; 0 when none does.
+std::size_t lengthOfBlock(std::string_view text) {
+  for (const Fence& fence : fences) {
+    if (!text.starts_with(fence.opening)) continue;
+    const std::size_t end = text.find(fence.closing, fence.opening.size());
+    return end == std::string_view::npos ? 0 : end + fence.closing.size();
+  }
+  return 0;
+}
+
 }  // namespace
 
 std::string text(std::string_view text) {
@@ -219,6 +240,21 @@ std::string escapeFences(std::string_view text) {
     const Decoded next = takeFirst(text);
     const bool isTag = isOpening(next.character) && isOurTag(text);
     result += isTag ? std::string_view("&lt;") : here.substr(0, next.length);
+  }
+  return result;
+}
+
+std::string withoutOwnBlocks(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  while (!text.empty()) {
+    const std::size_t at = text.find('<');
+    result += text.substr(0, at);
+    if (at == std::string_view::npos) break;
+    text.remove_prefix(at);
+    const std::size_t length = lengthOfBlock(text);
+    if (length == 0) result += '<';
+    text.remove_prefix(length == 0 ? 1 : length);
   }
   return result;
 }

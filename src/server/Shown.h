@@ -24,4 +24,8 @@ std::string line(std::string_view text);
 /// in whatever letters they are written.
 std::string escapeFences(std::string_view text);
 
+/// `text` without every whole block of rules or cards that was shown, fences included. A fence that
+/// is never closed is left as it is.
+std::string withoutOwnBlocks(std::string_view text);
+
 }  // namespace quillstead::server::Shown

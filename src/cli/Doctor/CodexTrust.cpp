@@ -4,7 +4,7 @@
 #include "cli/OnPath.h"
 #include "support/JSON/Reader.h"
 #include "support/JSON/Writer.h"
-#include "support/OS/CanonicalPath.h"
+#include "support/OS/Paths.h"
 
 #include <algorithm>
 #include <optional>

@@ -5,7 +5,7 @@
 #include "cli/Doctor/MemoryHome.h"
 #include "cli/Setup/ConfigFile.h"
 #include "cli/Setup/Harnesses.h"
-#include "support/OS/CanonicalPath.h"
+#include "support/OS/Paths.h"
 
 #include <sys/stat.h>
 

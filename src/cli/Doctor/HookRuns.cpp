@@ -5,7 +5,7 @@
 #include "cli/Telemetry/LogLine.h"
 #include "cli/Wording.h"
 #include "hook/Harness/Harnesses.h"
-#include "support/OS/CanonicalPath.h"
+#include "support/OS/Paths.h"
 #include "support/Text/Text.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/JSON/Document.h"
+#include "support/JSON/Reader.h"
 #include "support/JSON/Value.h"
 
 #include <optional>

@@ -1,7 +1,6 @@
 #include "hook/MCP/MCPBinary.h"
 
-#include "support/OS/CanonicalPath.h"
-#include "support/OS/OwnExecutable.h"
+#include "support/OS/Paths.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "hook/Budget.h"
-#include "support/JSON/Document.h"
+#include "support/JSON/Reader.h"
 #include "support/JSON/Value.h"
 
 #include <optional>

@@ -1,7 +1,7 @@
 #include "hook/Telemetry/TelemetryLine.h"
 
 #include "support/OS/Descriptor.h"
-#include "support/OS/HomeDirectory.h"
+#include "support/OS/Paths.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 #include "server/Index/IndexFile.h"
 
-#include "server/CacheDirectory.h"
 #include "server/Index/IndexTables.h"
+#include "server/UserPlaces.h"
 #include "support/OS/Directory.h"
 #include "support/Text/Hash.h"
 
@@ -72,14 +72,14 @@ bool isDue(const OS::Descriptor& directory) {
 }  // namespace
 
 std::string place(const Scope& scope, const OS::Environment& environment) {
-  const std::string directory = CacheDirectory::make(environment);
+  const std::string directory = UserPlaces::makeCacheDirectory(environment);
   if (directory.empty()) return {};
   std::string roots = scope.personal ? scope.personal->root : "";
   roots += '\0';
   if (scope.project) roots += scope.project->root;
   std::string path = directory + '/' + prefix() + Text::inHexadecimal(Text::hashOf(roots));
   path += suffix;
-  if (!CacheDirectory::makeFile(path)) return {};
+  if (!UserPlaces::makeCacheFile(path)) return {};
   removeFalseJournal(path);
   return path;
 }

@@ -1,7 +1,7 @@
 #include "server/Index/Survey.h"
 
 #include "server/Store/StoreFiles.h"
-#include "support/OS/NamesStamp.h"
+#include "support/OS/FileStamp.h"
 #include "support/Text/Hash.h"
 
 namespace quillstead::server {

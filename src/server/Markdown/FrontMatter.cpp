@@ -2,7 +2,6 @@
 
 #include "support/JSON/Reader.h"
 #include "support/JSON/Writer.h"
-#include "support/Text/Lines.h"
 #include "support/Text/Text.h"
 
 #include <optional>

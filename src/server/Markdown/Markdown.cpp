@@ -1,6 +1,5 @@
 #include "server/Markdown/Markdown.h"
 
-#include "support/Text/Lines.h"
 #include "support/Text/Text.h"
 
 #include <algorithm>

@@ -6,7 +6,6 @@
 #include "server/Shown.h"
 #include "server/Store/Card.h"
 #include "server/Store/StoreFiles.h"
-#include "support/Text/Lines.h"
 #include "support/Text/Text.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "server/Rules/Rules.h"
 
+#include "server/Markdown/Markdown.h"
 #include "server/Shown.h"
 #include "server/Store/StoreFiles.h"
-#include "support/Text/Lines.h"
 #include "support/Text/Text.h"
 
 #include <variant>
@@ -28,6 +28,20 @@ std::string readOf(const Store& store) {
          "/rules.md were left out: " + std::string(StoreFiles::explained(reason)) + ".)";
 }
 
+bool isIndented(std::string_view line) { return line.starts_with(' ') || line.starts_with('\t'); }
+
+/// What has been seen of the text before the line that comes next.
+struct Before {
+  std::size_t end = 0;     ///< where the last line that is not blank ended
+  bool blankLine = false;  ///< a blank line came after it
+  bool leadsOn = true;     ///< that line belongs with what follows
+};
+
+bool beginsRule(std::string_view line, const Before& before) {
+  return Markdown::isListItem(line) || Markdown::heading(line).has_value() ||
+         (before.blankLine && !isIndented(line));
+}
+
 }  // namespace
 
 std::string read(const Scope& scope) {
@@ -38,6 +52,30 @@ std::string read(const Scope& scope) {
     all += rules;
   }
   return Shown::text(all);
+}
+
+std::vector<std::size_t> borders(std::string_view text) {
+  std::vector<std::size_t> found;
+  Before before;
+  Markdown::CodeFence code;
+  bool inCode = false;
+  for (std::string_view rest = text; !rest.empty();) {
+    const std::string_view line = Text::takeLine(rest);
+    const bool wasInCode = inCode;
+    inCode = code.covers(line);
+    if (Text::isBlank(line)) {
+      before.blankLine = true;
+      continue;
+    }
+    const bool mayBegin = !(wasInCode && inCode) && !before.leadsOn;
+    if (mayBegin && beginsRule(line, before)) found.push_back(before.end);
+    const std::string_view trimmed = Text::trimmed(line);
+    before = {.end = static_cast<std::size_t>(line.data() + line.size() - text.data()),
+              .blankLine = false,
+              .leadsOn = !inCode && (Markdown::heading(line) || trimmed.ends_with(':'))};
+  }
+  if (before.end > 0) found.push_back(before.end);
+  return found;
 }
 
 }  // namespace quillstead::server::Rules

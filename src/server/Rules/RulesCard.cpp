@@ -1,7 +1,7 @@
 #include "server/Rules/RulesCard.h"
 
 #include "contract/Contract.h"
-#include "server/Rules/RuleBorders.h"
+#include "server/Rules/Rules.h"
 
 #include <algorithm>
 #include <array>
@@ -31,7 +31,7 @@ std::string leftOut(std::size_t count) {
 
 /// As many whole rules as fit, with the line that tells how many do not.
 std::optional<std::string> cut(std::string_view rules, std::size_t limit) {
-  const std::vector<std::size_t> borders = RuleBorders::of(rules);
+  const std::vector<std::size_t> borders = Rules::borders(rules);
   for (std::size_t kept = less(borders.size(), 1); kept > 0; --kept) {
     const std::string note = leftOut(borders.size() - kept);
     const std::size_t length = borders[kept - 1];

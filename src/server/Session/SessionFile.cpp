@@ -1,6 +1,6 @@
 #include "server/Session/SessionFile.h"
 
-#include "server/CacheDirectory.h"
+#include "server/UserPlaces.h"
 #include "support/OS/Directory.h"
 #include "support/OS/MonotonicClock.h"
 #include "support/Text/Hash.h"
@@ -56,7 +56,7 @@ bool isPlainFileOfOurs(const struct stat& status) {
 std::optional<SessionFile> SessionFile::opened(std::string_view session,
                                                const OS::Environment& environment) {
   constexpr mode_t onlyForTheUser = 0600;
-  const std::string path = CacheDirectory::make(environment);
+  const std::string path = UserPlaces::makeCacheDirectory(environment);
   if (path.empty()) return std::nullopt;
   const OS::Descriptor directory = OS::openDirectory(path, OS::Links::followed);
   if (!directory.isOpen()) return std::nullopt;

@@ -1,6 +1,6 @@
 #include "server/Session/SessionState.h"
 
-#include "support/Text/Lines.h"
+#include "support/Text/Text.h"
 
 #include <array>
 #include <charconv>

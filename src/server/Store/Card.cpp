@@ -3,7 +3,6 @@
 #include "server/Markdown/FrontMatter.h"
 #include "server/Markdown/Markdown.h"
 #include "server/Store/StoreFiles.h"
-#include "support/Text/Lines.h"
 #include "support/Text/Text.h"
 
 #include <optional>

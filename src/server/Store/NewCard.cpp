@@ -6,7 +6,6 @@
 #include "server/Store/CardName.h"
 #include "server/Store/StoreFiles.h"
 #include "support/OS/AtomicFile.h"
-#include "support/Text/Lines.h"
 #include "support/Text/Text.h"
 
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/Store/UserPlaces.h"
+#include "server/UserPlaces.h"
 #include "support/OS/Descriptor.h"
 #include "support/OS/Environment.h"
 

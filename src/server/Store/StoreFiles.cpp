@@ -2,9 +2,8 @@
 
 #include "server/Complaint.h"
 #include "support/OS/Beneath.h"
-#include "support/OS/CanonicalPath.h"
 #include "support/OS/Directory.h"
-#include "support/Text/Lines.h"
+#include "support/OS/Paths.h"
 #include "support/Text/Text.h"
 
 #include <fcntl.h>

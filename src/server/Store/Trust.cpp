@@ -2,8 +2,8 @@
 
 #include "server/Complaint.h"
 #include "server/Store/TrustFile.h"
-#include "server/Store/UserPlaces.h"
-#include "support/OS/CanonicalPath.h"
+#include "server/UserPlaces.h"
+#include "support/OS/Paths.h"
 
 #include <sys/stat.h>
 

@@ -1,12 +1,11 @@
 #include "server/Store/TrustFile.h"
 
-#include "server/Store/UserPlaces.h"
+#include "server/UserPlaces.h"
 #include "support/OS/AtomicFile.h"
-#include "support/OS/CanonicalPath.h"
 #include "support/OS/Directory.h"
 #include "support/OS/FileContent.h"
-#include "support/OS/Lock.h"
-#include "support/Text/Lines.h"
+#include "support/OS/Paths.h"
+#include "support/Text/Text.h"
 
 #include <sys/stat.h>
 

@@ -6,7 +6,7 @@
 #include "server/Store/Card.h"
 #include "server/Store/CardName.h"
 #include "server/Store/StoreFiles.h"
-#include "support/Text/Lines.h"
+#include "support/Text/Text.h"
 
 #include <utility>
 #include <variant>

@@ -1,7 +1,6 @@
 #include "server/Tools/MemoryAdd.h"
 
 #include "contract/Contract.h"
-#include "server/OwnBlocks.h"
 #include "server/Shown.h"
 #include "server/Store/NewCard.h"
 #include "server/Store/Scope.h"
@@ -34,7 +33,7 @@ std::string_view whyNone(const Scope& scope, std::optional<Store::Kind> wanted) 
 }  // namespace
 
 ToolReply run(Arguments& arguments, const OS::Environment& environment) {
-  NewCard card{.text = OwnBlocks::removed(arguments.neededString("text")),
+  NewCard card{.text = Shown::withoutOwnBlocks(arguments.neededString("text")),
                .title = arguments.trimmedString("title"),
                .tags = arguments.strings("tags"),
                .session = arguments.string(contract::Argument::session),

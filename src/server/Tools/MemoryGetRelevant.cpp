@@ -2,10 +2,10 @@
 
 #include "contract/Contract.h"
 #include "server/Index/Index.h"
-#include "server/OwnBlocks.h"
 #include "server/Recall/Recall.h"
 #include "server/Recall/ShownCards.h"
 #include "server/Session/SessionMemory.h"
+#include "server/Shown.h"
 #include "support/Text/Text.h"
 
 #include <cstdint>
@@ -27,7 +27,7 @@ Recall::Block cardsFor(std::string_view prompt, const Scope& scope,
                        const SessionMemory::Caller& caller, const OS::Environment& environment) {
   if (isFromHarness(prompt)) return {};
   Index index = Index::opened(scope, environment, Index::untilCardsAreKnown);
-  const std::string said = OwnBlocks::removed(prompt);
+  const std::string said = Shown::withoutOwnBlocks(prompt);
   std::vector<CardPlace> candidates = index.search(said, Recall::mostCandidates);
   auto session = SessionMemory::of(caller, environment);
   if (session) ShownCards::remove(candidates, *session, scope);

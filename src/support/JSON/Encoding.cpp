@@ -1,6 +1,5 @@
 #include "support/JSON/Encoding.h"
 
-#include "support/JSON/Surrogates.h"
 #include "support/Text/Text.h"
 
 #include <cstdint>

@@ -2,7 +2,6 @@
 
 #include "support/JSON/Encoding.h"
 #include "support/JSON/RepeatedKeys.h"
-#include "support/JSON/Surrogates.h"
 #include "support/OS/LargeMemory.h"
 #include "support/Text/Blocks.h"
 #include "support/Text/Text.h"

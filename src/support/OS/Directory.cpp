@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -74,5 +75,12 @@ bool makeDirectories(const std::string& path, mode_t mode) {
   mkdir(path.c_str(), mode);
   return isDirectory(path);
 }
+
+Lock::Lock(const Descriptor& directory) : directory_(directory.number()) {
+  while (flock(directory_, LOCK_EX) != 0 && errno == EINTR) {
+  }
+}
+
+Lock::~Lock() { flock(directory_, LOCK_UN); }
 
 }  // namespace quillstead::OS

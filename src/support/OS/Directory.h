@@ -2,7 +2,6 @@
 
 #include "support/OS/Descriptor.h"
 #include "support/OS/FileStamp.h"
-#include "support/OS/Ownership.h"
 
 #include <functional>
 #include <optional>
@@ -37,5 +36,18 @@ std::optional<FileStamp> stampOf(const Descriptor& directory, const char* name);
 /// Makes the directory and those above it that are missing, each with `mode` less the process's
 /// mask. True when the directory is there afterwards.
 bool makeDirectories(const std::string& path, mode_t mode);
+
+/// Keeps other processes that lock the same directory waiting for its lifetime. Where the file
+/// system has no such locks, as some that are shared between machines, it does nothing.
+class Lock {
+ public:
+  explicit Lock(const Descriptor& directory);
+  Lock(const Lock&) = delete;
+  Lock& operator=(const Lock&) = delete;
+  ~Lock();
+
+ private:
+  int directory_;
+};
 
 }  // namespace quillstead::OS

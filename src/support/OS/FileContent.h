@@ -2,7 +2,6 @@
 
 #include "support/OS/Descriptor.h"
 #include "support/OS/FileStamp.h"
-#include "support/OS/Ownership.h"
 
 #include <cstddef>
 #include <string>

@@ -1,9 +1,13 @@
 #pragma once
 
+#include "support/OS/Descriptor.h"
+
 #include <sys/stat.h>
 
 #include <cstdint>
+#include <optional>
 
+/// What a file or directory is, without a look into it.
 namespace quillstead::OS {
 
 /// What tells one state of a file from another without reading it.
@@ -15,5 +19,21 @@ struct FileStamp {
 };
 
 FileStamp fileStamp(const struct stat& status);
+
+/// A number that changes with every name in the directory that is added, removed, or given to
+/// another file; what happens within a file does not show in it. Absent where the system or the
+/// file system is not known to keep that promise, and while the last change is so recent that
+/// another could leave the number as it is.
+std::optional<std::uint64_t> namesStamp(const Descriptor& directory);
+
+/// Whose word a file or directory is.
+enum class Ownership {
+  ours,          ///< of the user this process works for; a group may write it too
+  someoneElses,  ///< of another user
+  everybodys,    ///< whoever it belongs to, everybody may write it
+};
+
+/// A symbolic link's own permissions say nothing, so it is never everybody's.
+Ownership ownershipOf(const struct stat& status);
 
 }  // namespace quillstead::OS

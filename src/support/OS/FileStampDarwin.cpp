@@ -9,4 +9,6 @@ FileStamp fileStamp(const struct stat& status) {
       .modified = status.st_mtimespec.tv_sec * nanosecondsPerSecond + status.st_mtimespec.tv_nsec};
 }
 
+std::optional<std::uint64_t> namesStamp(const Descriptor&) { return std::nullopt; }
+
 }  // namespace quillstead::OS

@@ -54,4 +54,14 @@ std::string joined(const Texts& texts, std::string_view separator) {
 /// The first `count` user-perceived characters (extended grapheme clusters) of `text`.
 std::string_view firstCharacters(std::string_view text, std::size_t count);
 
+/// The first line of `text`, without its line feed and a carriage return before that; removes it
+/// from `text`, which must not be empty.
+std::string_view takeLine(std::string_view& text);
+
+/// `text` with line feeds for carriage returns and line feeds.
+std::string withLineFeeds(std::string_view text);
+
+/// `text` as one line: every run of white space and control characters one blank, none at the ends.
+std::string onOneLine(std::string_view text);
+
 }  // namespace quillstead::Text

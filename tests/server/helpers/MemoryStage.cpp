@@ -1,6 +1,6 @@
 #include "server/helpers/MemoryStage.h"
 
-#include "server/Protocol/Protocol.h"
+#include "server/Protocol.h"
 #include "server/Session/SessionState.h"
 #include "support/JSON/Writer.h"
 #include "unit/helpers/JSONValues.h"
@@ -88,7 +88,7 @@ std::string MemoryStage::answerTo(std::string_view line) const {
     answer += part;
     return true;
   };
-  EXPECT_TRUE(Protocol::answer(line, OS::Environment(entries.data()), collect));
+  EXPECT_TRUE(Protocol::respond(line, OS::Environment(entries.data()), collect));
   return answer;
 }
 

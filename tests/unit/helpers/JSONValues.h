@@ -1,8 +1,8 @@
 #pragma once
 
 #include "helpers/JSONLookups.h"
-#include "support/JSON/Document.h"
 #include "support/JSON/Encoding.h"
+#include "support/JSON/Reader.h"
 #include "support/JSON/Value.h"
 
 #include <cstdint>

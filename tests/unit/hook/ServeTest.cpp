@@ -1,6 +1,6 @@
 // What a served prompt brings is in HookTest, which begins at the command line.
 #include "hook/Harness/Harnesses.h"
-#include "hook/Serve.h"
+#include "hook/Hook.h"
 #include "unit/helpers/Process.h"
 
 #include <gtest/gtest.h>

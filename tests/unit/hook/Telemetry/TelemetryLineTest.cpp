@@ -1,5 +1,5 @@
 #include "hook/Telemetry/TelemetryLine.h"
-#include "support/OS/HomeDirectory.h"
+#include "support/OS/Paths.h"
 #include "unit/helpers/Files.h"
 #include "unit/helpers/Process.h"
 

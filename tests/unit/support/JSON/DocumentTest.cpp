@@ -1,4 +1,3 @@
-#include "support/JSON/Document.h"
 #include "support/JSON/Reader.h"
 #include "support/JSON/Writer.h"
 

@@ -1,4 +1,4 @@
-#include "server/OwnBlocks.h"
+#include "server/Shown.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ TEST(OwnBlocks, AreTakenOutOfAText) {
         {"</user-rules> <user-rules>", "</user-rules> <user-rules>"},
         {"a < b <c>", "a < b <c>"},
         {"", ""}}) {
-    EXPECT_EQ(OwnBlocks::removed(one.text), one.left);
+    EXPECT_EQ(Shown::withoutOwnBlocks(one.text), one.left);
   }
 }
 

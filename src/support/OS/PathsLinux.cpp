@@ -1,13 +1,14 @@
 #include "support/OS/Descriptor.h"
-#include "support/OS/HomeDirectory.h"
+#include "support/OS/Paths.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
-#include <string_view>
+#include <climits>
 
 namespace quillstead::OS {
 
@@ -46,6 +47,16 @@ bool isOf(std::string_view line, uid_t user) {
 
 }  // namespace
 
+std::optional<std::string> ownExecutable() {
+  std::array<char, PATH_MAX> path{};
+  const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+  if (length > 0 && static_cast<std::size_t>(length) < path.size()) {
+    return std::string(path.data(), static_cast<std::size_t>(length));
+  }
+  const std::string firstArgument = program_invocation_name;
+  return firstArgument.empty() ? std::nullopt : std::optional(firstArgument);
+}
+
 // The file itself is read: the system's look-up loads shared modules, which a static program lacks.
 std::string homeDirectory() {
   const std::string database = contents("/etc/passwd");
@@ -57,5 +68,7 @@ std::string homeDirectory() {
   }
   return {};
 }
+
+std::string_view cacheDirectoryInHome() { return ".cache"; }
 
 }  // namespace quillstead::OS

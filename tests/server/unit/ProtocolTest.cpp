@@ -1,4 +1,4 @@
-#include "server/Protocol/Protocol.h"
+#include "server/Protocol.h"
 #include "server/helpers/MemoryStage.h"
 #include "unit/helpers/JSONValues.h"
 
@@ -133,9 +133,9 @@ TEST(Protocol, StopsABatchWhoseAnswersNobodyTakes) {
   std::vector<const char*> entries;
   for (const std::string& entry : stage.environment()) entries.push_back(entry.c_str());
   entries.push_back(nullptr);
-  EXPECT_FALSE(Protocol::answer(R"([{"jsonrpc":"2.0","id":1,"method":"ping"},)" + add + "]",
-                                OS::Environment(entries.data()),
-                                [](std::string_view) { return false; }));
+  EXPECT_FALSE(Protocol::respond(R"([{"jsonrpc":"2.0","id":1,"method":"ping"},)" + add + "]",
+                                 OS::Environment(entries.data()),
+                                 [](std::string_view) { return false; }));
   EXPECT_TRUE(stage.call("grab", R"({"name":"late"})").isError);
   EXPECT_EQ(stage.answerTo(R"([{"jsonrpc":"2.0","method":"notifications/initialized"}])"), "");
 }

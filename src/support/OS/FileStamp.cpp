@@ -1,4 +1,4 @@
-#include "support/OS/Ownership.h"
+#include "support/OS/FileStamp.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "support/Text/Lines.h"
+#include "support/Text/Text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,18 +1,17 @@
-#include "server/CacheDirectory.h"
+#include "server/UserPlaces.h"
 
-#include "server/Store/Scope.h"
-#include "support/OS/CacheDirectory.h"
-#include "support/OS/CanonicalPath.h"
 #include "support/OS/Descriptor.h"
 #include "support/OS/Directory.h"
+#include "support/OS/Paths.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <optional>
+#include <utility>
 
-namespace quillstead::server::CacheDirectory {
+namespace quillstead::server::UserPlaces {
 
 namespace {
 
@@ -23,9 +22,8 @@ constexpr mode_t rightsOfOthers = 0077;
 std::string cachesOfAllPrograms(const OS::Environment& environment) {
   const auto chosen = environment.value("XDG_CACHE_HOME");
   if (chosen && chosen->starts_with('/')) return std::string(*chosen);
-  std::string home = UserPlaces::home(environment);
-  if (home.empty()) return home;
-  return home + '/' + std::string(OS::cacheDirectoryInHome());
+  const std::string directory = home(environment);
+  return directory.empty() ? std::string() : joined(directory, OS::cacheDirectoryInHome());
 }
 
 /// Takes others' rights away. `status`: of what is at `path`, which is no link.
@@ -34,9 +32,30 @@ bool closed(const std::string& path, const struct stat& status, mode_t mode) {
   return (status.st_mode & rightsOfOthers) == 0 || chmod(path.c_str(), mode) == 0;
 }
 
+std::string canonicalOrGiven(std::string path) {
+  std::optional<std::string> canonical = OS::canonicalPath(path);
+  return canonical ? std::move(*canonical) : std::move(path);
+}
+
 }  // namespace
 
-std::string make(const OS::Environment& environment) {
+std::string home(const OS::Environment& environment) {
+  const auto home = environment.value("HOME");
+  return home && home->starts_with('/') ? std::string(*home) : OS::homeDirectory();
+}
+
+std::string defaultPersonalStore(const OS::Environment& environment) {
+  std::string directory = home(environment);
+  return directory.empty() ? directory : canonicalOrGiven(joined(directory, storeName));
+}
+
+std::string personalStore(const OS::Environment& environment) {
+  const auto chosen = environment.value("QUILLSTEAD_HOME");
+  const bool isChosen = chosen && chosen->starts_with('/');
+  return isChosen ? canonicalOrGiven(std::string(*chosen)) : defaultPersonalStore(environment);
+}
+
+std::string makeCacheDirectory(const OS::Environment& environment) {
   const std::string caches = cachesOfAllPrograms(environment);
   if (caches.empty()) return {};
   const std::string directory = caches + "/quillstead";
@@ -48,7 +67,7 @@ std::string make(const OS::Environment& environment) {
   return std::move(*path);
 }
 
-bool makeFile(const std::string& path) {
+bool makeCacheFile(const std::string& path) {
   struct stat status {};
   const bool exists = lstat(path.c_str(), &status) == 0;
   if (exists && S_ISREG(status.st_mode) && closed(path, status, closedFile)) return true;
@@ -59,4 +78,10 @@ bool makeFile(const std::string& path) {
   return made.isOpen() || (lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode));
 }
 
-}  // namespace quillstead::server::CacheDirectory
+std::string joined(std::string_view directory, std::string_view name) {
+  std::string path(directory);
+  if (!path.ends_with('/')) path += '/';
+  return path.append(name);
+}
+
+}  // namespace quillstead::server::UserPlaces

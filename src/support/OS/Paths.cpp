@@ -1,4 +1,4 @@
-#include "support/OS/CanonicalPath.h"
+#include "support/OS/Paths.h"
 
 #include <array>
 #include <climits>

@@ -1,8 +1,9 @@
-#include "support/OS/OwnExecutable.h"
+#include "support/OS/Paths.h"
 
 #include <crt_externs.h>
 #include <libproc.h>
 #include <mach-o/dyld.h>
+#include <pwd.h>
 #include <unistd.h>
 
 #include <array>
@@ -22,5 +23,12 @@ std::optional<std::string> ownExecutable() {
   const char* const firstArgument = **_NSGetArgv();
   return firstArgument && *firstArgument ? std::optional<std::string>(firstArgument) : std::nullopt;
 }
+
+std::string homeDirectory() {
+  const passwd* const entry = getpwuid(getuid());
+  return entry && entry->pw_dir ? entry->pw_dir : "";
+}
+
+std::string_view cacheDirectoryInHome() { return "Library/Caches"; }
 
 }  // namespace quillstead::OS

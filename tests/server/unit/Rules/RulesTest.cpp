@@ -1,4 +1,4 @@
-#include "server/Rules/RuleBorders.h"
+#include "server/Rules/Rules.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ namespace {
 std::vector<std::string> rulesIn(std::string_view text) {
   std::vector<std::string> pieces;
   std::size_t begin = 0;
-  for (const std::size_t end : RuleBorders::of(text)) {
+  for (const std::size_t end : Rules::borders(text)) {
     begin = text.find_first_not_of(" \n", begin);
     pieces.emplace_back(text.substr(begin, end - begin));
     begin = end;
@@ -49,7 +49,7 @@ TEST(RuleBorders, LieBetweenRules) {
 
 TEST(RuleBorders, EndWithAllOfTheText) {
   for (const std::string_view text : {"a", "- a\n- b", "# only a heading", "```\nopen code\n\nx"}) {
-    EXPECT_EQ(RuleBorders::of(text).back(), text.size()) << text;
+    EXPECT_EQ(Rules::borders(text).back(), text.size()) << text;
   }
 }
 

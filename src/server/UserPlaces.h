@@ -19,6 +19,15 @@ std::string personalStore(const OS::Environment& environment);
 /// ~/.quillstead, also when QUILLSTEAD_HOME names another directory; likewise.
 std::string defaultPersonalStore(const OS::Environment& environment);
 
+/// The directory for what the server can make again, without links: it is there afterwards, belongs
+/// to the user and is closed to all others, whoever made it. Empty when there is no such place.
+std::string makeCacheDirectory(const OS::Environment& environment);
+
+/// Makes sure that `path`, in that directory, is a file of the user's own that nobody else may
+/// read, made empty where it is missing. What else stands there (a link, a pipe, another's file) is
+/// removed. False when that did not succeed.
+bool makeCacheFile(const std::string& path);
+
 /// What a store's directory is called in a project and in the home directory.
 inline constexpr std::string_view storeName = ".quillstead";
 
