@@ -5,6 +5,7 @@
 #include "support/OS/ExclusiveRename.h"
 #include "support/OS/FileContent.h"
 #include "support/OS/Paths.h"
+#include "support/OS/Random.h"
 #include "support/OS/SignalMask.h"
 
 #include <fcntl.h>
@@ -15,7 +16,6 @@
 #include <charconv>
 #include <csignal>
 #include <cstring>
-#include <random>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -87,9 +87,8 @@ bool isAsItWas(const Content& before) {
 class TemporaryFile {
  public:
   explicit TemporaryFile(const OS::Descriptor& directory) : directory_(directory) {
-    std::random_device random;
     name_ = std::string(temporaryPrefix) + std::to_string(getpid()) + '-' +
-            std::to_string(random()) + std::string(temporarySuffix);
+            std::to_string(OS::randomNumber()) + std::string(temporarySuffix);
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
     file_ = OS::Descriptor(openat(directory.number(), name_.c_str(), flags, onlyForTheUser));
   }

@@ -1,13 +1,10 @@
 #include "server/Store/CardName.h"
 
 #include "server/Store/StoreFiles.h"
+#include "support/OS/Random.h"
 #include "support/Text/Character.h"
-#include "support/Text/Hash.h"
 #include "support/Text/Text.h"
 
-#include <sys/random.h>
-
-#include <chrono>
 #include <cstdint>
 
 namespace quillstead::server::CardName {
@@ -55,11 +52,7 @@ std::string fromTitle(std::string_view title, std::string_view mark) {
 std::string randomMark() {
   constexpr std::string_view signs = "0123456789abcdefghjkmnpqrstvwxyz";  // none looks like another
   constexpr std::size_t length = 6;
-  std::uint64_t number = 0;
-  if (getentropy(&number, sizeof number) != 0) {  // the time tells two cards apart, too
-    const auto now = std::chrono::system_clock::now().time_since_epoch().count();
-    number = Text::mixed(static_cast<std::uint64_t>(now));
-  }
+  std::uint64_t number = OS::randomNumber();
   std::string mark;
   for (std::size_t count = 0; count < length; ++count) {
     mark += signs[number % signs.size()];

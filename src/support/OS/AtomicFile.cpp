@@ -2,6 +2,7 @@
 
 #include "support/OS/Directory.h"
 #include "support/OS/ExclusiveRename.h"
+#include "support/OS/Random.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,7 +10,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <random>
 #include <vector>
 
 namespace quillstead::OS::AtomicFile {
@@ -20,9 +20,8 @@ constexpr std::string_view temporaryPrefix = ".quillstead-new-";
 constexpr std::string_view temporarySuffix = ".tmp";
 
 std::string temporaryName() {
-  std::random_device random;
-  return std::string(temporaryPrefix) + std::to_string(getpid()) + '-' + std::to_string(random()) +
-         std::string(temporarySuffix);
+  return std::string(temporaryPrefix) + std::to_string(getpid()) + '-' +
+         std::to_string(randomNumber()) + std::string(temporarySuffix);
 }
 
 /// Writes a file that nobody knows of yet; false with errno when that failed.
