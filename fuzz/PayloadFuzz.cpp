@@ -21,10 +21,10 @@ int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const std::optional<JSON::Document> document = JSON::read(payload);
   const auto object = document ? document->root().object() : std::nullopt;
 
-  const bool isRefused =
-      !object || (adapter.name() == "claude-code" && object->find("cursor_version").exists());
+  const bool isRefused = !object || (harnessFacts(adapter.name()).refusesCursorsPayload &&
+                                     object->find("cursor_version").exists());
   Fuzz::require(input.has_value() != isRefused,
-                "every object is taken, but Cursor's by Claude Code");
+                "every object is taken, but Cursor's where its own hook has it");
   if (!input) return 0;
 
   Fuzz::require(input->prompt == object->find("prompt").string().value_or(""),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "helpers/HarnessFacts.h"
 #include "hook/Harness/Harnesses.h"
 #include "support/JSON/Reader.h"
 #include "support/JSON/Writer.h"
@@ -41,16 +42,10 @@ inline JSON::Document answerObject(std::string_view document) {
 
 /// What `document`, an answer of `adapter`, hands to the harness.
 inline std::string contextIn(const hook::HarnessAdapter& adapter, std::string_view document) {
-  const JSON::Document read = answerObject(document);
-  const JSON::ObjectView answer = read.object();
-  const auto inner = answer.find("hookSpecificOutput").object();
-  const bool isNested = adapter.name() == "claude-code" || adapter.name() == "codex";
-  require(isNested == inner.has_value(), "an answer has its harness's form");
-  const JSON::View context =
-      isNested ? inner->find("additionalContext")
-               : answer.find(adapter.name() == "cursor" ? "additional_context" : "context");
-  require(context.string().has_value(), "an answer carries its context");
-  return std::string(*context.string());
+  const JSON::Document answer = answerObject(document);
+  const auto context = quillstead::contextIn(answer.object(), harnessFacts(adapter.name()));
+  require(context.has_value(), "an answer has its harness's form");
+  return *context;
 }
 
 /// Every adapter's answer carries exactly `context`, as far as that is UTF-8.

@@ -1,12 +1,12 @@
 // What `quillstead recall` shows of a prompt, with the hook and the server that were built with it.
 #include "cli/UserRun.h"
+#include "helpers/HarnessFacts.h"
 #include "support/JSON/Reader.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <map>
 
 namespace quillstead::cli {
 
@@ -84,16 +84,15 @@ TEST_F(Recall, ShowsTheTextsTheirSizeAndWhyEachCardCame) {
 }
 
 TEST_F(Recall, TellsScriptsTheSame) {
-  const std::map<std::string, std::int64_t> budgets{
-      {"claude-code", 10'000}, {"codex", 30'000}, {"cursor", 8'000}, {"opencode", -1}};
-  for (const auto& [harness, budget] : budgets) {
+  for (const HarnessFacts& facts : harnessFacts()) {
+    const std::string& harness = facts.name;
     SCOPED_TRACE(harness);
     const auto end = recall({"--json", "--harness", harness, "shop", "release"});
     EXPECT_EQ(end.status, 0) << end.error;
     const Told told(end.output);
     EXPECT_EQ(told.text("harness"), harness);
     EXPECT_EQ(told.text("cwd"), home.path("work"));
-    EXPECT_EQ(told.number("budget"), budget);
+    EXPECT_EQ(told.number("budget"), facts.budget ? static_cast<std::int64_t>(*facts.budget) : -1);
     EXPECT_THAT(told.texts("parts", "kind"), ElementsAre("rules", "memory"));
     EXPECT_THAT(told.texts("cards", "file"), ElementsAre("deploy.md"));
     EXPECT_THAT(told.texts("cards", "store"), ElementsAre("personal"));

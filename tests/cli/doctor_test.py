@@ -13,7 +13,7 @@ import unittest
 
 BUILT = pathlib.Path(os.environ["QUILLSTEAD"]).parent
 PROGRAMS = ["quillstead", "quillstead-hook", "quillstead-mcp"]
-HARNESSES = ["claude-code", "codex", "cursor", "opencode"]
+HARNESSES = list(json.loads((pathlib.Path(__file__).parent / "../helpers/harnesses.json").read_text()))
 
 CODEX = """#!/usr/bin/env python3
 import json, os, sys

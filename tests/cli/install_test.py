@@ -33,7 +33,7 @@ FILES = {
 }
 TOML = ("codex", ".codex/config.toml")
 PLUGIN = ("opencode", ".config/opencode/plugins/quillstead.js")
-HARNESSES = ["claude-code", "codex", "cursor", "opencode"]
+HARNESSES = list(json.loads((pathlib.Path(__file__).parent / "../helpers/harnesses.json").read_text()))
 
 
 class Home:

@@ -33,11 +33,9 @@ std::string Harness::payload(const Said& said) const {
 }
 
 std::string Harness::envelope(std::string_view context) const {
-  const std::string text = jsonString(context);
-  if (name == "opencode") return R"({"context":)" + text + "}";
-  if (name == "cursor") return R"({"continue":true,"additional_context":)" + text + "}";
-  return R"({"hookSpecificOutput":{"hookEventName":"UserPromptSubmit","additionalContext":)" +
-         text + "}}";
+  constexpr std::string_view place = "\"CONTEXT\"";
+  std::string document = form;
+  return document.replace(document.find(place), place.size(), jsonString(context));
 }
 
 std::vector<std::string> Harness::placeArguments(const Said& said) const {
@@ -69,38 +67,11 @@ std::string Harness::memoryArguments(const Said& said) const {
 }
 
 const std::vector<Harness>& harnesses() {
-  static const std::vector<Harness> all{{.name = "claude-code",
-                                         .silence = std::nullopt,
-                                         .budget = 10'000,
-                                         .cardCeiling = std::nullopt,
-                                         .cardHeadCeiling = 10'000,
-                                         .sessionKey = "session_id",
-                                         .hasRoots = false,
-                                         .hasTranscript = true},
-                                        {.name = "codex",
-                                         .silence = R"({"continue":true})",
-                                         .budget = 30'000,
-                                         .cardCeiling = std::nullopt,
-                                         .cardHeadCeiling = std::nullopt,
-                                         .sessionKey = "session_id",
-                                         .hasRoots = false,
-                                         .hasTranscript = true},
-                                        {.name = "cursor",
-                                         .silence = R"({"continue":true})",
-                                         .budget = 8'000,
-                                         .cardCeiling = 5'000,
-                                         .cardHeadCeiling = std::nullopt,
-                                         .sessionKey = "session_id",
-                                         .hasRoots = true,
-                                         .hasTranscript = true},
-                                        {.name = "opencode",
-                                         .silence = "{}",
-                                         .budget = std::nullopt,
-                                         .cardCeiling = std::nullopt,
-                                         .cardHeadCeiling = std::nullopt,
-                                         .sessionKey = "sessionID",
-                                         .hasRoots = false,
-                                         .hasTranscript = false}};
+  static const std::vector<Harness> all = [] {
+    std::vector<Harness> known;
+    for (const HarnessFacts& facts : harnessFacts()) known.push_back({facts});
+    return known;
+  }();
   return all;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "helpers/HarnessFacts.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,17 +17,8 @@ struct Said {
   std::optional<std::string> transcript = {};
 };
 
-/// What a harness expects of the hook.
-struct Harness {
-  std::string name;
-  std::optional<std::string> silence;
-  std::optional<std::size_t> budget;           ///< bytes of context
-  std::optional<std::size_t> cardCeiling;      ///< bytes
-  std::optional<std::size_t> cardHeadCeiling;  ///< bytes
-  std::string sessionKey;
-  bool hasRoots;       ///< names its directory in a list of workspace roots
-  bool hasTranscript;  ///< its payload's transcript is read
-
+/// A harness as the hook sees it.
+struct Harness : HarnessFacts {
   /// The payload as this harness writes it.
   [[nodiscard]] std::string payload(const Said& said) const;
 
@@ -45,7 +38,7 @@ struct Harness {
   [[nodiscard]] std::vector<std::string> placeArguments(const Said& said) const;
 };
 
-/// The four of them.
+/// All of them.
 const std::vector<Harness>& harnesses();
 const Harness& harness(std::string_view name);
 

@@ -23,11 +23,12 @@ CHILDREN = os.environ["QUILLSTEAD_TEST_CHILDREN"]
 SANITIZED = os.environ.get("QUILLSTEAD_SANITIZED") == "1"
 LONG = os.environ.get("QUILLSTEAD_FAULTS") == "long"
 
-HARNESSES = ("claude-code", "codex", "cursor", "opencode")
-SILENCE = {"claude-code": "", "codex": '{"continue":true}', "cursor": '{"continue":true}',
-           "opencode": "{}"}
-BUDGET = {"claude-code": 10_000, "codex": 30_000, "cursor": 8_000, "opencode": None}
-SESSION_KEY = {"opencode": "sessionID"}
+# What is so of each harness; tests/helpers/HarnessFacts.h says the same to C++.
+with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../helpers/harnesses.json"),
+          encoding="utf-8") as table:
+    FACTS = json.load(table)
+HARNESSES = tuple(FACTS)
+SILENCE = {harness: facts["silence"] or "" for harness, facts in FACTS.items()}
 
 RULES = "<user-rules>\nAlways test.\nIndex: a/b\n</user-rules>"
 MEMORY = "<quillstead-memory>\nheader\n\ncard one\n\ncard two\n</quillstead-memory>"
@@ -69,9 +70,20 @@ def arguments(harness, slot=None):
     return [HOOK, "--harness", harness] + (["--slot", slot] if slot else [])
 
 
+def filled(form, values):
+    """`form`, of the table, with what stands in the places of its words in capitals."""
+    if isinstance(form, dict):
+        return {key: filled(value, values) for key, value in form.items()}
+    if isinstance(form, list):
+        return [filled(value, values) for value in form]
+    return values.get(form, form)
+
+
 def prompt_payload(harness, prompt="how do we test?"):
-    return json.dumps({"prompt": prompt, SESSION_KEY.get(harness, "session_id"): "s1",
-                       "cwd": "/", "workspace_roots": ["/"]}).encode()
+    form = FACTS[harness]["payload"]
+    payload = filled(form, {"PROMPT": prompt, "SESSION": "s1", "DIRECTORY": "/"})
+    payload.pop("transcript_path", None)
+    return json.dumps(payload).encode()
 
 
 def large_prompt(harness, size):
@@ -89,8 +101,12 @@ def large_prompt(harness, size):
     return file
 
 
+def stamps_session(harness):
+    return FACTS[harness]["stamp"] == "session"
+
+
 def pretool_payload(harness):
-    tool = "MCP:grab" if harness == "cursor" else "mcp__quillstead__grab"
+    tool = "MCP:grab" if stamps_session(harness) else "mcp__quillstead__grab"
     return json.dumps({"tool_name": tool, "session_id": "c1", "agent_id": "a7",
                        "tool_input": {"q": "a/b", "n": 1.50, "deep": [[{}], None]}}).encode()
 
@@ -98,7 +114,7 @@ def pretool_payload(harness):
 def stamped(harness):
     """The answer document to `pretool_payload`."""
     given = {"q": "a/b", "n": 1.50, "deep": [[{}], None]}
-    if harness == "cursor":
+    if stamps_session(harness):
         return {"updated_input": {**given, "_quillstead_session": "c1"}}
     return {"hookSpecificOutput": {"hookEventName": "PreToolUse",
                                    "updatedInput": {**given, "_quillstead_subagent": "a7"}}}
@@ -163,23 +179,25 @@ def _wait(process, started, hung):
     return (*os.wait4(process.pid, 0), True)
 
 
+def _way_to_context(form):
+    """The keys that lead to the text in an answer."""
+    for key, value in form.items():
+        if value == "CONTEXT":
+            return [key]
+        if isinstance(value, dict):
+            return [key, *_way_to_context(value)]
+    return []
+
+
 def context_of(harness, document):
     """The text that an answer document hands to the harness; raises when it is not one."""
-    if harness in ("claude-code", "codex"):
-        inner = document["hookSpecificOutput"]
-        if document.keys() != {"hookSpecificOutput"} or \
-                inner.keys() != {"hookEventName", "additionalContext"} or \
-                inner["hookEventName"] != "UserPromptSubmit":
-            raise ValueError("not an answer of " + harness)
-        return inner["additionalContext"]
-    if harness == "cursor":
-        if document.keys() != {"continue", "additional_context"} or \
-                document["continue"] is not True:
-            raise ValueError("not an answer of cursor")
-        return document["additional_context"]
-    if document.keys() != {"context"}:
-        raise ValueError("not an answer of opencode")
-    return document["context"]
+    form = FACTS[harness]["envelope"]
+    context = document
+    for key in _way_to_context(form):
+        context = context[key]
+    if not isinstance(context, str) or document != filled(form, {"CONTEXT": context}):
+        raise ValueError("not an answer of " + harness)
+    return context
 
 
 def _no_repeated_keys(pairs):
@@ -203,7 +221,8 @@ def answered_context(harness, output):
         return None
     context = context_of(harness, read_answer(output))
     size = len(context.encode("utf-8"))  # also raises for a lone surrogate
-    if BUDGET[harness] and size > BUDGET[harness]:
+    budget = FACTS[harness]["contextBudget"]
+    if budget and size > budget:
         raise ValueError("%d bytes are over the budget" % size)
     return context
 

@@ -1,3 +1,4 @@
+#include "helpers/HarnessFacts.h"
 #include "server/endtoend/ProgramRun.h"
 #include "server/helpers/MemoryStage.h"
 #include "unit/helpers/JSONValues.h"
@@ -35,7 +36,7 @@ std::string longestText(const JSON::Value& value) {
 }
 
 /// The hook in front of the server, for each harness.
-class HookWithServer : public ::testing::TestWithParam<const char*> {
+class HookWithServer : public ::testing::TestWithParam<HarnessFacts> {
  protected:
   void SetUp() override {
     stage.set("QUILLSTEAD_MCP_BIN", serverProgram());
@@ -65,7 +66,7 @@ class HookWithServer : public ::testing::TestWithParam<const char*> {
     const std::string payload = R"({"prompt":)" + jsonText(prompt) + R"(,"cwd":)" +
                                 jsonText(stage.project()) + R"(,"workspace_roots":[)" +
                                 jsonText(stage.project()) + "]}";
-    std::vector<std::string> arguments{"--harness", GetParam()};
+    std::vector<std::string> arguments{"--harness", GetParam().name};
     if (!slot.empty()) arguments.insert(arguments.end(), {"--slot", slot});
     const ProgramEnd end = ProgramRun({.executable = hookProgram(),
                                        .arguments = arguments,
@@ -96,10 +97,10 @@ TEST_P(HookWithServer, IsGivenRulesThatFitItHoweverLongTheyAre) {
   for (int number = 0; number < 5'000; ++number) rules += "- A rule – größer.\n";
   stage.write("home/.quillstead/rules.md", rules);
   const std::string given = answered("rules", "x");
-  const std::string name = GetParam();
+  const HarnessFacts& harness = GetParam();
   EXPECT_THAT(given, HasSubstr("more rules were left out here"));
-  if (name == "claude-code" || name == "cursor") {
-    EXPECT_LE(given.size(), name == "cursor" ? 5'000U : 10'000U);
+  for (const auto& ceiling : {harness.cardCeiling, harness.cardHeadCeiling}) {
+    EXPECT_LE(given.size(), ceiling.value_or(given.size()));
   }
   EXPECT_LE(given.size(), 28'000U);
   EXPECT_THAT(answered("index", "x"), HasSubstr("- Heron"));
@@ -127,8 +128,8 @@ TEST_P(HookWithServer, FindsTheServersRepliesInOrder) {
 TEST_P(HookWithServer, IsGivenAPointerToRulesThatCannotBeCut) {
   stage.write("home/.quillstead/rules.md", std::string(20'000, 'x'));
   stage.write("project/.quillstead/rules.md", "");
-  const std::string name = GetParam();
-  const bool hasCeiling = name == "claude-code" || name == "cursor";
+  const HarnessFacts& harness = GetParam();
+  const bool hasCeiling = harness.cardCeiling || harness.cardHeadCeiling;
   const std::string given = answered("rules", "x");
   EXPECT_THAT(given, HasSubstr(hasCeiling ? "The tool `rules_get`" : "xxx"));
   EXPECT_THAT(logged(), HasSubstr(hasCeiling ? " card=pointer rules=1 |" : " card=1 rules=1 |"));
@@ -165,10 +166,9 @@ TEST_P(HookWithServer, RecallsWhatWasAddedBetweenTwoPrompts) {
   EXPECT_THAT(answered("recall", "ibis"), HasSubstr("the ibis"));
 }
 
-INSTANTIATE_TEST_SUITE_P(EachHarness, HookWithServer,
-                         ::testing::Values("claude-code", "codex", "cursor", "opencode"),
+INSTANTIATE_TEST_SUITE_P(EachHarness, HookWithServer, ::testing::ValuesIn(harnessFacts()),
                          [](const auto& given) {
-                           std::string name = given.param;
+                           std::string name = given.param.name;
                            std::erase(name, '-');
                            return name;
                          });

@@ -65,15 +65,6 @@ TEST(ClaudeCodeAdapter, EscapesSlashesInItsEnvelope) {
   EXPECT_NE(adapter.envelope("a/b", event).find(R"("a\/b")"), std::string::npos);
 }
 
-TEST(ClaudeCodeAdapter, HasItsNameBudgetAndHeadCeilingAndNoSilence) {
-  EXPECT_EQ(adapter.name(), "claude-code");
-  EXPECT_EQ(adapter.clientName(), "claude-code");
-  EXPECT_EQ(adapter.contextBudget(), 10'000);
-  EXPECT_EQ(adapter.cardHeadCeiling(), 10'000);
-  EXPECT_EQ(adapter.cardCeiling(), std::nullopt);
-  EXPECT_EQ(adapter.silence(), std::nullopt);
-}
-
 // --- What Codex takes over
 
 TEST(ClaudeCode, ReadsItsFourKeys) {

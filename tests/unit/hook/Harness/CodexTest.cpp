@@ -41,14 +41,5 @@ TEST(CodexAdapter, WrapsTheTextForItsPromptHook) {
   EXPECT_NE(adapter.envelope("a/b\n", event).find(R"("a\/b\n")"), std::string::npos);
 }
 
-TEST(CodexAdapter, HasItsNameBudgetAndSilence) {
-  EXPECT_EQ(adapter.name(), "codex");
-  EXPECT_EQ(adapter.clientName(), "codex");
-  EXPECT_EQ(adapter.contextBudget(), 30'000);
-  EXPECT_EQ(adapter.cardCeiling(), std::nullopt);
-  EXPECT_EQ(adapter.cardHeadCeiling(), std::nullopt);
-  EXPECT_EQ(adapter.silence(), R"({"continue":true})");
-}
-
 }  // namespace
 }  // namespace quillstead::hook

@@ -68,14 +68,5 @@ TEST(CursorAdapter, SaysContinueWithABooleanAndNotAText) {
   EXPECT_TRUE(*document.find("continue")->boolean());
 }
 
-TEST(CursorAdapter, HasItsNameBudgetCardCeilingAndSilence) {
-  EXPECT_EQ(adapter.name(), "cursor");
-  EXPECT_EQ(adapter.clientName(), "cursor");
-  EXPECT_EQ(adapter.contextBudget(), 8'000);
-  EXPECT_EQ(adapter.cardCeiling(), 5'000);
-  EXPECT_EQ(adapter.cardHeadCeiling(), std::nullopt);
-  EXPECT_EQ(adapter.silence(), R"({"continue":true})");
-}
-
 }  // namespace
 }  // namespace quillstead::hook

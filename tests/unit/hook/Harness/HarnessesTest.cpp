@@ -1,43 +1,52 @@
+#include "helpers/HarnessFacts.h"
+#include "hook/Harness/AnswerFlags.h"
 #include "hook/Harness/ClaudeCode.h"
 #include "hook/Harness/Codex.h"
 #include "hook/Harness/Cursor.h"
 #include "hook/Harness/Harnesses.h"
 #include "hook/Harness/OpenCode.h"
+#include "unit/helpers/Inputs.h"
+#include "unit/helpers/JSONValues.h"
 
 #include <gtest/gtest.h>
 
 namespace quillstead::hook::Harnesses {
 namespace {
 
-TEST(Harnesses, ListTheFourWithEveryPropertyInOrder) {
-  struct Row {
-    std::string_view name;
-    std::optional<std::int64_t> contextBudget;
-    std::optional<std::int64_t> cardCeiling;
-    std::optional<std::int64_t> cardHeadCeiling;
-    std::optional<std::string_view> silence;
-    CallStamp stamp;
-    bool takesDecision;
-  };
-  const std::vector<Row> rows{
-      {"claude-code", 10'000, std::nullopt, 10'000, std::nullopt, CallStamp::subagent, false},
-      {"codex", 30'000, std::nullopt, std::nullopt, R"({"continue":true})", CallStamp::subagent,
-       true},
-      {"cursor", 8'000, 5'000, std::nullopt, R"({"continue":true})", CallStamp::session, false},
-      {"opencode", std::nullopt, std::nullopt, std::nullopt, "{}", CallStamp::subagent, true},
-  };
-  ASSERT_EQ(all().size(), rows.size());
-  for (std::size_t at = 0; at < rows.size(); ++at) {
+std::optional<std::int64_t> number(const std::optional<std::size_t>& bytes) {
+  return bytes ? std::optional(static_cast<std::int64_t>(*bytes)) : std::nullopt;
+}
+
+TEST(Harnesses, AreWhatTheTableOfTheirFactsSaysInItsOrder) {
+  ASSERT_EQ(all().size(), harnessFacts().size());
+  for (std::size_t at = 0; at < all().size(); ++at) {
     const HarnessAdapter& adapter = *all()[at];
-    SCOPED_TRACE(rows[at].name);
-    EXPECT_EQ(adapter.name(), rows[at].name);
-    EXPECT_EQ(adapter.clientName(), rows[at].name);
-    EXPECT_EQ(adapter.contextBudget(), rows[at].contextBudget);
-    EXPECT_EQ(adapter.cardCeiling(), rows[at].cardCeiling);
-    EXPECT_EQ(adapter.cardHeadCeiling(), rows[at].cardHeadCeiling);
-    EXPECT_EQ(adapter.silence(), rows[at].silence);
-    EXPECT_EQ(adapter.stamp(), rows[at].stamp);
-    EXPECT_EQ(adapter.takesDecision(), rows[at].takesDecision);
+    const HarnessFacts& facts = harnessFacts()[at];
+    SCOPED_TRACE(facts.name);
+    EXPECT_EQ(adapter.name(), facts.name);
+    EXPECT_EQ(adapter.clientName(), facts.name);
+    EXPECT_EQ(adapter.contextBudget(), number(facts.budget));
+    EXPECT_EQ(adapter.cardCeiling(), number(facts.cardCeiling));
+    EXPECT_EQ(adapter.cardHeadCeiling(), number(facts.cardHeadCeiling));
+    EXPECT_EQ(adapter.silence(), facts.silence);
+    EXPECT_EQ(adapter.stamp() == CallStamp::session ? "session" : "subagent", facts.stamp);
+    EXPECT_EQ(adapter.takesDecision(), facts.takesDecision);
+  }
+}
+
+TEST(Harnesses, ReadAndWriteWhatTheTableSays) {
+  for (const HarnessAdapter* adapter : all()) {
+    const HarnessFacts& facts = harnessFacts(adapter->name());
+    SCOPED_TRACE(facts.name);
+    const JSON::Document answer = unit::documentIn(adapter->envelope("text", EventFlag::prompt));
+    EXPECT_EQ(contextIn(answer.object(), facts), "text");
+
+    const std::string directory = facts.hasRoots ? R"("workspace_roots":["/d"])" : R"("cwd":"/d")";
+    const auto input = adapter->parse(R"({"prompt":"p",)" + directory + ",\"" + facts.sessionKey +
+                                      R"(":"s","transcript_path":"/t"})");
+    EXPECT_EQ(unit::described(input), facts.hasTranscript ? "[p][/d][s][/t]" : "[p][/d][s]-");
+    EXPECT_EQ(adapter->parse(R"({"cursor_version":"1"})").has_value(),
+              !facts.refusesCursorsPayload);
   }
 }
 
@@ -56,9 +65,10 @@ TEST(Harnesses, AreFoundByTheirExactNameOnly) {
   for (const HarnessAdapter* adapter : all()) EXPECT_EQ(named(adapter->name()), adapter);
 }
 
-TEST(Harnesses, AreKnownByFourNamesInOrder) {
-  EXPECT_EQ(knownNames(),
-            (std::vector<std::string_view>{"claude-code", "codex", "cursor", "opencode"}));
+TEST(Harnesses, AreKnownByTheirNamesInOrder) {
+  std::vector<std::string_view> names;
+  for (const HarnessFacts& facts : harnessFacts()) names.emplace_back(facts.name);
+  EXPECT_EQ(knownNames(), names);
 }
 
 }  // namespace

@@ -39,14 +39,5 @@ TEST(OpenCodeAdapter, WrapsTheTextUnderOneKey) {
   EXPECT_EQ(adapter.envelope("a/b\n\"c\"", event), R"({"context":"a\/b\n\"c\""})");
 }
 
-TEST(OpenCodeAdapter, HasItsNameAndSilenceAndNoBudgets) {
-  EXPECT_EQ(adapter.name(), "opencode");
-  EXPECT_EQ(adapter.clientName(), "opencode");
-  EXPECT_EQ(adapter.contextBudget(), std::nullopt);
-  EXPECT_EQ(adapter.cardCeiling(), std::nullopt);
-  EXPECT_EQ(adapter.cardHeadCeiling(), std::nullopt);
-  EXPECT_EQ(adapter.silence(), "{}");
-}
-
 }  // namespace
 }  // namespace quillstead::hook
