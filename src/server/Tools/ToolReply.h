@@ -8,7 +8,7 @@
 
 namespace quillstead::server {
 
-/// What a tool answers.
+/// What a tool gives.
 struct ToolReply {
   std::string text;
   JSON::Object meta;     ///< left out when empty

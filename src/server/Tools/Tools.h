@@ -13,11 +13,11 @@ namespace quillstead::server::Tools {
 /// Their names, descriptions and schemas, as "tools/list" gives them.
 JSON::Array list();
 
-/// What the tool answers; absent when there is no tool of that name.
+/// The tool's reply; absent when there is no tool of that name.
 std::optional<ToolReply> call(std::string_view name, JSON::ObjectView arguments,
                               const OS::Environment& environment);
 
-/// The reply as the result of "tools/call".
+/// A reply as the result of "tools/call".
 JSON::Object asResult(ToolReply reply);
 
 }  // namespace quillstead::server::Tools
