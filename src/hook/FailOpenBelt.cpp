@@ -86,6 +86,12 @@ void answer(std::string_view document) {
   answered = true;
 }
 
+void answerAndEnd(std::string_view document) {
+  const Pause pause;
+  OS::writeLine(STDOUT_FILENO, document);
+  _exit(0);
+}
+
 Pause::Pause() {
   if (isArmed()) blocked_.emplace(OS::SignalMask::Change::block, faultSignals);
 }

@@ -81,8 +81,7 @@ struct Dispatch {
     const auto slot = slotName ? SlotFlag::named(*slotName) : std::nullopt;
     if (slotName && !slot) return refuseSlot(*slotName);
     if (slot == HookSlot::pretool) {
-      return PretoolAnswer::serve(environment, stampOf(adapter),
-                                  DecisionFlag::parse(arguments, adapter));
+      PretoolAnswer::serve(environment, stampOf(adapter), DecisionFlag::parse(arguments, adapter));
     }
     return serve(adapter, slot, EventFlag::parse(arguments), environment);
   }

@@ -16,14 +16,13 @@ constexpr std::string_view letThrough = "{}";
 
 }  // namespace
 
-std::int32_t serve(const OS::Environment& environment, Stamp stamp, Decision decision) {
+void serve(const OS::Environment& environment, Stamp stamp, Decision decision) {
   FailOpenBelt::arm(letThrough);
   StackOverflowProbe::recurseIfAsked(environment);
 
   std::optional<std::string> input = StandardInput::readAll();
-  FailOpenBelt::answer(input ? document(*std::move(input), stamp, decision)
-                             : std::string(letThrough));
-  return 0;
+  FailOpenBelt::answerAndEnd(input ? document(*std::move(input), stamp, decision)
+                                   : std::string(letThrough));
 }
 
 std::string document(std::string input, Stamp stamp, Decision decision) {

@@ -4,7 +4,6 @@
 #include "support/JSON/Value.h"
 #include "support/OS/Environment.h"
 
-#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -16,9 +15,9 @@ namespace quillstead::hook::PretoolAnswer {
 /// into the payload. Absent when the call goes through unchanged.
 using Stamp = std::optional<JSON::Object> (*)(JSON::ObjectView payload, Decision decision);
 
-/// Puts the belt on, reads the payload, and prints the answer, or `{}` to let the call through.
-/// Returns the exit status, always 0.
-std::int32_t serve(const OS::Environment& environment, Stamp stamp, Decision decision);
+/// Puts the belt on, reads the payload, prints the answer, or `{}` to let the call through, and
+/// ends the process with status 0.
+[[noreturn]] void serve(const OS::Environment& environment, Stamp stamp, Decision decision);
 
 /// The answer to the payload in `input`; `{}` when there is nothing to stamp. It reuses the memory
 /// of `input`. Compact, with slashes not escaped.

@@ -26,9 +26,7 @@ std::optional<std::string> answerTo(std::string payload) {
 /// to standard error.
 std::string printedTo(const std::string& input) {
   const unit::ForkedRun run = unit::inForkedProcess(
-      [] {
-        _exit(PretoolAnswer::serve(unit::EnvironmentOf{"HOME=/nowhere"}, answer, Decision::none));
-      },
+      [] { PretoolAnswer::serve(unit::EnvironmentOf{"HOME=/nowhere"}, answer, Decision::none); },
       input);
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.standardError, "");
