@@ -95,9 +95,12 @@ function addContext(parts, context) {
   });
 }
 
+function isMemory(part) {
+  return part.metadata?.quillstead === MEMORY.quillstead;
+}
+
 /** The same message with its memory for the model to see. */
 function shown(message) {
-  const isMemory = (part) => part.metadata?.quillstead === MEMORY.quillstead;
   if (!message.parts.some(isMemory)) return message;
   return {
     ...message,
@@ -151,7 +154,8 @@ export const QuillsteadPlugin = async ({ client, directory }) => {
 
     "chat.message": async (input, output) => {
       try {
-        if (output.parts.length === 0) return;
+        // The plugin may be there twice, for the user and for the project: the first one does it.
+        if (output.parts.length === 0 || output.parts.some(isMemory)) return;
         const prompt = promptOf(output.parts);
         const sessionID = await memorySession(input.sessionID);
         const answer = await runHook([], { prompt, cwd: directory, sessionID });

@@ -1,8 +1,11 @@
 """What has to be true in the real harnesses, one test a fact. `run` makes one class for each harness."""
 
+import collections
+import functools
+import json
 import re
 import shutil
-import statistics
+import threading
 import time
 import unittest
 
@@ -12,6 +15,53 @@ from stage import ClaudeCode, Codex, OpenCode
 RULE, CARD = "RULE-TEA", "CARD-KETTLE"
 PROJECT_RULE, PROJECT_CARD = "RULE-TABS", "CARD-CANARY"
 PROMPT = "where is the kettle, and the canary?"
+ONE_PROMPT = 5.5  # seconds; calls that come closer are taken for those of one prompt
+
+
+class Trial:
+    """A stand-in model, and a harness whose user has memory, and a project with memory."""
+
+    def __init__(self, family):
+        self.script = {}
+        self.model = Model(self.script)
+        self.stage = family.harness(family.binaries, family.packages, self.model)
+
+    def __enter__(self):
+        self.model.__enter__()
+        self.stage.write_personal(rules=f"- {RULE}: always drink tea.\n",
+                                  kettle=f"# Kettle\n\n{CARD}: the kettle is on the third floor.\n")
+        self.stage.write_project(rules=f"- {PROJECT_RULE}: indent with tabs.\n",
+                                 canary=f"# Canary\n\n{PROJECT_CARD}: the canary takes ten minutes.\n")
+        return self
+
+    def __exit__(self, *_):
+        self.stage.close()
+        self.model.__exit__()
+
+    def set_up(self):
+        """As the README says, in a project that the user trusts."""
+        self.stage.install()
+        self.stage.quillstead("trust", str(self.stage.project))
+
+
+def once(trial):
+    """For a trial that several facts look at: the first of them runs it, the others wait for it."""
+    locks, kept = collections.defaultdict(threading.Lock), {}
+
+    @functools.wraps(trial)
+    def shown(self):
+        family = type(self)
+        with locks[family]:
+            if family not in kept:
+                try:
+                    kept[family] = trial(self), None
+                except Exception as error:  # each fact that needs the trial is red then
+                    kept[family] = None, error
+        value, error = kept[family]
+        if error:
+            raise error
+        return value
+    return shown
 
 
 class Facts(unittest.TestCase):
@@ -22,23 +72,22 @@ class Facts(unittest.TestCase):
     packages = None
 
     def setUp(self):
-        self.script = {}
-        self.model = self.enterContext(Model(self.script))
-        self.stage = self.enterContext(self.harness(self.binaries, self.packages, self.model))
-        self.stage.write_personal(rules=f"- {RULE}: always drink tea.\n",
-                                  kettle=f"# Kettle\n\n{CARD}: the kettle is on the third floor.\n")
-        self.stage.write_project(rules=f"- {PROJECT_RULE}: indent with tabs.\n",
-                                 canary=f"# Canary\n\n{PROJECT_CARD}: the canary takes ten minutes.\n")
+        self.notes = []
 
-    def enterContext(self, manager):  # unittest has it since Python 3.11
-        value = manager.__enter__()
-        self.addCleanup(manager.__exit__, None, None, None)
-        return value
+    @functools.cached_property
+    def trial(self):
+        trial = Trial(type(self))
+        trial.__enter__()
+        self.addCleanup(trial.__exit__)
+        return trial
 
-    def ready(self):
-        """Set up as the README says, in a project that the user trusts."""
-        self.stage.install()
-        self.stage.quillstead("trust", str(self.stage.project))
+    @property
+    def stage(self):
+        return self.trial.stage
+
+    @property
+    def script(self):
+        return self.trial.script
 
     def run_well(self, prompt, **options):
         ran = self.stage.run(prompt, **options)
@@ -47,6 +96,11 @@ class Facts(unittest.TestCase):
         self.assertTrue(ran.conversation, "the model was never asked")
         return ran
 
+    def run_next(self, prompt):
+        """The next prompt of the session, in a new process, and not so soon that it counts as the same."""
+        time.sleep(max(0, self.trial.model.requests[-1].time + ONE_PROMPT - time.monotonic()))
+        return self.run_well(prompt, again=True)
+
     def assertSaid(self, ran, counts):
         """How often each text stands in the last request of the conversation."""
         request = ran.conversation[-1]
@@ -54,16 +108,19 @@ class Facts(unittest.TestCase):
 
     # --- What a prompt brings
 
+    @once
+    def first_prompt(self):
+        self.trial.set_up()
+        return self.run_well(PROMPT), self.stage.log(), str(self.stage.home)
+
     def test_rules_and_cards_of_both_stores_reach_the_model_once(self):
-        self.ready()
-        self.assertSaid(self.run_well(PROMPT), {RULE: 1, CARD: 1, PROJECT_RULE: 1, PROJECT_CARD: 1})
+        ran, _, _ = self.first_prompt()
+        self.assertSaid(ran, {RULE: 1, CARD: 1, PROJECT_RULE: 1, PROJECT_CARD: 1})
 
     def test_each_entry_leaves_one_line_in_the_log(self):
-        self.ready()
-        self.run_well(PROMPT)
-        slots = sorted(re.findall(r"slot=(\w+)", "\n".join(self.stage.log())))
-        self.assertEqual(len(self.stage.log()), self.entries, self.stage.log())
-        self.assertEqual(slots, self.slots)
+        _, log, _ = self.first_prompt()
+        self.assertEqual(len(log), self.entries, log)
+        self.assertEqual(sorted(re.findall(r"slot=(\w+)", "\n".join(log))), self.slots)
 
     def test_nothing_of_an_untrusted_project_reaches_the_model(self):
         self.stage.install()
@@ -74,169 +131,180 @@ class Facts(unittest.TestCase):
     # --- Tools
 
     def test_the_memory_tools_are_offered(self):
-        self.ready()
-        ran = self.run_well(PROMPT)
+        ran, _, _ = self.first_prompt()
         for tool in ("memory_add", "memory_get_relevant", "rules_get", "grab"):
-            name = self.stage.memory_tool.replace("memory_add", tool)
+            name = self.harness.memory_tool.replace("memory_add", tool)
             self.assertTrue(self.offers(ran.conversation[-1], name), name)
 
     def offers(self, request, name):
-        return name in request.tools or name.replace("__", "", 2).replace("mcp", "mcp__", 1) in request.tools
+        return name in request.tools
 
-    def added_card(self):
-        added = [text for text in self.stage.cards() if "the milk is blue" in text]
-        self.assertEqual(len(added), 1, self.stage.cards())
-        return added[0]
+    # --- A sub-agent
+
+    @once
+    def prompt_with_a_helper(self):
+        """The helper notes that the sky is green, and then the agent that the milk is blue."""
+        helper = "LOOK-AROUND for the kettle and NOTE-IT"
+        self.script["SEND-HELP"] = [*self.stage.calls_subagent(helper),
+                                    *self.stage.calls_memory_add("the milk is blue")]
+        self.script["NOTE-IT"] = self.stage.calls_memory_add("the sky is green")
+        self.trial.model.slow["SEND-HELP"] = ONE_PROMPT
+        shutil.rmtree(self.stage.project / ".quillstead")  # so that all notes are personal
+        self.stage.install()
+        self.run_well("SEND-HELP please")
+        wait_until(lambda: any("the sky is green" in text for text in self.stage.cards()))
+        return self.stage.cards(), self.trial.model, self.stage.log()
+
+    def noted(self, cards, text):
+        found = [card for card in cards if text in card]
+        self.assertEqual(len(found), 1, cards)
+        return found[0]
 
     def test_the_agent_adds_a_card(self):
-        self.script["NOTE-IT"] = self.stage.calls_memory_add("the milk is blue")
-        self.ready_without_project()
-        self.run_well("NOTE-IT please")
-        self.assertNotIn("subagent:", self.added_card())
+        cards, _, _ = self.prompt_with_a_helper()
+        self.assertNotRegex(self.noted(cards, "the milk is blue"), r"(?m)^subagent:")
 
     def test_a_card_of_a_sub_agent_carries_its_stamp(self):
-        self.script["SEND-HELP"] = self.stage.calls_subagent("NOTE-IT in memory")
-        self.script["NOTE-IT"] = self.stage.calls_memory_add("the milk is blue")
-        self.ready_without_project()
-        self.run_well("SEND-HELP please")
-        self.wait_until(lambda: any("milk" in text for text in self.stage.cards()))
-        self.assertRegex(self.added_card(), r"(?m)^subagent: \S+")
-
-    def ready_without_project(self):
-        shutil.rmtree(self.stage.project / ".quillstead")
-        self.stage.install()
-
-    def wait_until(self, holds, seconds=20):
-        end = time.monotonic() + seconds
-        while not holds() and time.monotonic() < end:
-            time.sleep(0.1)
+        cards, _, _ = self.prompt_with_a_helper()
+        self.assertRegex(self.noted(cards, "the sky is green"), r"(?m)^subagent: \S+")
 
     def test_the_rules_reach_a_sub_agent(self):
-        self.script["SEND-HELP"] = self.stage.calls_subagent("LOOK-AROUND for the kettle")
-        self.model.slow["SEND-HELP"] = 6  # so that it is not taken for a hook of the same prompt
-        self.ready()
-        ran = self.run_well("SEND-HELP please")
-        self.wait_until(lambda: self.helpers_requests())
-        self.assertTrue(self.helpers_requests(), "no sub-agent asked the model")
-        self.assertEqual(self.helpers_requests()[-1].count(RULE), 1)
-        return ran
+        _, model, _ = self.prompt_with_a_helper()
+        requests = helpers_requests(model)
+        self.assertTrue(requests, "no sub-agent asked the model")
+        self.assertEqual(requests[-1].count(RULE), 1)
 
-    def helpers_requests(self):
-        return [request for request in self.model.requests if request.tools and
-                any(role == "user" and "LOOK-AROUND" in text for role, text in request.turns)
-                and not any(role == "user" and "SEND-HELP" in text for role, text in request.turns)]
+    def test_a_call_that_the_user_has_to_allow_is_not_run_without_asking(self):
+        self.script["SEND-HELP"] = self.stage.calls_subagent("LOOK-AROUND and NOTE-IT")
+        self.script["NOTE-IT"] = self.stage.calls_memory_add("the sky is green")
+        shutil.rmtree(self.stage.project / ".quillstead")
+        self.stage.install()
+        self.stage.want_to_be_asked()
+        ran = self.stage.run("SEND-HELP please")
+        requests = helpers_requests(self.trial.model)
+        self.assertTrue(requests, "no sub-agent asked the model")
+        self.assertRegex(ran.output + "\n".join(text for _, text in requests[-1].turns), self.refusal)
+        self.assertFalse([card for card in self.stage.cards() if "the sky is green" in card])
 
     # --- A session
 
-    def test_a_session_brings_the_rules_once_and_no_card_twice(self):
-        self.ready()
-        self.run_well(PROMPT)
+    @once
+    def session(self):
+        """Five prompts, a compaction, and one more, each in a process that goes on with the session."""
+        self.trial.set_up()
+        runs = [self.run_well(PROMPT)]
         for word in ("again", "and again", "once more", "and now"):
-            last = self.run_next(f"{word}: {PROMPT}")
-        self.assertSaid(last, {RULE: 1, CARD: 1, PROJECT_RULE: 1, PROJECT_CARD: 1})
-        self.assertTrue(last.conversation[-1].says(f"and now: {PROMPT}"))
+            runs.append(self.run_next(f"{word}: {PROMPT}"))
+        self.stage.compact()
+        return runs, self.run_next(f"at last: {PROMPT}"), self.stage.log()
 
-    def run_next(self, prompt):
-        """The next prompt of the session, not within the time in which calls are one prompt."""
-        time.sleep(5.2)
-        return self.run_well(prompt, again=True)
+    def test_a_session_of_five_prompts_brings_the_rules_once_and_no_card_twice(self):
+        runs, _, _ = self.session()
+        self.assertSaid(runs[-1], {RULE: 1, CARD: 1, PROJECT_RULE: 1, PROJECT_CARD: 1})
+        for word in ("again", "and now"):
+            self.assertTrue(runs[-1].conversation[-1].says(f"{word}: {PROMPT}"))
+
+    def test_a_compaction_brings_rules_and_cards_once_more(self):
+        _, last, log = self.session()
+        self.assertSaid(last, {RULE: 1, CARD: 1, PROJECT_RULE: 1, PROJECT_CARD: 1})
+        self.assertIn("card=1", log[-1], "the rules came as a pointer: nothing was compacted")
+
+    # --- Two levels
+
+    def doubled(self):
+        self.trial.set_up()
+        self.stage.install_in_project()
+        ran = self.run_well(PROMPT)
+        report = json.loads(self.stage.quillstead("doctor", "--json", self.stage.name, check=False).stdout)
+        check, = [each for each in report["checks"] if each["id"].endswith(".double")]
+        return ran, check
 
     # --- What is broken
 
-    def assertGoesThrough(self, within):
-        """The prompt is answered, and not much later than it would be with nothing of ours."""
-        bare = min(self.bare_run().seconds for _ in range(2))
-        ran = self.run_well(PROMPT)
-        self.assertTrue(ran.conversation[-1].says(PROMPT))
-        print(f"    {self.harness.name}: {ran.seconds:.1f} s, {bare:.1f} s without the hook", flush=True)
-        self.assertLess(ran.seconds, 2 * bare + within)
-        return ran
-
-    def bare_run(self):
-        with self.harness(self.binaries, self.packages, self.model) as bare:
-            ran = bare.run(PROMPT)
-            self.assertEqual(ran.status, 0, ran.output)
-            return ran
+    @once
+    def prompt_without_us(self):
+        return self.run_well(PROMPT), str(self.stage.home)
 
     def break_program(self, name, text):
         """Puts something else in the place of one of our programs, for this trial alone."""
         place = self.stage.home / "bin"
-        shutil.copytree(self.binaries, place, ignore=lambda _, names: [
+        shutil.copytree(self.stage.binaries, place, ignore=lambda _, names: [
             other for other in names if other not in ("quillstead", "quillstead-hook", "quillstead-mcp")])
         self.stage.binaries = place
-        self.ready()
+        self.trial.set_up()
         (place / name).unlink()
         if text is not None:
             (place / name).write_text(text)
             (place / name).chmod(0o755)
 
+    def goes_through(self):
+        """The prompt is answered; a harness that waits for what hangs meets the end of `Stage.run`."""
+        bare, _ = self.prompt_without_us()
+        ran = self.run_well(PROMPT)
+        self.notes.append(f"{ran.seconds:.1f} s, {bare.seconds:.1f} s without us")
+        self.assertTrue(ran.conversation[-1].says(PROMPT))
+        self.assertSaid(ran, {RULE: 0, CARD: 0})
+
+    def hangs(self):
+        """Until the trial is over."""
+        return f"#!/bin/sh\nwhile [ -e '{self.stage.home}' ]; do sleep 1; done\n"
+
     def test_a_prompt_goes_through_when_the_server_is_missing(self):
         self.break_program("quillstead-mcp", None)
-        self.assertSaid(self.assertGoesThrough(within=10), {RULE: 0, CARD: 0})
+        self.goes_through()
 
     def test_a_prompt_goes_through_when_the_server_crashes(self):
         self.break_program("quillstead-mcp", "#!/bin/sh\nkill -SEGV $$\n")
-        self.assertSaid(self.assertGoesThrough(within=10), {RULE: 0, CARD: 0})
+        self.goes_through()
 
     def test_a_prompt_goes_through_when_the_server_hangs(self):
-        self.break_program("quillstead-mcp", "#!/bin/sh\nexec sleep 60\n")
-        self.assertSaid(self.assertGoesThrough(within=self.patience_with_servers), {RULE: 0, CARD: 0})
-
-    patience_with_servers = 40  # the harness waits for its tools
+        self.break_program("quillstead-mcp", self.hangs())
+        self.goes_through()
 
     def test_a_prompt_goes_through_when_the_hook_is_missing(self):
         self.break_program("quillstead-hook", None)
-        self.assertSaid(self.assertGoesThrough(within=10), {RULE: 0, CARD: 0})
+        self.goes_through()
 
     def test_a_prompt_goes_through_when_the_hook_hangs(self):
-        self.break_program("quillstead-hook", "#!/bin/sh\nexec sleep 60\n")
-        self.assertSaid(self.assertGoesThrough(within=20), {RULE: 0, CARD: 0})
+        self.break_program("quillstead-hook", self.hangs())
+        self.goes_through()
 
-    # --- What it costs
 
-    def test_the_hook_adds_little_to_a_prompt(self):
-        self.ready()
-        self.run_well(PROMPT)
-        differences = []
-        with self.harness(self.binaries, self.packages, self.model) as bare:
-            for _ in range(self.pairs):
-                differences.append(self.until_asked(self.stage) - self.until_asked(bare))
-        median = statistics.median(differences)
-        print(f"    {self.harness.name}: the hook adds {1000 * median:.0f} ms to a prompt "
-              f"(median of {self.pairs} pairs)", flush=True)
-        self.assertLess(median, 2.5)  # more than the hook's own limit would be a fault
+def wait_until(holds, seconds=60):
+    end = time.monotonic() + seconds
+    while not holds() and time.monotonic() < end:
+        time.sleep(0.1)
 
-    pairs = 3
 
-    def until_asked(self, stage):
-        start = time.monotonic()
-        ran = stage.run(PROMPT)
-        return ran.conversation[0].time - start
+def helpers_requests(model):
+    def asks(request, word):
+        return any(role == "user" and word in text for role, text in request.turns)
+    return [request for request in model.requests
+            if request.tools and asks(request, "LOOK-AROUND") and not asks(request, "SEND-HELP")]
 
 
 class InClaudeCode(Facts):
     harness = ClaudeCode
     entries = 3
     slots = ["index", "recall", "rules"]
+    refusal = "requested permissions to use mcp__quillstead__memory_add"
 
     def offers(self, request, name):
         return name in request.tools or request.says(name)  # listed by name, loaded by a search
 
-    def test_permissions_still_hold(self):
-        self.script["NOTE-IT"] = self.stage.calls_memory_add("the milk is blue")
-        self.stage.write(".claude/settings.json", "{}\n")
-        self.ready_without_project()
-        self.run_well("NOTE-IT please")
-        self.assertFalse([text for text in self.stage.cards() if "the milk is blue" in text])
+    def test_the_same_entry_at_two_levels_runs_once(self):
+        ran, check = self.doubled()
+        self.assertSaid(ran, {RULE: 1, CARD: 1})
+        self.assertEqual(len(self.stage.log()), self.entries)
+        self.assertEqual(check["status"], "ok", check)
 
     def test_the_notification_of_a_background_agent_brings_no_second_dose(self):
         self.script["SEND-HELP"] = [("Agent", {
             "description": "a helper", "prompt": "LOOK-AROUND for the kettle",
             "subagent_type": "general-purpose", "run_in_background": True})]
-        self.model.slow["LOOK-AROUND"] = 6  # longer than calls are taken for one prompt's
-        self.ready()
-        ran = self.run_well("SEND-HELP for the kettle and the canary")
-        last = ran.conversation[-1]
+        self.trial.model.slow["LOOK-AROUND"] = ONE_PROMPT
+        self.trial.set_up()
+        last = self.run_well("SEND-HELP for the kettle and the canary").conversation[-1]
         self.assertTrue(last.says("<task-notification>"))
         self.assertTrue(last.says("SEND-HELP"))
         self.assertEqual({text: last.count(text) for text in (RULE, CARD)}, {RULE: 1, CARD: 1})
@@ -246,17 +314,59 @@ class InCodex(Facts):
     harness = Codex
     entries = 1
     slots = []
+    refusal = "MCP tool call requires approval"
+
+    def offers(self, request, name):
+        return name.replace("quillstead__", "quillstead") in request.tools  # a name space, and a name
+
+    def test_the_notification_of_a_sub_agent_brings_no_second_dose(self):
+        _, model, log = self.prompt_with_a_helper()
+        last = model.requests[-1]
+        self.assertTrue(last.says("<subagent_notification>"))
+        self.assertTrue(last.says("SEND-HELP"))
+        self.assertEqual(last.count("<user-rules>"), 1)
+        self.assertEqual(len(log), 2, "one for the agent and one for the helper")
+
+    def test_an_entry_at_two_levels_runs_twice_and_doctor_says_so(self):
+        _, check = self.doubled()
+        self.assertEqual(len(self.stage.log()), 2)
+        self.assertEqual(check["status"], "warn", check)
+        self.assertIn(str(self.stage.project), check["fix"])
 
 
 class InOpenCode(Facts):
     harness = OpenCode
     entries = 1
     slots = []
+    refusal = "quillstead_memory_add.*auto-rejecting"
+
+    def test_a_plugin_at_two_levels_brings_memory_once_and_doctor_says_so(self):
+        ran, check = self.doubled()
+        self.assertSaid(ran, {RULE: 1, CARD: 1})
+        self.assertEqual(check["status"], "warn", check)
+        self.assertIn(str(self.stage.project), check["fix"])
 
     def test_the_request_for_a_title_carries_no_memory(self):
-        self.ready()
-        ran = self.run_well(PROMPT)
+        ran, _, _ = self.first_prompt()
         titles = [request for request in ran.requests if not request.tools]
         self.assertTrue(titles, "no title was asked for")
         for request in titles:
             self.assertEqual({text: request.count(text) for text in (RULE, CARD)}, {RULE: 0, CARD: 0})
+
+    def test_what_the_model_has_in_its_cache_stays_as_it_was(self):
+        """Each request begins with the last one, and instructions are those of a prompt without us."""
+        runs, _, _ = self.session()
+        requests = [ran.conversation[-1].body["messages"] for ran in runs]
+        for earlier, later in zip(requests, requests[1:]):
+            self.assertEqual(later[:len(earlier)], earlier)
+        ours, _, home = self.first_prompt()
+        bare, bare_home = self.prompt_without_us()
+        self.assertEqual(instructions(ours, home), instructions(bare, bare_home))
+
+
+def instructions(ran, home):
+    """The system's text and the tools, without what names our server."""
+    request = ran.conversation[0]
+    texts = [text.replace(home, "~") for role, text in request.turns if role == "system"]
+    texts = [re.sub(r"\s*<mcp_instructions>.*</mcp_instructions>", "", text, flags=re.S) for text in texts]
+    return texts, [name for name in request.tools if not name.startswith("quillstead_")]

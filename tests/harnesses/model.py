@@ -7,7 +7,8 @@ It understands nothing. A script says what it "calls" when the newest prompt hol
 Each answer makes the next call of that list; after the last one it says "Done.". A call's name is the
 end of an offered tool's name, so "memory_add" finds "mcp__quillstead__memory_add". Arguments may be a
 function of the last tool's result. Every request is kept in `Model.requests`. `Model.slow` holds words
-whose prompts are answered only after some seconds.
+whose first request is answered only after some seconds. To a prompt with the word FILL-UP it says that
+its context is full.
 """
 
 import http.server
@@ -35,6 +36,16 @@ class Request:
             else:
                 turns.extend(_turns_of(message))
         return turns
+
+    @property
+    def newest(self):
+        """The last text of the user, or of what speaks for it."""
+        return next((text for role, text in reversed(self.turns) if role == "user"), "")
+
+    @property
+    def tokens(self):
+        """How many the request is said to have had."""
+        return 100_000 if self.tools and "FILL-UP" in self.newest else 10
 
     @property
     def tools(self):
@@ -113,7 +124,7 @@ def _messages(request, call):
         block, delta = {"type": "text", "text": ""}, {"type": "text_delta", "text": "Done."}
     message = {"id": f"msg_{time.monotonic_ns()}", "type": "message", "role": "assistant", "content": [],
                "model": request.body.get("model", "stand-in"), "stop_reason": None, "stop_sequence": None,
-               "usage": {"input_tokens": 10, "output_tokens": 1}}
+               "usage": {"input_tokens": request.tokens, "output_tokens": 1}}
     if not request.body.get("stream"):
         content = dict(block, input=call[1]) if call else {"type": "text", "text": "Done."}
         return dict(message, content=[content], stop_reason="tool_use" if call else "end_turn")
@@ -141,7 +152,7 @@ def _responses(request, call):
         item = {"type": "message", "id": f"msg_{time.monotonic_ns()}", "role": "assistant",
                 "status": "completed", "content": [{"type": "output_text", "text": "Done.",
                                                     "annotations": []}]}
-    usage = {"input_tokens": 10, "output_tokens": 2, "total_tokens": 12,
+    usage = {"input_tokens": request.tokens, "output_tokens": 2, "total_tokens": request.tokens + 2,
              "input_tokens_details": {"cached_tokens": 0}, "output_tokens_details": {"reasoning_tokens": 0}}
     response = {"id": identifier, "object": "response", "status": "completed", "output": [item],
                 "usage": usage}
@@ -164,7 +175,7 @@ def _chat(request, call):
         delta = {"role": "assistant", "content": "Done."}
     ends = "tool_calls" if call else "stop"
     base = {"id": f"chatcmpl-{time.monotonic_ns()}", "created": 1, "model": "stand-in"}
-    usage = {"prompt_tokens": 10, "completion_tokens": 2, "total_tokens": 12}
+    usage = {"prompt_tokens": request.tokens, "completion_tokens": 2, "total_tokens": request.tokens + 2}
     if not request.body.get("stream"):
         return dict(base, object="chat.completion", usage=usage,
                     choices=[{"index": 0, "message": delta, "finish_reason": ends}])
@@ -189,8 +200,8 @@ class _Handler(http.server.BaseHTTPRequestHandler):
         request = Request(path, json.loads(body))
         model = self.server.model
         model.requests.append(request)
-        newest = next((text for role, text in reversed(request.turns) if role == "user"), "")
-        time.sleep(next((seconds for word, seconds in model.slow.items() if word in newest), 0))
+        word = next((word for word in model.slow if request.tools and word in request.newest), None)
+        time.sleep(model.slow.pop(word, 0))
         answer = api(request, next_call(request, model.script))
         return self._send_events(answer) if isinstance(answer, list) else self._send_json(answer)
 

@@ -1,6 +1,7 @@
 """The harness programs, installed from npm into a cache outside the build directory."""
 
 import hashlib
+import json
 import os
 import pathlib
 import platform
@@ -62,6 +63,13 @@ def native(packages, harness):
     if not found:
         raise SystemExit(f"{harness} has no program for this machine in {packages}")
     return str(found[0])
+
+
+def versions(packages):
+    """(package, version) of each."""
+    manifests = sorted([*packages.glob("*/package.json"), *packages.glob("@*/*/package.json")])
+    read = [json.loads(manifest.read_text()) for manifest in manifests]
+    return [(manifest.parent.name, each["version"]) for manifest, each in zip(manifests, read)]
 
 
 def megabytes(packages):

@@ -50,10 +50,7 @@ class Stage:
             "XDG_DATA_HOME": str(self.home / ".local/share")}
         self.configure()
 
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
+    def close(self):
         shutil.rmtree(self.home, ignore_errors=True)
 
     # --- What a user does
@@ -87,7 +84,7 @@ class Stage:
     def install(self):
         self.quillstead("install", self.name)
 
-    def run(self, prompt, again=False, timeout=120):
+    def run(self, prompt, again=False, timeout=600):
         """One prompt; `again`: in the session of the last one."""
         before = len(self.model.requests)
         start = time.monotonic()
@@ -95,6 +92,21 @@ class Stage:
                              capture_output=True, text=True, timeout=timeout, stdin=subprocess.DEVNULL)
         return Ran(ran.returncode, ran.stdout + ran.stderr, time.monotonic() - start,
                    self.model.requests[before:])
+
+    def seconds_until_asked(self, prompt):
+        """From the start of the program to its request of the conversation."""
+        start = time.monotonic()
+        return self.run(prompt).conversation[0].time - start
+
+    def compact(self):
+        """Has the harness compact its session. It does so by itself when its context is full."""
+        self.run("FILL-UP please", again=True)
+
+    def install_in_project(self):
+        """The entries of ours once more, for this project alone."""
+        for path, of_project in self.hook_entries().items():
+            (self.project / of_project).parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy(self.home / path, self.project / of_project)
 
     # --- What came of it
 
@@ -115,7 +127,11 @@ class Stage:
         raise NotImplementedError
 
     def hook_entries(self):
-        """Paths of the files that name the hook."""
+        """The file that names the hook, below the home, and the like of it below a project."""
+        raise NotImplementedError
+
+    def want_to_be_asked(self):
+        """Before `memory_add` runs."""
         raise NotImplementedError
 
     @property
@@ -142,8 +158,15 @@ class ClaudeCode(Stage):
     def command(self, prompt, again):
         return [self.program, "-p", prompt] + (["--continue"] if again else [])
 
+    def compact(self):
+        self.run("/compact", again=True)
+
     def hook_entries(self):
-        return [self.home / ".claude/settings.json"]
+        return {".claude/settings.json": ".claude/settings.json"}
+
+    def want_to_be_asked(self):
+        settings = self.home / ".claude/settings.json"
+        settings.write_text(settings.read_text().replace('"mcp__quillstead",', ""))
 
     def calls_memory_add(self, text):
         """Its tools of other servers have to be looked up before they can be called."""
@@ -160,8 +183,13 @@ class Codex(Stage):
     subagent_tool = "spawn_agent"
 
     def configure(self):
+        # Without its statistics it does not wait for the network at the end of each run.
         self.write(".codex/config.toml", f"""model = "stand-in"
 model_provider = "local"
+model_auto_compact_token_limit = 50000
+
+[analytics]
+enabled = false
 
 [model_providers.local]
 name = "local"
@@ -179,7 +207,11 @@ trust_level = "trusted"
                 "--dangerously-bypass-hook-trust", "--skip-git-repo-check", prompt]
 
     def hook_entries(self):
-        return [self.home / ".codex/hooks.json"]
+        return {".codex/hooks.json": ".codex/hooks.json"}
+
+    def want_to_be_asked(self):
+        with open(self.home / ".codex/config.toml", "a", encoding="utf-8") as file:
+            file.write('\n[mcp_servers.quillstead.tools.memory_add]\napproval_mode = "prompt"\n')
 
     def calls_memory_add(self, text):
         return [("memory_add", {"text": text})]
@@ -196,27 +228,41 @@ class OpenCode(Stage):
 
     def configure(self):
         self.write(".config/opencode/opencode.json", json.dumps(
-            {"model": "local/stand-in", "provider": {"local": {
+            {"model": "local/stand-in", "snapshot": False, "enabled_providers": ["local"], "provider": {"local": {
                 "npm": "@ai-sdk/openai-compatible", "name": "local",
                 "options": {"baseURL": self.url + "/v1", "apiKey": "stand-in"},
-                "models": {"stand-in": {"name": "stand-in"}}}}}, indent=2) + "\n")
-        # OpenCode fetches a package for plugins in TypeScript, and waits for a minute when it cannot.
-        # Ours needs none: here the package counts as there already.
-        needs = {"dependencies": {"@opencode-ai/plugin": "*"}}
-        self.write(".config/opencode/package.json", json.dumps(needs))
-        self.write(".config/opencode/package-lock.json", json.dumps({"packages": {"": needs}}))
-        (self.home / ".config/opencode/node_modules").mkdir()
+                "models": {"stand-in": {"name": "stand-in", "limit": {"context": 60000, "output": 1000}}}}}},
+            indent=2) + "\n")
+        self._say_that_packages_are_there(self.home / ".config/opencode")
         # The plugin sets no log: the user's environment names one, as `install` finds it elsewhere.
         self.environment.update(
             OPENCODE_DISABLE_AUTOUPDATE="1", OPENCODE_DISABLE_MODELS_FETCH="1",
+            OPENCODE_MODELS_PATH=str(self.write("models.json", "{}\n")),  # it takes long over its own list
             QUILLSTEAD_HOOK_LOG=str(self.home / ".local/state/quillstead/hook.log"))
         (self.home / ".local/state/quillstead").mkdir(parents=True)
 
     def command(self, prompt, again):
         return [self.program, "run", *(["--continue"] if again else []), prompt]
 
+    @staticmethod
+    def _say_that_packages_are_there(directory):
+        """OpenCode fetches one for plugins in TypeScript, and waits for a minute when it cannot."""
+        needs = {"dependencies": {"@opencode-ai/plugin": "*"}}
+        (directory / "node_modules").mkdir(parents=True)
+        (directory / "package.json").write_text(json.dumps(needs))
+        (directory / "package-lock.json").write_text(json.dumps({"packages": {"": needs}}))
+
+    def install_in_project(self):
+        super().install_in_project()
+        self._say_that_packages_are_there(self.project / ".opencode")
+
     def hook_entries(self):
-        return [self.home / ".config/opencode/plugins/quillstead.js"]
+        return {".config/opencode/plugins/quillstead.js": ".opencode/plugins/quillstead.js"}
+
+    def want_to_be_asked(self):
+        path = self.home / ".config/opencode/opencode.json"
+        path.write_text(json.dumps({**json.loads(path.read_text()),
+                                    "permission": {self.memory_tool: "ask"}}))
 
     def calls_memory_add(self, text):
         return [("memory_add", {"text": text})]
@@ -224,5 +270,3 @@ class OpenCode(Stage):
     def calls_subagent(self, prompt):
         return [("task", {"description": "a helper", "prompt": prompt, "subagent_type": "general"})]
 
-
-all_harnesses = [ClaudeCode, Codex, OpenCode]

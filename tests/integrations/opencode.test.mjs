@@ -70,6 +70,13 @@ test("a message gets the memory as a hidden part behind its own", async () => {
   assert.ok(output.parts[0].id < output.parts[1].id);
 });
 
+test("a message that has its memory already, from the plugin at another level, gets it once", async () => {
+  const output = message("what do I drink?");
+  await (await plugin())["chat.message"]({ sessionID: "s1" }, output);
+  await (await plugin())["chat.message"]({ sessionID: "s1" }, output);
+  assert.equal(output.parts.length, 2);
+});
+
 test("only the conversation's own request shows the memory, and the stored message stays as it is", async () => {
   const stored = message("what do I drink?");
   const ours = await plugin();
