@@ -39,8 +39,9 @@ class Request:
 
     @property
     def newest(self):
-        """The last text of the user, or of what speaks for it."""
-        return next((text for role, text in reversed(self.turns) if role == "user"), "")
+        """The user's last prompt: what harnesses and hooks put behind it begins with a tag."""
+        prompts = [text for role, text in self.turns if role == "user" and not text.startswith("<")]
+        return prompts[-1] if prompts else ""
 
     @property
     def tokens(self):
