@@ -41,6 +41,15 @@ static_assert(std::atomic<bool>::is_always_lock_free);
 
 extern "C" void endOnFault(int /*signal*/) { end(); }
 
+/// What a fault signal does.
+struct sigaction ending() {
+  struct sigaction action {};
+  action.sa_handler = endOnFault;
+  action.sa_flags = SA_ONSTACK;
+  sigemptyset(&action.sa_mask);
+  return action;
+}
+
 bool isArmed() { return renderedLength > 0; }
 
 void render(std::string_view silence) {
@@ -63,15 +72,13 @@ void arm(std::optional<std::string_view> silence) {
   render(*silence);
   useAlternateStack();
   OS::detachExceptionPorts();
-  for (const int signal : faultSignals) installHandler(signal);
+  const struct sigaction action = ending();
+  for (const int signal : faultSignals) sigaction(signal, &action, nullptr);
   OS::unblock(faultSignals);
 }
 
 void installHandler(int signal) {
-  struct sigaction action {};
-  action.sa_handler = endOnFault;
-  action.sa_flags = SA_ONSTACK;
-  sigemptyset(&action.sa_mask);
+  const struct sigaction action = ending();
   sigaction(signal, &action, nullptr);
 }
 
