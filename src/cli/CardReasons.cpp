@@ -31,7 +31,7 @@ std::set<std::string> wordsOf(const server::Card& card) {
   std::set<std::string> words;
   for (std::string_view rest = indexed; !rest.empty();) {
     const std::string_view word = rest.substr(0, rest.find(' '));
-    words.emplace(word);
+    words.insert(server::Words::lowered(word));
     rest.remove_prefix(std::min(rest.size(), word.size() + 1));
   }
   return words;

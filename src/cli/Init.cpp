@@ -16,12 +16,13 @@ namespace {
 int make(const std::string& root, PersonalStore::Audience audience, const Context& context) {
   switch (PersonalStore::make(root, audience)) {
     case PersonalStore::Outcome::made:
-      context.console.print(root +
-                            ": made. Write your rules into rules.md, and a card a file into "
-                            "memory/.\n");
+      context.console.print(
+          root +
+          ": created. Write your rules into rules.md, and your cards, one per file, into "
+          "memory/.\n");
       return EXIT_SUCCESS;
     case PersonalStore::Outcome::wasThere:
-      context.console.print(root + ": is there already.\n");
+      context.console.print(root + ": exists already.\n");
       return EXIT_SUCCESS;
     case PersonalStore::Outcome::failed:
       break;

@@ -174,11 +174,11 @@ std::string text(const Brought& brought, const Console& console) {
   if (brought.parts.empty()) text += "The agent gets nothing.\n\n";
   text += reasonsText(brought, console);
   if (brought.cardsCut > 0) {
-    text += console.coloured(Colour::yellow, "Cut for the budget: ") +
+    text += console.coloured(Colour::yellow, "Cut to fit the budget: ") +
             std::to_string(brought.cardsCut) + (brought.cardsCut == 1 ? " card\n" : " cards\n");
   }
   for (const std::string& miss : brought.missed) {
-    text += console.coloured(Colour::yellow, "Did not come: ") + Wording::harmless(miss) + "\n";
+    text += console.coloured(Colour::yellow, "Missing: ") + Wording::harmless(miss) + "\n";
   }
   return text +
          console.coloured(Colour::faint, "Trail: " + Wording::harmless(Wording::joined(

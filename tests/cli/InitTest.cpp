@@ -24,7 +24,7 @@ TEST(Init, MakesAPersonalStoreThatHoldsNothingYet) {
   const test::MadeUpHome home;
   const auto end = home.run({"init"});
   EXPECT_EQ(end.status, 0);
-  EXPECT_THAT(end.output, HasSubstr(home.path(".quillstead") + ": made"));
+  EXPECT_THAT(end.output, HasSubstr(home.path(".quillstead") + ": created"));
   constexpr mode_t onlyForTheUser = 0700;
   EXPECT_EQ(modeOf(home.path(".quillstead")), onlyForTheUser);
   EXPECT_EQ(modeOf(home.path(".quillstead/memory")), onlyForTheUser);
@@ -37,10 +37,10 @@ TEST(Init, MakesAPersonalStoreThatHoldsNothingYet) {
 TEST(Init, LeavesWhatIsThere) {
   const test::MadeUpHome home;
   home.write(".quillstead/rules.md", "- Mine.\n");
-  EXPECT_THAT(home.run({"init"}).output, HasSubstr(": made"));
+  EXPECT_THAT(home.run({"init"}).output, HasSubstr(": created"));
   const auto end = home.run({"init"});
   EXPECT_EQ(end.status, 0);
-  EXPECT_THAT(end.output, HasSubstr("is there already"));
+  EXPECT_THAT(end.output, HasSubstr("exists already"));
   EXPECT_EQ(unit::contentsOf(home.path(".quillstead/rules.md")), "- Mine.\n");
 }
 

@@ -83,6 +83,11 @@ TEST_F(Recall, ShowsTheTextsTheirSizeAndWhyEachCardCame) {
   EXPECT_THAT(end.output, Not(HasSubstr("\x1B")));
 }
 
+TEST_F(Recall, NamesTheWordsThatMatchedInWhateverCase) {
+  home.write(".quillstead/memory/tea.md", "# Earl Grey\n\nIn the afternoon.\n");
+  EXPECT_THAT(recall({"--json", "earl", "GREY"}).output, HasSubstr(R"("words":["earl","grey"])"));
+}
+
 TEST_F(Recall, TellsScriptsTheSame) {
   for (const HarnessFacts& facts : harnessFacts()) {
     const std::string& harness = facts.name;
@@ -131,7 +136,7 @@ TEST_F(Recall, ShowsWhatTheBudgetCut) {
   EXPECT_LE(told.number("bytes"), 8'000);
   EXPECT_THAT(recall({"--harness", "cursor", "parrot"}).output,
               ::testing::AllOf(HasSubstr("; left out, the budget is full\n"),
-                               HasSubstr("Cut for the budget: ")));
+                               HasSubstr("Cut to fit the budget: ")));
 }
 
 TEST_F(Recall, TakesWordsThatAreCommandsForThePrompt) {

@@ -78,7 +78,7 @@ TEST_F(Trust, NeedsAProject) {
 TEST_F(Trust, ComesWithAProjectStoreOfOnesOwn) {
   const auto end = runIn("shop/src", {"init", "--project"});
   EXPECT_EQ(end.status, 0) << end.error;
-  EXPECT_THAT(end.output, HasSubstr(home.path("shop/.quillstead") + ": made"));
+  EXPECT_THAT(end.output, HasSubstr(home.path("shop/.quillstead") + ": created"));
   EXPECT_TRUE(fs::is_directory(home.path("shop/.quillstead/memory")));
   home.write("shop/.quillstead/rules.md", "- The shop's.\n");
   EXPECT_THAT(recalled(), HasSubstr("The shop's."));

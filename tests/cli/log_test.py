@@ -240,7 +240,7 @@ class LogTest(unittest.TestCase):
                       "shortcut=MISS:none | parse 0 rules 12 cards 1230 compose 0 write 0 residual 5\n"
                       "2026-11-18T03:38:33.123+00:00 47ms cards=MISS:timeout | parse 0 residual 47\nfoo\n")
         text = self.run_log().stdout
-        for part in (": 3 lines, 2026-11-16 to 2026-11-18, 1 of them not the hook's, or cut\n",
+        for part in (": 3 lines, 2026-11-16 to 2026-11-18, 1 of them incomplete or not the hook's\n",
                      "Slot recall: 1 prompt, 1 with rules, 1 with cards, 1 with cards cut\n",
                      "  whole run        1,247     1,247     1,247\n", "  cards=MISS:timeout  1\n",
                      "Rules and memory together: 1 prompt, 0 with rules"):

@@ -77,7 +77,9 @@ std::string heading(const LogFigures& figures, const std::string& path) {
               " to " + LogReport::day(std::chrono::floor<std::chrono::days>(*figures.last));
   }
   if (figures.older > 0) counts += "; " + number(figures.older) + " lines are older";
-  if (figures.foreign > 0) counts += "; " + number(figures.foreign) + " are not the hook's, or cut";
+  if (figures.foreign > 0) {
+    counts += "; " + number(figures.foreign) + " are incomplete or not the hook's";
+  }
   return text + paragraph(counts + ".");
 }
 
@@ -128,13 +130,13 @@ std::string rendered(const LogFigures& figures, const std::string& path) {
   page += "<div class=\"plots\">\n";
   page += section("Time of a run, by day",
                   paragraph("Milliseconds. <span class=\"key key-median\"></span>median"
-                            "<span class=\"key key-p95\"></span>95 % took no longer") +
+                            "<span class=\"key key-p95\"></span>95th percentile") +
                       Plots::days(figures.days));
   page += section("How long runs took",
-                  paragraph("Runs, by the milliseconds that they took at least.") +
+                  paragraph("Number of runs, by their duration in milliseconds.") +
                       Plots::durations(figures.whole));
-  page += section("What did not come", paragraph("Prompts that lack something, by what and why.") +
-                                           Plots::misses(shownMisses(figures)));
+  page += section("Missing parts", paragraph("Prompts with missing parts, by part and reason.") +
+                                       Plots::misses(shownMisses(figures)));
   for (const auto& [name, slot] : figures.inOrder()) page += tableOf(name, *slot);
   return page + "</div>\n</body>\n</html>\n";
 }

@@ -81,7 +81,7 @@ std::string text(const LogFigures& figures, const std::string& path, const Conso
   }
   if (figures.older > 0) text += ", " + Wording::grouped(figures.older) + " of them older";
   if (figures.foreign > 0)
-    text += ", " + Wording::grouped(figures.foreign) + " of them not the hook's, or cut";
+    text += ", " + Wording::grouped(figures.foreign) + " of them incomplete or not the hook's";
   text += "\n";
   const auto slots = figures.inOrder();
   for (const auto& [name, slot] : slots) text += textOf(name, *slot, console);

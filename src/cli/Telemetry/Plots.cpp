@@ -171,7 +171,7 @@ std::string durations(const Quantiles& whole) {
 }
 
 std::string misses(const std::vector<std::pair<std::string, std::int64_t>>& kinds) {
-  if (kinds.empty()) return "<p>Nothing was missed.</p>\n";
+  if (kinds.empty()) return "<p>Nothing was missing.</p>\n";
   constexpr double rowHeight = 34;
   constexpr double barHeight = 10;
   constexpr double numbers = 60;  ///< room beside the longest bar
@@ -187,7 +187,7 @@ std::string misses(const std::vector<std::pair<std::string, std::int64_t>>& kind
     content += text(wide + 5, y + 26, "start", Wording::grouped(times));
     y += rowHeight;
   }
-  return svg("What did not come, and how often", y, content);
+  return svg("Missing parts, and how often", y, content);
 }
 
 std::string escaped(std::string_view text) {

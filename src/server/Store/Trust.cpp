@@ -78,7 +78,7 @@ std::optional<std::string> Trust::coverOf(std::string_view path) const {
 
 Trust::Outcome Trust::add(const OS::Environment& environment, const std::string& directory) {
   const auto canonical = OS::canonicalPath(directory);
-  if (!canonical || !isDirectory(*canonical)) return Refused{directory + " is no directory"};
+  if (!canonical || !isDirectory(*canonical)) return Refused{directory + " is not a directory"};
   const std::string project = projectOf(*canonical);
   if (project.find_first_of("\r\n") != std::string::npos) {
     return Refused{directory + " cannot be a line of a file"};

@@ -84,7 +84,7 @@ std::variant<Lines, Unusable> linesIn(const Place& place, const OS::Environment&
   if (none) return Unusable{path + " cannot be read"};
   const auto& content = std::get<OS::FileContent>(read);
   if (content.ownership != OS::Ownership::ours) {
-    return Unusable{path + " is not the user's alone to write"};
+    return Unusable{path + " can be written by other users"};
   }
   Lines lines;
   for (std::string_view rest = content.bytes; !rest.empty();) {

@@ -19,7 +19,7 @@ std::optional<std::string> Arguments::string(std::string_view name) {
   if (!value.exists()) return std::nullopt;
   const auto given = value.string();
   if (!given || given->find('\0') != std::string_view::npos) {
-    complain(name, "a string without zero characters");
+    complain(name, "a string without NUL characters");
     return std::nullopt;
   }
   return std::string(*given);

@@ -23,8 +23,8 @@ const Store* storeFor(const Scope& scope, std::optional<Store::Kind> wanted) {
 /// Why there is no such store.
 std::string_view whyNone(const Scope& scope, std::optional<Store::Kind> wanted) {
   if (wanted != Store::Kind::project) {
-    return "There is no place for personal memory: no home directory is known, or everybody may "
-           "write the directory of memory.";
+    return "There is no place for personal memory: the home directory is not known, or everyone "
+           "can write to the directory of memory.";
   }
   if (scope.projectLeftOut) return projectLeftOutNote;
   return "There is no project here: no directory .quillstead in the working directory or above it.";
