@@ -3,6 +3,8 @@
 #include "contract/Contract.h"
 #include "server/Shown.h"
 
+#include <utility>
+
 namespace quillstead::server {
 
 namespace {
@@ -13,6 +15,19 @@ constexpr std::size_t mostPassedOver = 20;
 std::string headingFor(std::size_t total) {
   return "Memory holds " + std::to_string(total) + (total == 1 ? " card" : " cards") +
          " (`grab` reads one by its title):";
+}
+
+std::string lineFor(const std::string& title) { return "\n- " + Shown::line(title); }
+
+/// The list of all titles, when it has at most `limit` bytes.
+std::optional<std::string> whole(const Titles& titles, std::size_t limit) {
+  if (titles.newest.size() < titles.total) return std::nullopt;
+  std::string text = headingFor(titles.total);
+  for (const std::string& title : titles.newest) {
+    text += lineFor(title);
+    if (text.size() > limit) return std::nullopt;
+  }
+  return text;
 }
 
 std::string remainder(std::size_t count) {
@@ -49,11 +64,13 @@ void RulesBlock::closeHeadWith(std::string_view note) {
 }
 
 std::string RulesBlock::index(const Titles& titles, std::size_t limit) {
+  if (titles.newest.empty()) return {};
+  if (auto all = whole(titles, limit)) return std::move(*all);
   std::string text = headingFor(titles.total);
   std::size_t shown = 0;
   std::size_t passedOver = 0;
   for (const std::string& title : titles.newest) {
-    const std::string line = "\n- " + Shown::line(title);
+    const std::string line = lineFor(title);
     const std::size_t left = titles.total - shown - 1;
     if (text.size() + line.size() + remainder(left).size() <= limit) {
       text += line;

@@ -106,6 +106,21 @@ TEST_P(HookWithServer, IsGivenRulesThatFitItHoweverLongTheyAre) {
   EXPECT_THAT(answered("index", "x"), HasSubstr("- Heron"));
 }
 
+TEST_P(HookWithServer, IsGivenTheUsersOwnRulesHoweverLongTheProjectsAre) {
+  std::string many;
+  while (many.size() < 30'000) many += "- A rule of the project.\n";
+  stage.writeProjectCard("gull.md", "# Gull");
+  for (const std::string& rules : {many, std::string(30'000, 'x')}) {
+    stage.write("project/.quillstead/rules.md", rules);
+    for (const char* const slot : {"rules", ""}) {
+      const std::string given = answered(slot, "where is the heron?");
+      EXPECT_THAT(given, ::testing::StartsWith("<user-rules>\n- Personal – größer.\n"));
+      EXPECT_THAT(given, HasSubstr(" left out here; the tool `rules_get` gives all of them.)"));
+      EXPECT_LE(given.substr(0, given.find("</user-rules>")).size(), 28'000U);
+    }
+  }
+}
+
 TEST_P(HookWithServer, FindsTheServersRepliesInOrder) {
   EXPECT_THAT(answered("", "where is the heron?"), HasSubstr("Personal – größer"));
   EXPECT_THAT(logged(), HasSubstr(" card=1 rules=1 cards=1 |"));

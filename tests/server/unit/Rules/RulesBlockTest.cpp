@@ -39,6 +39,13 @@ TEST(RulesBlock, KeepsEveryLimitAndTellsHowManyAreMissing) {
   }
 }
 
+TEST(RulesBlock, TakesNoMoreRoomForAListThanItNeeds) {
+  for (const std::size_t count : {1U, 2U, 3U, 9U, 10U, 11U, 40U, 1'000U}) {
+    const std::string index = RulesBlock::index(numbered(count), 6'000);
+    EXPECT_EQ(RulesBlock::index(numbered(count), index.size()), index) << count;
+  }
+}
+
 TEST(RulesBlock, CountsCardsWhoseTitlesItWasNotGiven) {
   Titles titles = numbered(2);
   titles.total = 10'000;
