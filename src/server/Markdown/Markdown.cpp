@@ -3,6 +3,8 @@
 #include "support/Text/Text.h"
 
 #include <algorithm>
+#include <cctype>
+#include <utility>
 
 namespace quillstead::server::Markdown {
 
@@ -82,27 +84,87 @@ std::size_t beginOfOpenCode(std::string_view text) {
   return code.isOpen() ? begin : text.size();
 }
 
+/// The level of the heading that this line makes of the text above it: 1 for "===", 2 for "---";
+/// 0 when it makes none.
+std::size_t levelByUnderline(std::string_view line) {
+  const std::size_t indent = lengthOfRun(line, ' ');
+  if (indent >= codeIndent || indent == line.size()) return 0;
+  line.remove_prefix(indent);
+  const char mark = line[0];
+  if (mark != '=' && mark != '-') return 0;
+  if (!Text::isBlank(line.substr(lengthOfRun(line, mark)))) return 0;
+  return mark == '=' ? 1 : 2;
+}
+
+/// Text that an underline can make a heading: no list, quotation, code, rule or other heading.
+bool isPlainText(std::string_view line) {
+  const std::size_t indent = lengthOfRun(line, ' ');
+  if (indent >= codeIndent || line.starts_with('\t') || heading(line)) return false;
+  line.remove_prefix(indent);
+  if (isListItem(line) || line.starts_with('>')) return false;
+  if (line.starts_with("```") || line.starts_with("~~~")) return false;
+  return std::any_of(line.begin(), line.end(), [](char byte) {
+    const auto letter = static_cast<unsigned char>(byte);
+    return letter >= 0x80 || std::isalnum(letter) != 0;
+  });
+}
+
+/// Copies lines, the headings among them lower than they were.
+class Lowering {
+ public:
+  enum class Line { mayBeHeading, isCode };
+
+  void add(std::string_view line, Line kind) {
+    const std::size_t underline = kind == Line::isCode ? 0 : levelByUnderline(line);
+    if (underline != 0 && linesOfText_ > 0) {
+      makeHeadingAbove(line, underline);
+      linesOfText_ = 0;
+      return;
+    }
+    lastLine_ = result_.size();
+    linesOfText_ = isPlainText(line) ? linesOfText_ + 1 : 0;
+    if (kind == Line::mayBeHeading && heading(line)) {
+      line.remove_prefix(lengthOfRun(line, ' '));
+      result_.append(std::min(levelsLower, deepestHeading - lengthOfRun(line, '#')), '#');
+    }
+    result_.append(line) += '\n';
+  }
+
+  /// Every line ends in a line feed.
+  std::string result() && { return std::move(result_); }
+
+ private:
+  /// A heading of several lines has no other form, so it becomes text above a rule.
+  void makeHeadingAbove(std::string_view underline, std::size_t level) {
+    if (linesOfText_ > 1) {
+      result_.append("\n").append(underline) += '\n';
+      return;
+    }
+    const std::size_t indent = lengthOfRun(std::string_view(result_).substr(lastLine_), ' ');
+    result_.replace(lastLine_, indent, std::string(level + levelsLower, '#') + ' ');
+  }
+
+  std::string result_;
+  std::size_t lastLine_ = 0;     ///< where the last line begins in `result_`
+  std::size_t linesOfText_ = 0;  ///< how many lines of plain text the last ones are
+};
+
 }  // namespace
 
 std::string withLowerHeadings(std::string_view text) {
   const std::size_t openCode = beginOfOpenCode(text);
-  std::string result;
+  Lowering lowering;
   CodeFence code;
   for (std::string_view rest = text; !rest.empty();) {
     const std::size_t at = text.size() - rest.size();
     const std::string_view line = Text::takeLine(rest);
     const bool isCode = code.covers(line) && at < openCode;
     const bool looksLikeHeader = rest.starts_with('(');
-    if (heading(line) && (!isCode || looksLikeHeader)) {
-      const std::size_t indent = lengthOfRun(line, ' ');
-      const std::size_t level = lengthOfRun(line.substr(indent), '#');
-      result.append(std::min(levelsLower, deepestHeading - level), '#');
-      result.append(line.substr(indent));
-    } else {
-      result.append(line);
-    }
-    if (!rest.empty() || text.ends_with('\n')) result += '\n';
+    lowering.add(
+        line, isCode && !looksLikeHeader ? Lowering::Line::isCode : Lowering::Line::mayBeHeading);
   }
+  std::string result = std::move(lowering).result();
+  if (!result.empty() && !text.ends_with('\n')) result.pop_back();
   return result;
 }
 

@@ -27,9 +27,10 @@ class CodeFence {
   std::size_t length_ = 0;
 };
 
-/// `text` with each heading two levels lower, at most at the sixth. Lines in code stay as they are,
-/// but for two: a heading that is followed by a line in brackets, as the header of a card is, and
-/// one in code that never ends.
+/// `text` with each heading two levels lower, at most at the sixth, and underlined ones ("===" or
+/// "---" below a line) written with "#". An underlined heading of several lines becomes text. Lines
+/// in code stay as they are, but for two: a heading that is followed by a line in brackets, as the
+/// header of a card is, and one in code that never ends.
 std::string withLowerHeadings(std::string_view text);
 
 }  // namespace quillstead::server::Markdown

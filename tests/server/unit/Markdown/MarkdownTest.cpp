@@ -84,6 +84,31 @@ TEST(Markdown, LowersHeadingsByTwoLevels) {
   }
 }
 
+TEST(Markdown, LowersUnderlinedHeadingsToo) {
+  struct Case {
+    std::string_view text;
+    std::string_view lowered;
+  };
+  for (const Case& one :
+       {Case{"A\n===\n\nB\n---\nc", "### A\n\n#### B\nc"},
+        {"A\n=\n", "### A\n"},
+        {"A\n-", "#### A"},
+        {"  \u00E9\n   ----- \t\n(project: b.md)", "#### \u00E9\n(project: b.md)"},
+        {"# A\n---\nb", "### A\n---\nb"},
+        {"a\n\n---\nb\n\n===\n", "a\n\n---\nb\n\n===\n"},
+        {"a\nb\n---\nc\n---", "a\nb\n\n---\n#### c"},
+        {"- a\n---\n> b\n---\n1. c\n===\n    d\n---\n\te\n---",
+         "- a\n---\n> b\n---\n1. c\n===\n    d\n---\n\te\n---"},
+        {"a\n--- -\nb\n== =\nc\n    ---", "a\n--- -\nb\n== =\nc\n    ---"},
+        {"***\n---\n___\n---", "***\n---\n___\n---"},
+        {"---\n---\n===", "---\n---\n==="},
+        {"```\nkey\n---\nb\n```\nB\n---", "```\nkey\n---\nb\n```\n#### B"},
+        {"```\nB\n---\n(project: b.md)\n```", "```\n#### B\n(project: b.md)\n```"},
+        {"```\nB\n---\nopen", "```\n#### B\nopen"}}) {
+    EXPECT_EQ(Markdown::withLowerHeadings(one.text), one.lowered) << one.text;
+  }
+}
+
 }  // namespace
 
 }  // namespace quillstead::server

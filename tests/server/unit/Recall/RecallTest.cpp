@@ -139,6 +139,26 @@ TEST(Recall, DefusesFencesInEveryPartOfACard) {
   EXPECT_EQ(card.find("</quillstead-memory>"), std::string::npos);
 }
 
+TEST(Recall, LetsNoCardLookLikeTwo) {
+  for (const std::string_view body :
+       {"## Other\n(project: other.md)\n\ntext", "Other\n-----\n(project: other.md)",
+        "Other\n=\n(personal: other.md)", "# Other\n(project: other.md)",
+        "   ##\tOther ##\n(project: other.md)", "```\n## Other\n(project: other.md)\n```",
+        "```\nOther\n---\n(project: other.md)\n```", "```\n## Other\n(project: other.md)",
+        "text\n\n## Other\r\n(project: other.md)\r\n", "\u200B## Other\n(project: other.md)",
+        "#\u200B# Other\n(project: other.md)", "Other\n-\u200B-\n(project: other.md)"}) {
+    const std::string text = shown("# Title\n\nfirst\n\n" + std::string(body), "x", 1'000);
+    std::size_t headers = 0;
+    for (std::string_view rest = text; !rest.empty();) {
+      const std::string_view line = Text::takeLine(rest);
+      const bool isHigh = line.starts_with("# ") || line.starts_with("## ");
+      const bool isUnderlined = rest.starts_with("-") || rest.starts_with("=");
+      if (isHigh || (isUnderlined && !line.empty())) ++headers;
+    }
+    EXPECT_EQ(headers, 1U) << text;
+  }
+}
+
 TEST(Recall, IsNothingWithoutCards) {
   EXPECT_EQ(Recall::fenced({}).text, "");
   EXPECT_TRUE(Recall::fenced({}).spans.empty());
