@@ -29,7 +29,8 @@ bool isThere(const std::string& path) {
 }  // namespace
 
 Outcome make(const std::string& root, Audience audience) {
-  const mode_t mode = audience == Audience::user ? 0700 : 0755;
+  const bool isForTheUser = audience == Audience::user;
+  const mode_t mode = isForTheUser ? 0700 : 0755;
   const std::string cards = root + "/memory";
   bool isChanged = !isThere(cards);
   if (isChanged && !OS::makeDirectories(cards, mode)) return Outcome::failed;
@@ -37,7 +38,8 @@ Outcome make(const std::string& root, Audience audience) {
   const OS::Descriptor directory = OS::openDirectory(root, OS::Links::followed);
   if (!directory.isOpen()) return Outcome::failed;
   if (!isThere(root + "/rules.md")) {
-    const auto created = OS::AtomicFile::create(directory, "rules.md", emptyRules);
+    const mode_t rulesMode = isForTheUser ? OS::AtomicFile::onlyForTheUser : OS::AtomicFile::forAll;
+    const auto created = OS::AtomicFile::create(directory, "rules.md", emptyRules, rulesMode);
     if (created == OS::AtomicFile::Outcome::failed) return Outcome::failed;
     isChanged = isChanged || created == OS::AtomicFile::Outcome::created;
   }

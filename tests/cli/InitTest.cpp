@@ -28,6 +28,7 @@ TEST(Init, MakesAPersonalStoreThatHoldsNothingYet) {
   constexpr mode_t onlyForTheUser = 0700;
   EXPECT_EQ(modeOf(home.path(".quillstead")), onlyForTheUser);
   EXPECT_EQ(modeOf(home.path(".quillstead/memory")), onlyForTheUser);
+  EXPECT_EQ(modeOf(home.path(".quillstead/rules.md")), mode_t{0600});
   EXPECT_TRUE(fs::is_empty(home.path(".quillstead/memory")));
   const std::string rules = unit::contentsOf(home.path(".quillstead/rules.md"));
   EXPECT_TRUE(rules.starts_with("<!--\n") && rules.ends_with("-->\n")) << rules;

@@ -62,6 +62,7 @@ class DoctorTest(unittest.TestCase):
         self.assertEqual(run.returncode, 0, run.stderr)
         (self.home / ".quillstead/rules.md").write_text("- Answer briefly.\n")
         (self.home / ".quillstead/memory/tea.md").write_text("# Tea\nNever coffee.\n")
+        (self.home / ".quillstead/memory/tea.md").chmod(0o600)
 
     def doctor(self, *harnesses):
         run = self.quillstead("doctor", "--json", *harnesses)
@@ -285,9 +286,19 @@ class DoctorTest(unittest.TestCase):
         (store / "memory/big.md").write_text("x" * 1_100_000)
         self.assert_check(self.doctor("cursor"), "store.personal", "warn", "zero.md", "big.md", "1 card of")
         shutil.rmtree(store / "memory")
-        (store / "memory").mkdir()
+        (store / "memory").mkdir(mode=0o700)
+        self.assert_check(self.doctor("cursor"), "store.personal", "ok")
         store.chmod(0o755)
-        self.assert_check(self.doctor("cursor"), "store.personal", "warn", "open to other users", "chmod go=")
+        self.assert_check(self.doctor("cursor"), "store.personal", "warn",
+                          f"{store} is open to other users", f"chmod -R go= {store}")
+        store.chmod(0o700)
+        for name in ("one.md", "two.md", "three.md"):
+            (store / "memory" / name).write_text("# Open\n")
+            (store / "memory" / name).chmod(0o640)
+        self.assert_check(self.doctor("cursor"), "store.personal", "warn",
+                          f"{store}/memory/one.md and 2 more are open to other users")
+        subprocess.run(["/bin/sh", "-c", f"chmod -R go= {store}"], check=True)
+        self.assert_check(self.doctor("cursor"), "store.personal", "ok")
 
     def test_a_project_that_is_not_trusted(self):
         self.install()

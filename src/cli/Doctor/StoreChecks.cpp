@@ -4,6 +4,7 @@
 #include "cli/Wording.h"
 #include "hook/Harness/Harnesses.h"
 #include "server/Rules/Rules.h"
+#include "server/Store/PrivateFiles.h"
 #include "server/Store/Scope.h"
 #include "server/Store/StoreFiles.h"
 
@@ -79,17 +80,14 @@ void findTooLongRules(std::size_t size, const std::vector<std::string>& harnesse
   }
 }
 
-void findOpenModes(const std::string& root, Findings& findings) {
-  constexpr mode_t others = 077;
-  for (const std::string& path : {root, root + "/memory"}) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) == 0 && (status.st_mode & others) != 0) {
-      const std::string memory = root + "/memory";
-      findings.warn(path + " is open to other users",
-                    "chmod go= " + quotedWhereNeeded(root) + " " + quotedWhereNeeded(memory));
-      return;
-    }
-  }
+/// Says it once, however many files are open.
+void findOpenModes(const Store& store, Findings& findings) {
+  const auto open = server::PrivateFiles::widerThanPrivate(store);
+  if (open.empty()) return;
+  const std::string more =
+      open.size() == 1 ? " is" : " and " + std::to_string(open.size() - 1) + " more are";
+  findings.warn(Wording::plain(open.front().path) + more + " open to other users",
+                "chmod -R go= " + quotedWhereNeeded(store.root));
 }
 
 std::string contentOf(const Store& store, const Cards& cards, std::size_t rules) {
@@ -119,7 +117,7 @@ Check personal(const Context& context, const std::vector<std::string>& harnesses
   }
   const Cards cards = cardsOf(*scope.personal);
   const std::size_t rules = sizeOfRules(scope);
-  findOpenModes(scope.personal->root, findings);
+  findOpenModes(*scope.personal, findings);
   findLeftOut(*scope.personal, cards, findings);
   findTooLongRules(rules, harnesses, findings);
   Check check = findings.check("store.personal", "");
