@@ -10,12 +10,29 @@
 
 namespace quillstead::server {
 
+namespace {
+
+/// A line of at most so many bytes, its end counted, goes into a pipe at once.
+constexpr std::size_t longestLine = 4'096;
+
+/// `line`, which is UTF-8, cut at the border of a character.
+std::string cut(std::string line) {
+  constexpr std::string_view ellipsis = "…";
+  if (line.size() < longestLine) return line;
+  std::size_t end = longestLine - 1 - ellipsis.size();
+  while (Text::isContinuation(line[end])) --end;
+  line.resize(end);
+  return line.append(ellipsis);
+}
+
+}  // namespace
+
 void complain(std::string_view line) {
   constexpr std::size_t mostRemembered = 1'000;  // in a server that stays for weeks
   static std::set<std::string> written;
   if (written.size() >= mostRemembered) written.clear();
-  const auto [place, isNew] = written.insert("quillstead-mcp: " + Text::onOneLine(line));
-  if (isNew) OS::writeLine(STDERR_FILENO, *place);
+  const auto [place, isNew] = written.insert(cut("quillstead-mcp: " + Text::onOneLine(line)));
+  if (isNew) OS::writeIfRoom(STDERR_FILENO, *place + '\n');
 }
 
 }  // namespace quillstead::server
