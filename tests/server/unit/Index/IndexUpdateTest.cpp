@@ -228,17 +228,20 @@ TEST_F(LargeIndexUpdate, SeesEveryChangeOfANameAtOnce) {
   EXPECT_EQ(update(), IndexUpdate::Outcome::written);
   fs::remove(memory("2.md"));
   EXPECT_EQ(update(), IndexUpdate::Outcome::written);
-  // Somebody may set the directory's time back.
-  const auto time = fs::last_write_time(place / "store/memory");
-  std::this_thread::sleep_for(100ms);
-  while (update() == IndexUpdate::Outcome::written) {
-  }
-  fs::remove(memory("3.md"));
-  fs::last_write_time(place / "store/memory", time);
-  std::this_thread::sleep_for(100ms);
+  Database database = openIndex();
+  EXPECT_EQ(known(database), files - 1);
+}
+
+TEST_F(LargeIndexUpdate, SeesThatANameIsGoneThoughSomebodySetTheDirectorysTimeBack) {
+  const std::string memory = place / "store/memory";
+  const auto time = fs::last_write_time(memory);
+  fs::remove(memory + "/" + firstName());
+  fs::last_write_time(memory, time);
+  std::this_thread::sleep_for(100ms);  // until the directory's time is settled
+  turn = 1;                            // not the turn of the first name's part
   EXPECT_EQ(update(), IndexUpdate::Outcome::written);
   Database database = openIndex();
-  EXPECT_EQ(known(database), files - 2);
+  EXPECT_EQ(known(database), files - 1);
 }
 
 TEST_F(LargeIndexUpdate, LooksAtOnePartOnly) {

@@ -5,9 +5,17 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#if defined(__linux__)
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#endif
 
 #include <array>
 #include <cerrno>
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -112,6 +120,65 @@ INSTANTIATE_TEST_SUITE_P(BothWays, Beneath, ::testing::Values(&OS::openBeneath, 
                          [](const auto& given) {
                            return given.param == &OS::walkBeneath ? "ByWalking" : "ByTheSystem";
                          });
+
+#if defined(__linux__)
+
+/// From now on the system refuses this process one call.
+void refuse(std::uint32_t call, std::uint32_t error) {
+  std::array<sock_filter, 4> steps{
+      sock_filter BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+      sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 1),
+      sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error),
+      sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+  const sock_fprog filter{.len = steps.size(), .filter = steps.data()};
+  if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
+      prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0) {
+    unit::print("[no filter] ");
+  }
+}
+
+/// A directory with a file, and a link out of it.
+class BeneathOnLinux : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    fs::create_directories(place / "top/a");
+    unit::writeFile(place / "top/a/file", "text");
+    unit::writeFile(place / "secret", "secret");
+    fs::create_symlink("../secret", place / "top/out");
+  }
+
+  /// What becomes of the file and of the link when the system refuses a call.
+  [[nodiscard]] std::string openedWithout(std::uint32_t call, std::uint32_t error) const {
+    const OS::Descriptor top = OS::openDirectory(place / "top", OS::Links::followed);
+    return unit::inForkedProcess([&] {
+             refuse(call, error);
+             const bool inside = OS::openBeneath(top, "a/file", O_RDONLY).isOpen();
+             const bool outside = OS::openBeneath(top, "out", O_RDONLY).isOpen();
+             const bool told = errno == EXDEV;
+             unit::print(std::string(inside ? "opened" : "not opened") +
+                         (outside || !told ? ", the link too" : ", the link refused"));
+           })
+        .standardOutput;
+  }
+
+  unit::TemporaryDirectory place;
+};
+
+TEST_F(BeneathOnLinux, LeavesTheWholePathToTheKernelWhereItCan) {
+  if (syscall(SYS_openat2, -1, "", nullptr, 0) < 0 && errno == ENOSYS) {
+    GTEST_SKIP() << "this kernel has no openat2";
+  }
+  EXPECT_EQ(openedWithout(SYS_openat, EACCES), "opened, the link refused");
+}
+
+TEST_F(BeneathOnLinux, WalksWhereTheKernelOrAContainerRefusesTheCall) {
+  for (const std::uint32_t error : {ENOSYS, EPERM, EAGAIN}) {
+    EXPECT_EQ(openedWithout(SYS_openat2, error), "opened, the link refused") << error;
+  }
+  EXPECT_EQ(openedWithout(SYS_openat2, EACCES), "not opened, the link too");
+}
+
+#endif
 
 }  // namespace
 
