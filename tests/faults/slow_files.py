@@ -43,48 +43,47 @@ class SlowFiles(FaultTest):
         return os.path.join(self.directory, name)
 
     def prompt(self, number):
-        """The context for a prompt about one of the cards."""
-        result = run(arguments("codex"), prompt_payload("codex", "where is heron%d?" % number), self.env)
-        complaint = complaint_about_prompt("codex", result)
-        self.note("prompt", complaint)
-        return "" if complaint else answered_context("codex", result.output) or ""
+        """The context for a prompt about one of the cards. A prompt that ran out of time, as the log
+        then says, is asked again: a busy machine does that to any prompt, and a server that waits for
+        all files to every one."""
+        for _ in range(10):
+            self.forget(self.log)
+            result = run(arguments("codex"), prompt_payload("codex", "where is heron%d?" % number), self.env)
+            complaint = complaint_about_prompt("codex", result)
+            self.note("prompt", complaint)
+            with open(self.log) as log:
+                if "timeout" not in log.read():
+                    return "" if complaint else answered_context("codex", result.output) or ""
+        self.fail("ten prompts ran out of time")
+
+    def forget(self, path):
+        if os.path.exists(path):
+            os.remove(path)
 
     def cards_opened(self):
         with open(self.opened) as lines:
             return sum('.md"' in line and "rules.md" not in line for line in lines)
 
-    def first_prompt_has_rules(self):
-        """Without an index; again where a stalled machine took the time. A server that waits for all
-        files would take it each time."""
-        for _ in range(5):
-            shutil.rmtree(self.path("home/.cache"), ignore_errors=True)
-            if os.path.exists(self.opened):
-                os.remove(self.opened)
-            if RULE in self.prompt(0):
-                return True
-        return False
-
     def test_a_thousand_slow_files_leave_every_prompt_its_rules(self):
-        self.assertTrue(self.first_prompt_has_rules())
+        self.assertIn(RULE, self.prompt(0))
         opened_at_first = self.cards_opened()
         self.assertGreater(opened_at_first, 0)
         self.assertLess(opened_at_first, FILES, "strace held nothing up")
-        prompts = without_rules = 0
+        prompts = 0
         asked = [0, FILES // 2, FILES - 1]
         while asked:
             prompts += 1
             self.assertLess(prompts, MOST_PROMPTS, "the index never held all cards")
             context = self.prompt(asked[0])
-            without_rules += RULE not in context
+            self.assertIn(RULE, context)
             if "## Card %d\n" % asked[0] in context:
                 asked.pop(0)
-        print("%d cards opened at the first prompt, %d prompts more, %d without rules" %
-              (opened_at_first, prompts, without_rules), file=sys.stderr)
-        self.assertLessEqual(without_rules, prompts // 3 + 1)  # a machine may stall
+        print("%d cards opened at the first prompt, %d prompts more" % (opened_at_first, prompts),
+              file=sys.stderr)
         # What is known is not opened again, but for the cards that are shown.
-        os.remove(self.opened)
-        self.assertIn(RULE, "".join(self.prompt(0) for _ in range(3)))
-        self.assertLess(self.cards_opened(), 30)
+        self.forget(self.opened)
+        self.assertIn(RULE, self.prompt(0))
+        self.assertLess(self.cards_opened(), 100)
         self.settle()
 
 

@@ -220,7 +220,10 @@ TextOrReason readCardOrLink(const Store& store, const std::string& name) {
 TextOrReason readRules(const Store& store) {
   const Root root(store);
   if (!root.directory().isOpen()) return NoText::missing;
-  return readFollowing(store, rulesName, root.directory(), rulesName);
+  auto read = readFollowing(store, rulesName, root.directory(), rulesName);
+  const auto* const reason = std::get_if<NoText>(&read);
+  if (reason && *reason != NoText::missing) passOver(store.root + '/' + rulesName, *reason);
+  return read;
 }
 
 }  // namespace quillstead::server::StoreFiles

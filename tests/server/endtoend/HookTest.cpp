@@ -1,4 +1,5 @@
 #include "helpers/HarnessFacts.h"
+#include "server/Index/Database.h"
 #include "server/endtoend/ProgramRun.h"
 #include "server/helpers/MemoryStage.h"
 #include "unit/helpers/JSONValues.h"
@@ -6,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -119,6 +121,16 @@ TEST_P(HookWithServer, IsGivenTheUsersOwnRulesHoweverLongTheProjectsAre) {
       EXPECT_LE(given.substr(0, given.find("</user-rules>")).size(), 28'000U);
     }
   }
+}
+
+TEST_P(HookWithServer, IsGivenRulesWhileAnotherServerKeepsTheIndexLocked) {
+  EXPECT_THAT(answered("index", "x"), HasSubstr("\n- Heron"));
+  stage.writeProjectCard("gull.md", "# Gull");
+  Database other = Database::open(stage.indexFile(), std::chrono::seconds(10));
+  ASSERT_TRUE(other.run("BEGIN EXCLUSIVE"));
+  EXPECT_THAT(answered("rules", "x"), HasSubstr("Personal – größer."));
+  EXPECT_THAT(answered("", "where is the heron?"), HasSubstr("Personal – größer."));
+  EXPECT_THAT(logged(), HasSubstr(" rules=1 "));
 }
 
 TEST_P(HookWithServer, FindsTheServersRepliesInOrder) {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <random>
 #include <string>
@@ -16,10 +17,12 @@ namespace quillstead::server::test {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::HasSubstr;
 
 constexpr std::size_t cards = 16;
 constexpr std::size_t sizeOfCard = 1'048'576;  // bytes; the largest that is read
+
+/// A machine may be so busy that no prompt is in time; no longer than this, it is hoped.
+constexpr std::chrono::seconds longestStall(120);
 
 /// Sixteen cards of one mebibyte each, and a rule.
 class LargeCards : public ::testing::Test {
@@ -35,7 +38,7 @@ class LargeCards : public ::testing::Test {
 
   /// Many different words, and one that no other card has.
   static std::string textOf(std::size_t number) {
-    constexpr unsigned differentWords = 50'000;
+    constexpr unsigned differentWords = 5'000;
     std::minstd_rand random(static_cast<unsigned>(number + 1));
     std::string text = "# Card " + std::to_string(number) + "\n\n";
     while (text.size() < sizeOfCard - 20)
@@ -45,11 +48,10 @@ class LargeCards : public ::testing::Test {
     return text + ' ' + last;
   }
 
-  /// What so many hooks, all at once, are given for a prompt.
-  [[nodiscard]] std::vector<std::string> prompted(std::size_t hooks,
-                                                  const std::string& prompt) const {
-    const std::string payload =
-        R"({"prompt":)" + jsonText(prompt) + R"(,"cwd":)" + jsonText(stage.project()) + "}";
+  /// What so many hooks, all at once, are given for a prompt about one of the cards.
+  [[nodiscard]] std::vector<std::string> prompted(std::size_t hooks, int card) const {
+    const std::string payload = R"({"prompt":)" + jsonText("heron" + std::to_string(card)) +
+                                R"(,"cwd":)" + jsonText(stage.project()) + "}";
     std::vector<ProgramRun> runs;
     for (std::size_t count = 0; count < hooks; ++count) {
       runs.emplace_back(ProgramStart{.executable = hookProgram(),
@@ -68,49 +70,54 @@ class LargeCards : public ::testing::Test {
     });
   }
 
-  /// Prompts without an index, again where a stalled machine took all the time. A server that
-  /// waits for the index would take it each time.
-  [[nodiscard]] bool hasRulesAtTheFirstPrompt(std::size_t hooks) const {
-    constexpr int mostTries = 5;
-    for (int count = 0; count < mostTries; ++count) {
-      fs::remove_all(stage.path(MemoryStage::indexPlace()));
-      if (allHold(prompted(hooks, "heron7"), "Be careful.")) return true;
-    }
-    return false;
+  /// Whether a prompt ran out of time since the log was last emptied. A stalled machine does that
+  /// to any prompt, and a server that waits for the index to every one.
+  [[nodiscard]] bool ranOutOfTime() const {
+    return unit::contentsOf(stage.path("log")).find("timeout") != std::string::npos;
   }
 
-  /// Prompts until every hook is given the card; few of the prompts may lack their rules on the
-  /// way, because a machine may stall.
-  void expectCardAfterAFewPrompts(std::size_t hooks) const {
+  /// Prompts without an index until none of the hooks ran out of time.
+  void expectRulesAtTheFirstPrompt(std::size_t hooks) const {
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<std::string> given;
+    do {
+      ASSERT_LT(std::chrono::steady_clock::now() - start, longestStall);
+      fs::remove_all(stage.path(MemoryStage::indexPlace()));
+      unit::writeFile(stage.path("log"), "");
+      given = prompted(hooks, 7);
+    } while (ranOutOfTime());
+    EXPECT_TRUE(allHold(given, "Be careful."));
+  }
+
+  /// Prompts until every hook was given the rules and each of some cards.
+  void expectCardsAfterAFewPrompts(std::size_t hooks) const {
     constexpr int mostPrompts = 40;
-    int prompts = 0;
-    int withoutRules = 0;
-    for (bool found = false; !found; ++prompts) {
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<int> asked{7, 0, 15};
+    for (int prompts = 0; !asked.empty();) {
       ASSERT_LT(prompts, mostPrompts) << "the index never held the cards";
-      const std::vector<std::string> given = prompted(hooks, "heron7");
-      found = allHold(given, "## Card 7\\n");
-      if (!allHold(given, "Be careful.")) ++withoutRules;
+      ASSERT_LT(std::chrono::steady_clock::now() - start, longestStall);
+      unit::writeFile(stage.path("log"), "");
+      const std::vector<std::string> given = prompted(hooks, asked.back());
+      if (ranOutOfTime()) continue;
+      ++prompts;
+      EXPECT_TRUE(allHold(given, "Be careful."));
+      if (allHold(given, "## Card " + std::to_string(asked.back()) + "\\n")) asked.pop_back();
     }
-    EXPECT_LE(withoutRules, prompts / 3 + 1) << "of " << prompts;
   }
 
   MemoryStage stage;
 };
 
 TEST_F(LargeCards, LeaveTheFirstPromptItsRulesAndAreRecalledAfterAFew) {
-  EXPECT_TRUE(hasRulesAtTheFirstPrompt(1));
-  expectCardAfterAFewPrompts(1);
-  for (const std::size_t number : {0U, 15U}) {
-    const std::string title = "Card " + std::to_string(number);
-    EXPECT_THAT(stage.recalled("heron" + std::to_string(number)), ::testing::ElementsAre(title));
-  }
+  expectRulesAtTheFirstPrompt(1);
+  expectCardsAfterAFewPrompts(1);
 }
 
 TEST_F(LargeCards, AreNoMoreTroubleToTwoHooksAtOnce) {
   constexpr std::size_t two = 2;
-  EXPECT_TRUE(hasRulesAtTheFirstPrompt(two));
-  expectCardAfterAFewPrompts(two);
-  EXPECT_THAT(stage.recalled("heron15"), ::testing::ElementsAre("Card 15"));
+  expectRulesAtTheFirstPrompt(two);
+  expectCardsAfterAFewPrompts(two);
 }
 
 }  // namespace

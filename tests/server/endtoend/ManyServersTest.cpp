@@ -79,6 +79,14 @@ class ManyServers : public ::testing::Test {
     return texts;
   }
 
+  /// On a busy machine so many large cards are indexed over several calls.
+  void expectRecalled(const std::string& prompt, const std::string& title) const {
+    constexpr int mostCalls = 100;
+    std::vector<std::string> found;
+    for (int call = 0; call < mostCalls && found.empty(); ++call) found = stage.recalled(prompt);
+    EXPECT_THAT(found, ::testing::ElementsAre(title));
+  }
+
   void expectSoundIndex() const {
     Database index = Database::open(stage.indexFile(), std::chrono::seconds(10));
     Statement check = index.prepare("PRAGMA integrity_check");
@@ -151,7 +159,7 @@ TEST_F(ManyServers, LeaveTheOldOrTheNewStoreWhenKilledWhileAdding) {
   EXPECT_GT(killedBefore, 0);
   EXPECT_GT(killedAfter, 0);
   EXPECT_FALSE(stage.call("memory_add", R"({"text":"heron"})").isError);
-  EXPECT_THAT(stage.recalled("heron"), ::testing::ElementsAre("heron"));
+  expectRecalled("heron", "heron");
 }
 
 TEST_F(ManyServers, LeaveAUsableIndexWhenKilledWhileIndexing) {

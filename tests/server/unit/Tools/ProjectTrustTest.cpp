@@ -1,9 +1,11 @@
 #include "hook/BlockSplit.h"
 #include "server/Store/Scope.h"
 #include "server/helpers/MemoryStage.h"
+#include "unit/helpers/Process.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <initializer_list>
@@ -173,7 +175,12 @@ TEST_F(ProjectTrust, PassesOverFilesThatEverybodyMayWrite) {
         "project/.quillstead/rules.md", "home/.quillstead/rules.md"}) {
     fs::permissions(stage.path(name), fs::perms::others_write, fs::perm_options::add);
   }
+  const unit::Captured told(STDERR_FILENO);
   const std::string rules = stage.call("rules_get").text;
+  for (const char* const name : {"project/.quillstead/rules.md", "home/.quillstead/rules.md"}) {
+    EXPECT_THAT(told.text(), HasSubstr("quillstead-mcp: " + stage.path(name) +
+                                       " is passed over: everybody may write it\n"));
+  }
   EXPECT_THAT(rules, Not(::testing::AnyOf(HasSubstr("my rule"), HasSubstr("stranger's rule"),
                                           HasSubstr("heron"))));
   EXPECT_THAT(rules, HasSubstr("rules.md were left out: everybody may write it.)"));

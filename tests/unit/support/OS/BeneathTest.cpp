@@ -16,6 +16,7 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -124,11 +125,11 @@ INSTANTIATE_TEST_SUITE_P(BothWays, Beneath, ::testing::Values(&OS::openBeneath, 
 #if defined(__linux__)
 
 /// From now on the system refuses this process one call.
-void refuse(std::uint32_t call, std::uint32_t error) {
+void refuse(long call, int error) {
   std::array<sock_filter, 4> steps{
       sock_filter BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-      sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 1),
-      sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error),
+      sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<std::uint32_t>(call), 0, 1),
+      sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | static_cast<std::uint32_t>(error)),
       sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
   const sock_fprog filter{.len = steps.size(), .filter = steps.data()};
   if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
@@ -148,7 +149,7 @@ class BeneathOnLinux : public ::testing::Test {
   }
 
   /// What becomes of the file and of the link when the system refuses a call.
-  [[nodiscard]] std::string openedWithout(std::uint32_t call, std::uint32_t error) const {
+  [[nodiscard]] std::string openedWithout(long call, int error) const {
     const OS::Descriptor top = OS::openDirectory(place / "top", OS::Links::followed);
     return unit::inForkedProcess([&] {
              refuse(call, error);
@@ -172,7 +173,7 @@ TEST_F(BeneathOnLinux, LeavesTheWholePathToTheKernelWhereItCan) {
 }
 
 TEST_F(BeneathOnLinux, WalksWhereTheKernelOrAContainerRefusesTheCall) {
-  for (const std::uint32_t error : {ENOSYS, EPERM, EAGAIN}) {
+  for (const int error : {ENOSYS, EPERM, EAGAIN}) {
     EXPECT_EQ(openedWithout(SYS_openat2, error), "opened, the link refused") << error;
   }
   EXPECT_EQ(openedWithout(SYS_openat2, EACCES), "not opened, the link too");
