@@ -37,7 +37,8 @@ class SlowFiles(FaultTest):
                          "-e inject=openat,openat2:delay_exit=%d '%s'\n" % (self.opened, DELAY, SERVER))
         os.chmod(server, 0o755)
         self.log = self.path("log")
-        self.env = environment(server, HOME=self.path("home"), QUILLSTEAD_HOOK_LOG=self.log)
+        self.env = environment(server, HOME=self.path("home"), QUILLSTEAD_HOOK_LOG=self.log,
+                               QUILLSTEAD_REPEAT="always")
 
     def path(self, name):
         return os.path.join(self.directory, name)

@@ -219,6 +219,36 @@ TEST(DatabaseLimits, EndAStatementWithoutEnd) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, 60s);
 }
 
+TEST(DatabaseLimits, FollowNoLink) {
+  const MemoryStage stage;
+  stage.write("real", "");
+  fs::create_symlink("real", stage.path("link"));
+  constexpr const char* statement = "CREATE TABLE one (a)";
+  EXPECT_FALSE(Database::open(stage.path("link"), 0ms).run(statement));
+  EXPECT_EQ(fs::file_size(stage.path("real")), 0U);
+  EXPECT_TRUE(Database::open(stage.path("real"), 0ms).run(statement));
+}
+
+TEST(DatabaseLimits, RunNeitherTriggersNorViews) {
+  Database database = Database::inMemory();
+  ASSERT_TRUE(
+      database.run("CREATE TABLE one (a); CREATE TABLE two (a); CREATE VIEW all_ AS SELECT "
+                   "1; CREATE TRIGGER bad AFTER INSERT ON one BEGIN INSERT INTO two VALUES "
+                   "(1); END; INSERT INTO one VALUES (1)"));
+  EXPECT_EQ(database.prepare("SELECT * FROM one").step(), Statement::Step::row);
+  EXPECT_EQ(database.prepare("SELECT * FROM two").step(), Statement::Step::done);
+  EXPECT_EQ(database.prepare("SELECT * FROM all_").step(), Statement::Step::failed);
+  EXPECT_EQ(database.error(), DatabaseError::damaged);
+}
+
+TEST(DatabaseLimits, LetNothingElseWriteTheTablesOfTheSearchOrTheSchema) {
+  Database database = Database::inMemory();
+  ASSERT_TRUE(database.run("CREATE VIRTUAL TABLE search USING fts5(text)"));
+  EXPECT_TRUE(database.run("INSERT INTO search VALUES ('walrus')"));
+  EXPECT_FALSE(database.run("DELETE FROM search_data"));
+  EXPECT_FALSE(database.run("PRAGMA writable_schema = ON; DELETE FROM sqlite_schema"));
+}
+
 }  // namespace
 
 }  // namespace quillstead::server::test
