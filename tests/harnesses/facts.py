@@ -183,8 +183,9 @@ class Facts(unittest.TestCase):
         ran = self.stage.run("SEND-HELP please")
         requests = helpers_requests(self.trial.model)
         self.assertTrue(requests, "no sub-agent asked the model")
-        self.assertRegex(ran.output + "\n".join(text for _, text in requests[-1].turns), self.refusal)
         self.assertFalse([card for card in self.stage.cards() if "the sky is green" in card])
+        answers = [text for role, text in requests[-1].turns if role == "tool"]
+        self.assertRegex("\n".join([ran.output, *answers]), self.refusal)
 
     # --- A session
 
@@ -287,7 +288,7 @@ class InClaudeCode(Facts):
     harness = ClaudeCode
     entries = 3
     slots = ["index", "recall", "rules"]
-    refusal = "requested permissions to use mcp__quillstead__memory_add"
+    refusal = "(?i)permissions? to use mcp__quillstead__memory_add"
 
     def offers(self, request, name):
         return name in request.tools or request.says(name)  # listed by name, loaded by a search
