@@ -20,18 +20,28 @@ def _cache():
     return pathlib.Path(base) / "quillstead-tests" / "harnesses"
 
 
+def _give_up(why):
+    raise SystemExit(f"{why}: the harnesses cannot be installed, so nothing was tested")
+
+
 def _npm(directory, *arguments):
     if not shutil.which("npm"):
-        raise SystemExit("npm is missing: the harnesses cannot be installed, so nothing was tested")
-    command = ["npm", *arguments, "--ignore-scripts", "--no-audit", "--no-fund", "--loglevel=error"]
-    if subprocess.run(command, cwd=directory).returncode != 0:
         shutil.rmtree(directory)
-        raise SystemExit("npm could not install the harnesses, so nothing was tested")
+        _give_up("npm is missing")
+    command = ["npm", *arguments, "--ignore-scripts", "--no-audit", "--no-fund", "--loglevel=error"]
+    ended = subprocess.run(command, cwd=directory)
+    # The packages are optional ones, each being for one kind of machine: npm also ends well without them.
+    lacking = [harness for harness in _programs if not _found(directory / "node_modules", harness)]
+    if ended.returncode != 0 or lacking:
+        shutil.rmtree(directory)
+        _give_up(f"npm did not bring {', '.join(lacking) or 'all'}")
 
 
 def _newest(package):
-    return subprocess.run(["npm", "view", package, "version"], capture_output=True, text=True,
-                          check=True).stdout.strip()
+    asked = subprocess.run(["npm", "view", package, "version"], stdout=subprocess.PIPE, text=True)
+    if asked.returncode != 0:
+        _give_up("npm does not tell the newest version")
+    return asked.stdout.strip()
 
 
 def installed(newest=False):
@@ -57,12 +67,13 @@ def installed(newest=False):
     return place / "node_modules"
 
 
+def _found(packages, harness):
+    return next(packages.glob(_programs[harness].format(processor=_processor)), None)
+
+
 def native(packages, harness):
     """The path of the harness's own program."""
-    found = list(packages.glob(_programs[harness].format(processor=_processor)))
-    if not found:
-        raise SystemExit(f"{harness} has no program for this machine in {packages}")
-    return str(found[0])
+    return str(_found(packages, harness))
 
 
 def versions(packages):
