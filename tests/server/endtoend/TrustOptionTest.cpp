@@ -92,7 +92,7 @@ TEST_F(TrustOption, RefusesWhatIsNoDirectory) {
     const ProgramEnd end = run({"--trust", path});
     EXPECT_EQ(end.status, 1) << path;
     EXPECT_EQ(end.output, "") << path;
-    EXPECT_EQ(end.error, "quillstead-mcp: " + path + " is no directory\n");
+    EXPECT_EQ(end.error, "quillstead-mcp: " + path + " is not a directory\n");
   }
   EXPECT_FALSE(fs::exists(file()));
 }

@@ -143,9 +143,9 @@ TEST_F(TrustTest, RefusesWhatCannotBeALine) {
   unit::writeFile(directory / "work/file", "");
   fs::create_directories(directory / "work/a\nb");
   EXPECT_THAT(refusalOf(Trust::add(environment(), directory / "work/none")),
-              EndsWith("is no directory"));
+              EndsWith("is not a directory"));
   EXPECT_THAT(refusalOf(Trust::add(environment(), directory / "work/file")),
-              EndsWith("is no directory"));
+              EndsWith("is not a directory"));
   EXPECT_THAT(refusalOf(Trust::add(environment(), directory / "work/a\nb")),
               EndsWith("cannot be a line of a file"));
   EXPECT_FALSE(fs::exists(file()));
