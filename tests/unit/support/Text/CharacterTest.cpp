@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string_view>
 
 namespace quillstead::Text {
@@ -54,6 +55,13 @@ TEST(Character, HasALowerCaseFormOrIsItself) {
   for (const char32_t character : U"az09_\u00E9\u4E2D\U0001F600"sv) {
     EXPECT_EQ(lowered(character), character);
   }
+}
+
+TEST(Character, IsInvisibleAsATagAlsoWhereUnicodeHasNoneYet) {
+  for (const char32_t tag : {U'\U000E0001', U'\U000E0002', U'\U000E0020', U'\U000E007F'}) {
+    EXPECT_EQ(categoryOf(tag), Category::format) << std::hex << static_cast<std::uint32_t>(tag);
+  }
+  EXPECT_EQ(categoryOf(U'\U000E0080'), Category::other);
 }
 
 }  // namespace
