@@ -1,7 +1,10 @@
 #include "support/OS/Environment.h"
 #include "support/OS/Spawn.h"
 
+#include <dirent.h>
+#include <fcntl.h>
 #include <sched.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -9,6 +12,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
+#include <cstring>
 
 // As the C library's spawn does it, but that one also maps a stack for each child, asks for the
 // limit of descriptors with each action, and sets every real-time signal: thirty microseconds more
@@ -27,6 +31,43 @@ struct Program {
   bool hasBegun;
 };
 
+/// The number that a name in /proc/self/fd stands for; 0 for "." and "..".
+int descriptorNamed(const char* name) {
+  int number = 0;
+  for (; *name >= '0' && *name <= '9'; ++name) number = number * 10 + (*name - '0');
+  return number;
+}
+
+/// Closes what one reading of the directory names. False when it named nothing at all. On the
+/// 64-bit systems that we build for `dirent` is what the kernel writes.
+[[gnu::no_sanitize_address]]  // as becomeProgram
+bool closeNextListed(int directory) {
+  alignas(dirent) std::array<char, 4096> entries;
+  const long length = syscall(SYS_getdents64, directory, entries.data(), entries.size());
+  for (long at = 0; at < length;) {
+    const char* const entry = entries.data() + at;
+    unsigned short entryLength = 0;
+    std::memcpy(&entryLength, entry + offsetof(dirent, d_reclen), sizeof entryLength);
+    const int number = descriptorNamed(entry + offsetof(dirent, d_name));
+    if (number > STDERR_FILENO && number != directory) close(number);
+    at += entryLength;
+  }
+  return length > 0;
+}
+
+/// Closes all but the standard streams. The kernel before 5.9 has no call for it, and not every C
+/// library makes up for that.
+[[gnu::no_sanitize_address]]  // as becomeProgram
+void closeOthers() {
+  constexpr unsigned int first = STDERR_FILENO + 1;
+  if (syscall(SYS_close_range, first, ~0U, 0U) == 0) return;
+  const int directory = open("/proc/self/fd", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (directory < 0) return;
+  while (closeNextListed(directory)) {
+  }
+  close(directory);
+}
+
 /// Turns the child into its program. Makes system calls only; returns its exit status when one of
 /// them fails.
 [[gnu::no_sanitize_address]]  // would mark the child's stack, which is not there to be unmarked
@@ -44,7 +85,7 @@ int becomeProgram(void* argument) {
   const auto& [input, output, error] = program.streams;
   if (dup2(input, STDIN_FILENO) >= 0 && dup2(output, STDOUT_FILENO) >= 0 &&
       dup2(error, STDERR_FILENO) >= 0) {
-    closefrom(STDERR_FILENO + 1);
+    closeOthers();
     const std::array<char*, 2> arguments{const_cast<char*>(program.path), nullptr};
     execve(program.path, arguments.data(), program.environment);
   }
