@@ -1,9 +1,9 @@
 #pragma once
 
+#include "server/Index/CardScores.h"
 #include "server/Index/Database.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -11,14 +11,11 @@
 /// Finds the cards that have words of a prompt.
 namespace quillstead::server::CardSearch {
 
-struct Scored {
-  std::int64_t id;
-  double score;  ///< above 0; the higher the better
-};
+using CardScores::Scored;
 
 /// The cards worth showing, in no order: the `limit` best and those that are as good as the last of
-/// them. Absent when the database failed.
+/// them. `cards`: how many there are. Absent when the database failed.
 std::optional<std::vector<Scored>> find(Database& database, std::string_view prompt,
-                                        std::size_t limit);
+                                        std::size_t cards, std::size_t limit);
 
 }  // namespace quillstead::server::CardSearch

@@ -1,6 +1,7 @@
 #include "server/Index/IndexQueries.h"
 
 #include "server/Index/CardSearch.h"
+#include "server/Index/IndexTables.h"
 
 #include <algorithm>
 #include <array>
@@ -57,15 +58,15 @@ std::vector<CardPlace> best(std::vector<Candidate> candidates, std::size_t limit
   return found;
 }
 
+std::size_t totalOf(const IndexTables::CardCounts& cards) {
+  return static_cast<std::size_t>(std::max<std::int64_t>(cards[0] + cards[1], 0));
+}
+
 /// How many cards each store has to bring before there are enough; 0 for a store without cards.
-CountOfEachStore wantedOfEachStore(Database& database) {
+CountOfEachStore wantedOfEachStore(const IndexTables::CardCounts& cards) {
   CountOfEachStore wanted{};
-  Statement read = database.prepare("SELECT 1 FROM files WHERE isCard = 1 AND store = ? LIMIT 1");
-  for (const Store::Kind store : {Store::Kind::project, Store::Kind::personal}) {
-    const bool hasCards =
-        read.bind(1, static_cast<std::int64_t>(store)).step() == Statement::Step::row;
-    countOf(store, wanted) = hasCards ? leastOfOneStore : 0;
-    read.reset();
+  for (std::size_t store = 0; store < wanted.size(); ++store) {
+    wanted.at(store) = cards.at(store) > 0 ? leastOfOneStore : 0;
   }
   return wanted;
 }
@@ -93,12 +94,17 @@ std::optional<std::vector<CardPlace>> places(Statement& read) {
 
 std::optional<std::vector<CardPlace>> search(Database& database, std::string_view prompt,
                                              std::size_t limit) {
-  auto scored = CardSearch::find(database, prompt, std::max(limit, mostLookedAt));
+  const auto cards = IndexTables::cardCounts(database);
+  if (!cards) return std::nullopt;
+  // One store alone needs no more than it shows.
+  const bool areTwo = (*cards)[0] > 0 && (*cards)[1] > 0;
+  auto scored = CardSearch::find(database, prompt, totalOf(*cards),
+                                 areTwo ? std::max(limit, mostLookedAt) : limit);
   if (!scored) return std::nullopt;
   std::sort(scored->begin(), scored->end(),
             [](const auto& one, const auto& other) { return one.score > other.score; });
 
-  CountOfEachStore wanted = wantedOfEachStore(database);
+  CountOfEachStore wanted = wantedOfEachStore(*cards);
   std::vector<Candidate> candidates;
   Statement read = database.prepare("SELECT store, name FROM files WHERE id = ?");
   for (const CardSearch::Scored& one : *scored) {
@@ -115,9 +121,9 @@ std::optional<std::vector<CardPlace>> search(Database& database, std::string_vie
 
 std::optional<Titles> titles(Database& database, std::size_t limit) {
   Titles titles;
-  Statement count = database.prepare("SELECT count(*) FROM files WHERE isCard = 1");
-  if (count.step() != Statement::Step::row) return std::nullopt;
-  titles.total = static_cast<std::size_t>(count.integer(0));
+  const auto cards = IndexTables::cardCounts(database);
+  if (!cards) return std::nullopt;
+  titles.total = totalOf(*cards);
 
   Statement read = database.prepare(
       "SELECT title FROM files WHERE isCard = 1 ORDER BY store, modified DESC, name LIMIT ?");

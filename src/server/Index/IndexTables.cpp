@@ -3,7 +3,7 @@
 #include "server/Index/Words.h"
 
 #include <algorithm>
-#include <limits>
+#include <string>
 
 namespace quillstead::server::IndexTables {
 
@@ -11,13 +11,17 @@ namespace {
 
 constexpr std::uint64_t noNamesStamp = 0;
 
+/// A column may hold anything when somebody else wrote the file.
+std::size_t placeOf(std::int64_t store) { return store == 0 ? 0 : 1; }
+
 }  // namespace
 
 bool create(Database& database) {
   return database.run(R"sql(
     CREATE TABLE IF NOT EXISTS state (
-      only INTEGER PRIMARY KEY CHECK (only = 1), fingerprint, isUnfinished, holdsRemovedWords,
-      namesStamp, roots);
+      only INTEGER PRIMARY KEY CHECK (only = 1), fingerprint, isUnfinished, needsMerging, namesStamp,
+      seenParts, projectCards, personalCards, roots);
+    CREATE TABLE IF NOT EXISTS seen (part INTEGER PRIMARY KEY, files);
     CREATE TABLE IF NOT EXISTS files (
       id INTEGER PRIMARY KEY, store, name, size, modified, isCard, title, content);
     CREATE INDEX IF NOT EXISTS newest ON files (isCard, store, modified DESC, name, title);
@@ -30,12 +34,15 @@ bool create(Database& database) {
 
 std::optional<State> state(Database& database) {
   Statement read = database.prepare(
-      "SELECT fingerprint, isUnfinished, holdsRemovedWords, namesStamp FROM state");
+      "SELECT fingerprint, isUnfinished, needsMerging, namesStamp, seenParts, projectCards, "
+      "personalCards FROM state");
   if (read.step() != Statement::Step::row) return std::nullopt;
   State state{.fingerprint = read.integer(0),
               .isUnfinished = read.integer(1) != 0,
-              .holdsRemovedWords = read.integer(2) != 0,
-              .namesStamp = static_cast<std::uint64_t>(read.integer(3))};
+              .needsMerging = read.integer(2) != 0,
+              .namesStamp = static_cast<std::uint64_t>(read.integer(3)),
+              .seenParts = read.integer(4),
+              .cards = {read.integer(5), read.integer(6)}};
   if (state.namesStamp == noNamesStamp) state.namesStamp.reset();
   return state;
 }
@@ -43,12 +50,15 @@ std::optional<State> state(Database& database) {
 bool setState(Database& database, State state, const std::vector<std::string>& roots) {
   std::string joined;
   for (const std::string& root : roots) joined.append(root).push_back('\0');
-  return database.prepare("INSERT OR REPLACE INTO state VALUES (1, ?, ?, ?, ?, ?)")
+  return database.prepare("INSERT OR REPLACE INTO state VALUES (1, ?, ?, ?, ?, ?, ?, ?, ?)")
       .bind(1, state.fingerprint)
       .bind(2, std::int64_t{state.isUnfinished})
-      .bind(3, std::int64_t{state.holdsRemovedWords})
+      .bind(3, std::int64_t{state.needsMerging})
       .bind(4, static_cast<std::int64_t>(state.namesStamp.value_or(noNamesStamp)))
-      .bind(5, joined)
+      .bind(5, state.seenParts)
+      .bind(6, state.cards[0])
+      .bind(7, state.cards[1])
+      .bind(8, joined)
       .run();
 }
 
@@ -64,7 +74,25 @@ std::vector<std::string> roots(Database& database) {
   return all;
 }
 
-std::optional<bool> wipeSome(Database& database) {
+std::optional<CardCounts> cardCounts(Database& database) {
+  Statement read = database.prepare("SELECT projectCards, personalCards FROM state");
+  if (read.step() != Statement::Step::row) return std::nullopt;
+  return CardCounts{read.integer(0), read.integer(1)};
+}
+
+std::optional<CardCounts> countedCards(Database& database) {
+  Statement read =
+      database.prepare("SELECT store, count(*) FROM files WHERE isCard = 1 GROUP BY store");
+  CardCounts counts{};
+  for (;;) {
+    const Statement::Step step = read.step();
+    if (step == Statement::Step::done) return counts;
+    if (step == Statement::Step::failed) return std::nullopt;
+    counts.at(placeOf(read.integer(0))) += read.integer(1);
+  }
+}
+
+std::optional<bool> mergeSome(Database& database) {
   // A negative number of pages makes all parts of the index be merged, not only those of one size;
   // a removed row leaves it when its part is merged with the oldest.
   constexpr std::int64_t leastChange = 2;  // smaller when there was nothing to merge
@@ -73,39 +101,23 @@ std::optional<bool> wipeSome(Database& database) {
   return database.totalChanges() - before < leastChange;
 }
 
-std::optional<std::vector<Row>> rows(Database& database) { return rows(database, {0, 1}); }
-
-std::optional<std::vector<Row>> rows(Database& database, Part part) {
-  const auto most = mostRows(database);
-  if (!most) return std::nullopt;
-  const auto border = [&](std::uint64_t number) {
-    return static_cast<std::int64_t>(*most * number / part.of);
-  };
-  std::vector<Row> some;
-  Statement read = database.prepare(
-      "SELECT id, store, name, size, modified FROM files WHERE id > ? AND id <= ?");
-  const bool isLast = part.number + 1 == part.of;
-  read.bind(1, part.number == 0 ? std::numeric_limits<std::int64_t>::min() : border(part.number));
-  read.bind(2, isLast ? std::numeric_limits<std::int64_t>::max() : border(part.number + 1));
+std::optional<std::vector<Row>> rows(Database& database) {
+  std::vector<Row> all;
+  Statement read = database.prepare("SELECT id, store, name, size, modified FROM files");
   for (;;) {
     const Statement::Step step = read.step();
-    if (step == Statement::Step::done) return some;
+    if (step == Statement::Step::done) return all;
     if (step == Statement::Step::failed) return std::nullopt;
-    some.push_back({.id = read.integer(0),
-                    .store = static_cast<Store::Kind>(read.integer(1)),
-                    .name = std::string(read.text(2)),
-                    .stamp = {.size = read.integer(3), .modified = read.integer(4)}});
+    all.push_back({.id = read.integer(0),
+                   .store = static_cast<Store::Kind>(placeOf(read.integer(1))),
+                   .name = std::string(read.text(2)),
+                   .stamp = {.size = read.integer(3), .modified = read.integer(4)}});
   }
 }
 
-std::optional<std::size_t> mostRows(Database& database) {
-  Statement read = database.prepare("SELECT max(id) FROM files");
-  if (read.step() != Statement::Step::row) return std::nullopt;
-  return static_cast<std::size_t>(std::max<std::int64_t>(read.integer(0), 0));
-}
-
-Writer::Writer(Database& database)
-    : removeFile_(database.prepare("DELETE FROM files WHERE id = ?")),
+Writer::Writer(Database& database, CardCounts& cards)
+    : cards_(cards),
+      removeFile_(database.prepare("DELETE FROM files WHERE id = ? RETURNING store, isCard")),
       removeCard_(database.prepare("DELETE FROM cards WHERE rowid = ?")),
       addFile_(database.prepare("INSERT INTO files "
                                 "(store, name, size, modified, isCard, title, content) "
@@ -116,7 +128,12 @@ Writer::Writer(Database& database)
                               "WHERE id = ? AND content = ? RETURNING id")) {}
 
 bool Writer::remove(std::int64_t id) {
-  return removeCard_.bind(1, id).run() && removeFile_.bind(1, id).run();
+  if (!removeCard_.bind(1, id).run()) return false;
+  const Statement::Step step = removeFile_.bind(1, id).step();
+  const bool wasCard = step == Statement::Step::row && removeFile_.integer(1) != 0;
+  if (wasCard) --cards_.at(placeOf(removeFile_.integer(0)));
+  removeFile_.reset();
+  return step != Statement::Step::failed;
 }
 
 bool Writer::touch(std::int64_t id, OS::FileStamp stamp, std::uint64_t content) {
@@ -144,7 +161,9 @@ bool Writer::add(const Survey::File& file, const Card* card, std::uint64_t conte
   const std::string title = Words::indexed(card->title);
   const std::string spacedTags = Words::indexed(tags);
   const std::string body = Words::indexed(card->body);
-  return addCard_.bind(1, title).bind(2, spacedTags).bind(3, body).run();
+  if (!addCard_.bind(1, title).bind(2, spacedTags).bind(3, body).run()) return false;
+  ++cards_.at(static_cast<std::size_t>(file.store));
+  return true;
 }
 
 }  // namespace quillstead::server::IndexTables

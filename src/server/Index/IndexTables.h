@@ -4,6 +4,7 @@
 #include "server/Index/Survey.h"
 #include "server/Store/Card.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -16,7 +17,7 @@ namespace quillstead::server::IndexTables {
 /// What an index is like: its tables, its tokenizer, and how texts are taken apart before they are
 /// written. Part of the file's name, so that versions of the server leave each other's alone. Raise
 /// it with every change of those; a test tells when that was forgotten.
-inline constexpr int version = 4;
+inline constexpr int version = 5;
 
 /// A file as the index knows it. `store` is written as the number of its enumerator.
 struct Row {
@@ -29,12 +30,17 @@ struct Row {
 /// Makes the tables where they are missing.
 bool create(Database& database);
 
+/// How many cards each store has, by the number of its enumerator.
+using CardCounts = std::array<std::int64_t, 2>;
+
 /// What the last update left.
 struct State {
-  std::int64_t fingerprint = 0;             ///< of the files as the index knows them
-  bool isUnfinished = true;                 ///< there are files that it does not know yet
-  bool holdsRemovedWords = false;           ///< words of removed rows may still stand in its file
+  std::int64_t fingerprint = 0;  ///< of the files as the index knows them
+  bool isUnfinished = true;      ///< there are files that it does not know yet
+  bool needsMerging = false;     ///< its words lie in many parts, or hold those of removed rows
   std::optional<std::uint64_t> namesStamp;  ///< of the survey that found nothing else to do
+  std::int64_t seenParts = 0;               ///< of `SeenFiles`, which are of the same survey
+  CardCounts cards{};
 
   friend bool operator==(const State&, const State&) = default;
 };
@@ -48,27 +54,24 @@ bool setState(Database& database, State state, const std::vector<std::string>& r
 /// The roots that were noted; none when they cannot be read.
 std::vector<std::string> roots(Database& database);
 
-/// Rewrites a part of the words, so that those of removed rows leave the file. True when nothing is
-/// left to be done; absent when the database failed.
-std::optional<bool> wipeSome(Database& database);
+/// The cards of the state. Absent when there is none or it cannot be read.
+std::optional<CardCounts> cardCounts(Database& database);
+
+/// The same, counted in the rows.
+std::optional<CardCounts> countedCards(Database& database);
+
+/// Rewrites some of the words, so that they come to lie in one part, and those of removed rows
+/// leave the file. True when nothing is left to be done; absent when the database failed.
+std::optional<bool> mergeSome(Database& database);
 
 /// Absent when they could not be read.
 std::optional<std::vector<Row>> rows(Database& database);
 
-/// One of several parts of the rows, of about the same size, which together are all of them.
-struct Part {
-  std::uint64_t number;  ///< from 0
-  std::uint64_t of;
-};
-std::optional<std::vector<Row>> rows(Database& database, Part part);
-
-/// The number of rows, or somewhat more. Absent when it could not be read.
-std::optional<std::size_t> mostRows(Database& database);
-
 /// Writes rows; made once for many of them.
 class Writer {
  public:
-  explicit Writer(Database& database);
+  /// `cards`: kept as the rows are. It has to outlive the writer.
+  Writer(Database& database, CardCounts& cards);
 
   bool remove(std::int64_t id);
 
@@ -81,6 +84,7 @@ class Writer {
   bool touch(std::int64_t id, OS::FileStamp stamp, std::uint64_t content);
 
  private:
+  CardCounts& cards_;
   Statement removeFile_;
   Statement removeCard_;
   Statement addFile_;

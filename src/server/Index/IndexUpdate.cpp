@@ -1,6 +1,7 @@
 #include "server/Index/IndexUpdate.h"
 
 #include "server/Index/IndexTables.h"
+#include "server/Index/SeenFiles.h"
 #include "support/Text/Hash.h"
 
 #include <algorithm>
@@ -26,6 +27,10 @@ constexpr std::size_t largestStep = 4'194'304;  // bytes of files
 /// noted as if it had another time, and read again by the next update.
 constexpr std::chrono::nanoseconds settlingTime = 50ms;
 constexpr std::chrono::nanoseconds settlingTimeWithCoarseClock = 2s;
+
+/// After so many changes at once the words lie in many parts, each of which a search would look
+/// into.
+constexpr std::size_t manyChanges = 100;
 
 /// The content of a file that is no card.
 constexpr std::uint64_t noContent = 0;
@@ -105,7 +110,7 @@ class Update {
   Outcome run(const Turn& turn) {
     state_ = IndexTables::state(database_);
     if (!state_ && database_.error() == DatabaseError::busy) return Outcome::failed;
-    if (isPartCurrent(turn)) return Outcome::current;
+    if (isPartCurrent(turn)) return state_->needsMerging ? mergeOnly() : Outcome::current;
     look();
     // On a starved machine looking may take all the time, and yet each update has to get on.
     deadline_ = std::max(deadline_, Clock::now() + patience_ / 2);
@@ -113,10 +118,7 @@ class Update {
                            state_->fingerprint == survey_.fingerprint().sum();
     if (isCurrent && nextState(survey_.fingerprint(), true) == state_) return Outcome::current;
     if (isCurrent) plan_ = Plan{.changes = {}, .done = 0, .known = survey_.fingerprint()};
-    // A crash of the machine may cost the index, which is rebuilt then. What is removed leaves the
-    // file. Others are locked out only while a step is committed, not as soon as the cache is full.
-    // Should this fail, so does what follows.
-    database_.run("PRAGMA synchronous = OFF; PRAGMA secure_delete = ON; PRAGMA cache_spill = OFF");
+    prepareToWrite();
     do {
       if (!step()) return isCurrent ? Outcome::current : Outcome::failed;
     } while (!isDone() && Clock::now() < deadline_);
@@ -127,17 +129,36 @@ class Update {
   /// True when no file of the part whose turn it is has changed, where that is all there is to
   /// know.
   bool isPartCurrent(const Turn& turn) {
-    if (!state_ || state_->isUnfinished || state_->holdsRemovedWords) return false;
-    if (!state_->namesStamp || state_->namesStamp != survey_.namesStamp()) return false;
-    const auto most = IndexTables::mostRows(database_);
-    if (!most) return false;
-    const auto parts = std::min<std::uint64_t>(*most / fewCards + 1, mostParts);
-    const auto rows = IndexTables::rows(database_, {.number = turn() % parts, .of = parts});
-    if (!rows) return false;
-    return std::all_of(rows->begin(), rows->end(), [this](const Row& row) {
-      return StoreFiles::cardStamp(survey_.cards(row.store), row.store, row.name.c_str()) ==
-             row.stamp;
-    });
+    if (!state_ || state_->isUnfinished || !state_->namesStamp) return false;
+    if (state_->namesStamp != survey_.namesStamp()) return false;
+    const auto parts = static_cast<std::uint64_t>(std::max<std::int64_t>(state_->seenParts, 1));
+    const std::uint64_t part = parts > 1 ? turn() % parts : 0;
+    return SeenFiles::areUnchanged(database_, static_cast<std::int64_t>(part), survey_);
+  }
+
+  void prepareToWrite() {
+    // A crash of the machine may cost the index, which is rebuilt then. What is removed leaves the
+    // file. Others are locked out only while a step is committed, not as soon as the cache is full.
+    // Should this fail, so does what follows.
+    database_.run("PRAGMA synchronous = OFF; PRAGMA secure_delete = ON; PRAGMA cache_spill = OFF");
+  }
+
+  /// Merges words while nothing else is to be done, until the deadline.
+  Outcome mergeOnly() {
+    prepareToWrite();
+    do {
+      if (!mergeStep()) {
+        database_.rollBack();
+        return Outcome::current;  // what it holds is right, and another update will go on
+      }
+    } while (state_->needsMerging && Clock::now() < deadline_);
+    return Outcome::written;
+  }
+
+  bool mergeStep() {
+    if (!database_.run("BEGIN IMMEDIATE") || IndexTables::state(database_) != state_) return false;
+    return merge(std::min(deadline_, Clock::now() + longestStep)) &&
+           IndexTables::setState(database_, *state_, survey_.roots()) && database_.run("COMMIT");
   }
 
   /// While the index is not finished, new files are found by their names, and the rest can wait.
@@ -160,12 +181,14 @@ class Update {
     // A file that may have changed again since it was read is noted with another stamp than it has.
     const bool isSettled = !next.isUnfinished && next.fingerprint == survey_.fingerprint().sum();
     next.namesStamp.reset();
-    if (isSettled && survey_.files().size() > fewCards) next.namesStamp = namesStamp_;
+    // What is passed over may become a card without a change of its name.
+    if (isSettled && !survey_.passedOver()) next.namesStamp = namesStamp_;
+    next.seenParts = next.namesStamp ? SeenFiles::partsFor(survey_.files().size()) : 0;
     return next;
   }
 
   [[nodiscard]] bool isDone() const {
-    return plan_->done == plan_->changes.size() && !state_->holdsRemovedWords;
+    return plan_->done == plan_->changes.size() && !state_->needsMerging;
   }
 
   bool step() {
@@ -174,9 +197,17 @@ class Update {
     return false;
   }
 
+  /// Where there is no state yet. The rows may be there all the same.
+  bool beginState() {
+    const auto cards = IndexTables::countedCards(database_);
+    if (cards) state_ = IndexTables::State{.namesStamp = {}, .cards = *cards};
+    return cards.has_value();
+  }
+
   bool stepUnderLock() {
-    if (!IndexTables::create(database_)) return false;
     const auto found = IndexTables::state(database_);
+    // With a state there are tables, or somebody took them away: empty ones would hide that.
+    if (!found && !IndexTables::create(database_)) return false;
     const bool isOthers = found != state_;  // they may have indexed newer files than were seen
     state_ = found;
     if (!plan_ || isOthers) {
@@ -185,21 +216,24 @@ class Update {
       if (!rows) return false;
       plan_ = planFor(*rows, survey_);
     }
-    if (!state_) state_ = IndexTables::State();
+    if (!state_ && !beginState()) return false;
     const Clock::time_point end = std::min(deadline_, Clock::now() + longestStep);
-    // Removed words can be wiped only once their removal is committed.
-    const bool stepMade = plan_->done < plan_->changes.size() ? makeChanges(end) : wipe(end);
+    // Removed words can be merged away only once their removal is committed.
+    const bool stepMade = plan_->done < plan_->changes.size() ? makeChanges(end) : merge(end);
     if (!stepMade) return false;
     state_ = nextState(plan_->known, plan_->done == plan_->changes.size());
-    return IndexTables::setState(database_, *state_, survey_.roots());
+    const bool kept = state_->namesStamp ? SeenFiles::keep(database_, survey_.files())
+                                         : SeenFiles::forget(database_);
+    return kept && IndexTables::setState(database_, *state_, survey_.roots());
   }
 
-  /// Takes the words of what was removed out of the file, until the step is long enough.
-  bool wipe(Clock::time_point end) {
-    while (state_->holdsRemovedWords) {
-      const auto wiped = IndexTables::wipeSome(database_);
-      if (!wiped) return false;
-      state_->holdsRemovedWords = !*wiped;
+  /// Brings the words together in one part, without those of what was removed, until the step is
+  /// long enough.
+  bool merge(Clock::time_point end) {
+    while (state_->needsMerging) {
+      const auto isWhole = IndexTables::mergeSome(database_);
+      if (!isWhole) return false;
+      state_->needsMerging = !*isWhole;
       if (Clock::now() >= end) break;
     }
     return true;
@@ -207,7 +241,8 @@ class Update {
 
   /// Makes changes until the step is long enough; one at least.
   bool makeChanges(Clock::time_point end) {
-    IndexTables::Writer writer(database_);
+    IndexTables::Writer writer(database_, state_->cards);
+    if (plan_->changes.size() >= manyChanges) state_->needsMerging = true;
     bytesRead_ = 0;
     while (plan_->done < plan_->changes.size()) {
       const Change& change = plan_->changes[plan_->done++];
@@ -240,7 +275,7 @@ class Update {
   }
 
   bool remove(std::int64_t row, IndexTables::Writer& writer) {
-    state_->holdsRemovedWords = true;
+    state_->needsMerging = true;
     return writer.remove(row);
   }
 

@@ -24,12 +24,6 @@ enum class Outcome {
 /// Gives 0, 1, 2 and so on at each call for one index, by whatever server.
 using Turn = std::function<std::uint64_t()>;
 
-/// A store of at most so many cards is looked at as a whole by every update.
-inline constexpr std::size_t fewCards = 2'000;
-
-/// In a larger one whose directory is as it was, so many of these updates look at every card once.
-inline constexpr std::uint64_t mostParts = 10;
-
 /// Looks at the files and reads what changed, in steps that are each kept, whatever becomes of the
 /// next, and each whole for whoever else uses the index. It ends with the first file behind the
 /// deadline, and the next update goes on from there: so a large store, or a slow one, is indexed
@@ -38,8 +32,8 @@ inline constexpr std::uint64_t mostParts = 10;
 /// the index is a large one.
 ///
 /// Names that are new, gone or given to another file are seen at once. So is a change within a
-/// file, but in a store of more than `fewCards` whose directory tells of all names: there each
-/// update looks at a part of the files, in turn.
+/// file, but in a store of more than `SeenFiles::fewFiles` whose directory tells of all names:
+/// there each update looks at a part of the files, in turn.
 Outcome run(Database& database, Survey& survey, OS::MonotonicClock::time_point deadline,
             const Turn& turn, const ReadCard& read = &StoreFiles::readCard);
 

@@ -32,7 +32,7 @@ inline constexpr std::size_t shortestGuess = 4;  ///< bytes of a word's beginnin
 inline constexpr std::size_t certainBeginning =
     8;                                          ///< bytes of a word that says all as a beginning
 inline constexpr std::size_t mostGuesses = 40;  ///< at all the words of a prompt that no card has
-inline constexpr std::int64_t largeStore = 1'000;
+inline constexpr std::size_t largeStore = 1'000;
 
 // The rank function, BM25 with additions.
 inline constexpr double saturation = 1.2;      ///< BM25's k1

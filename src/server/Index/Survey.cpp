@@ -34,6 +34,7 @@ void Survey::look(Depth depth, OS::MonotonicClock::time_point deadline) {
   files_.clear();
   fingerprint_ = {};
   complete_ = true;
+  passedOver_ = false;
   visit(Store::Kind::project, depth, deadline);
   visit(Store::Kind::personal, depth, deadline);
 }
@@ -62,6 +63,8 @@ void Survey::visit(Store::Kind store, Depth depth, OS::MonotonicClock::time_poin
     } else if (const auto stamp = StoreFiles::cardStamp(cards(store), store, name)) {
       files_.push_back({.store = store, .name = name, .stamp = *stamp});
       fingerprint_.add(store, name, *stamp);
+    } else {
+      passedOver_ = true;
     }
   });
 }

@@ -62,6 +62,9 @@ class Survey {
   /// The directory that holds the store's cards; not open when there is none.
   [[nodiscard]] const OS::Descriptor& cards(Store::Kind store) const;
 
+  /// There was something that has the name of a card but may not be one as it is.
+  [[nodiscard]] bool passedOver() const { return passedOver_; }
+
  private:
   void visit(Store::Kind store, Depth depth, OS::MonotonicClock::time_point deadline);
 
@@ -70,6 +73,7 @@ class Survey {
   std::vector<File> files_;
   Fingerprint fingerprint_;
   bool complete_ = false;
+  bool passedOver_ = false;
 };
 
 }  // namespace quillstead::server

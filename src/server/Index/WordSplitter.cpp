@@ -20,7 +20,20 @@ bool isUpper(char byte) { return byte >= 'A' && byte <= 'Z'; }
 bool isLower(char byte) { return byte >= 'a' && byte <= 'z'; }
 bool isDigit(char byte) { return byte >= '0' && byte <= '9'; }
 bool isASCII(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
-bool isPlain(char byte) { return isUpper(byte) || isLower(byte) || isDigit(byte); }
+
+/// The ASCII letters and digits, by their number.
+constexpr std::array<bool, 256> plainBytes = [] {
+  std::array<bool, 256> plain{};
+  for (const char first : {'a', 'A'}) {
+    for (char letter = 0; letter < 26; ++letter)
+      plain.at(static_cast<std::size_t>(first + letter)) = true;
+  }
+  for (char digit = '0'; digit <= '9'; ++digit) plain.at(static_cast<std::size_t>(digit)) = true;
+  return plain;
+}();
+
+bool isPlain(char byte) { return plainBytes[static_cast<unsigned char>(byte)]; }
+bool isSign(char byte) { return byte == '_' || byte == '-' || byte == '.'; }
 
 /// Characters without a width, which some texts have within words and others do not.
 bool isInvisible(char32_t character) {
@@ -39,6 +52,7 @@ bool isUnusual(std::string_view text) {
   constexpr auto signs =
       std::to_array<std::string_view>({"\xC2\xAD", "\xE2\x80\x8B", "\xE2\x80\x8C", "\xE2\x80\x8D",
                                        "\xEF\xBB\xBF", "\xEF\xBC", "\xEF\xBD"});
+  if (std::all_of(text.begin(), text.end(), isASCII)) return false;
   return std::any_of(signs.begin(), signs.end(), [text](std::string_view sign) {
     return text.find(sign) != std::string_view::npos;
   });
@@ -119,8 +133,7 @@ std::string joined(std::string_view name) {
 }
 
 void giveName(std::string_view name, const Take& take) {
-  const std::size_t firstSign = name.find_first_of("_-.");
-  if (firstSign == std::string_view::npos) {
+  if (std::none_of(name.begin(), name.end(), isSign)) {
     take({.text = name});
     giveParts(name, take);
     return;
@@ -128,7 +141,8 @@ void giveName(std::string_view name, const Take& take) {
   if (name.size() <= longestName) take({.text = joined(name)});
   const bool isOneWord = name.find('_') != std::string_view::npos;
   while (!name.empty()) {
-    const std::size_t end = std::min(name.find_first_of("_-."), name.size());
+    const auto end =
+        static_cast<std::size_t>(std::find_if(name.begin(), name.end(), isSign) - name.begin());
     const std::string_view word = name.substr(0, end);
     take({.text = word, .kind = isOneWord ? Word::Kind::part : Word::Kind::whole});
     giveParts(word, take);

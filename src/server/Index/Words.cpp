@@ -147,6 +147,12 @@ std::string lowered(std::string_view word) {
   std::string result;
   result.reserve(word.size());
   while (!word.empty()) {
+    const char first = word.front();
+    if (static_cast<unsigned char>(first) < 0x80) {
+      result += first >= 'A' && first <= 'Z' ? static_cast<char>(first - 'A' + 'a') : first;
+      word.remove_prefix(1);
+      continue;
+    }
     const Text::Decoded next = Text::decodeFirst(word);
     const char32_t character = next.valid ? Text::lowered(next.character) : U' ';
     Text::appendCharacter(result, static_cast<std::uint32_t>(character));

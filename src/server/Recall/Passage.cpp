@@ -4,6 +4,7 @@
 #include "support/Text/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -38,6 +39,7 @@ class Terms {
   explicit Terms(const std::vector<SearchTerm>& terms) : terms_(terms) {
     for (std::size_t at = 0; at < terms.size(); ++at) {
       places_.emplace(terms[at].word, at);
+      if (!terms[at].word.empty()) begins_.at(lowByte(terms[at].word[0])) = true;
       beginnings_.push_back(beginningOf(terms[at].word));
     }
     std::sort(beginnings_.begin(), beginnings_.end());
@@ -70,9 +72,15 @@ class Terms {
     return beginning;
   }
 
+  static unsigned char lowByte(char byte) {
+    constexpr unsigned char lowerCase = 0x20;
+    return static_cast<unsigned char>(byte) | lowerCase;
+  }
+
   /// A quick look that spares most words of a text the others. A letter beyond ASCII may have other
   /// bytes in lower case.
   [[nodiscard]] bool mayBeOne(std::string_view word) const {
+    if (static_cast<unsigned char>(word[0]) < 0x80 && !begins_.at(lowByte(word[0]))) return false;
     const std::string_view beginning = word.substr(0, shortestForm);
     const bool isASCII = std::all_of(beginning.begin(), beginning.end(), [](char byte) {
       return static_cast<unsigned char>(byte) < 0x80;
@@ -82,6 +90,7 @@ class Terms {
   }
 
   const std::vector<SearchTerm>& terms_;
+  std::array<bool, 256> begins_{};         ///< by the first byte of a term, in lower case
   std::vector<std::uint32_t> beginnings_;  ///< of the terms, sorted
   std::unordered_map<std::string_view, std::size_t> places_;
 };

@@ -60,6 +60,13 @@ std::size_t asciiRun(std::string_view text) {
   return Blocks::bytesBefore(text, [](Blocks::Block bytes) { return bytes >= Blocks::Byte{0x80}; });
 }
 
+/// How many bytes of ASCII that can be seen `text` begins with.
+std::size_t plainLength(std::string_view text) {
+  const auto* const end =
+      std::find_if(text.begin(), text.end(), [](char byte) { return byte <= ' ' || byte >= 0x7F; });
+  return static_cast<std::size_t>(end - text.begin());
+}
+
 }  // namespace
 
 Decoded decodeFirst(std::string_view bytes) {
@@ -162,11 +169,17 @@ std::string onOneLine(std::string_view text) {
   std::string line;
   bool gap = false;
   while (!text.empty()) {
+    const std::size_t plain = plainLength(text);
+    if (plain > 0) {
+      if (std::exchange(gap, false)) line += ' ';
+      line += text.substr(0, plain);
+      text.remove_prefix(plain);
+      continue;
+    }
     const Decoded next = decodeFirst(text);
     const std::string_view character = text.substr(0, next.length);
     text.remove_prefix(next.length);
-    const bool isPlain = next.character > ' ' && next.character < 0x7F;
-    if (!isPlain && (next.character < 0x80 || isBlank(character))) {
+    if (next.character < 0x80 || isBlank(character)) {
       gap = !line.empty();
       continue;
     }

@@ -33,10 +33,11 @@ class Session : public ::testing::Test {
     stage.write("transcript.jsonl", "{\"type\":\"user\"}\n");
   }
 
-  [[nodiscard]] ProgramRun started(const std::string& slot, std::string_view prompt) const {
+  [[nodiscard]] ProgramRun started(const std::string& slot, std::string_view prompt,
+                                   const std::string& transcript = "transcript.jsonl") const {
     const std::string payload = R"({"hook_event_name":"UserPromptSubmit","session_id":"s1",)"
                                 R"("transcript_path":)" +
-                                jsonText(stage.path("transcript.jsonl")) + R"(,"prompt":)" +
+                                jsonText(stage.path(transcript)) + R"(,"prompt":)" +
                                 jsonText(prompt) + R"(,"cwd":)" + jsonText(stage.project()) + "}";
     std::vector<std::string> arguments{"--harness", "claude-code"};
     if (!slot.empty()) arguments.insert(arguments.end(), {"--slot", slot});
@@ -99,6 +100,31 @@ TEST_F(Session, IsToldEverythingAgainAfterACompaction) {
   EXPECT_THAT(prompted("", "the heron?"),
               AllOf(HasSubstr("Be careful."), HasSubstr("stands in the water")));
   EXPECT_THAT(prompted("", "the heron?"), HasSubstr(std::string(pointer)));
+}
+
+TEST_F(Session, IsToldEverythingAgainWhenItGoesOnInAnotherTranscript) {
+  const auto given = [this](const std::string& transcript) {
+    stage.letTimePass(1min);
+    return started("", "the heron?", transcript).finish().output;
+  };
+  EXPECT_THAT(given("transcript.jsonl"), HasSubstr("Be careful."));
+  EXPECT_THAT(given("transcript.jsonl"), HasSubstr(std::string(pointer)));
+  stage.write("resumed.jsonl", "{\"type\":\"user\"}\n");
+  EXPECT_THAT(given("resumed.jsonl"),
+              AllOf(HasSubstr("Be careful."), HasSubstr("stands in the water")));
+  EXPECT_THAT(given("resumed.jsonl"), HasSubstr(std::string(pointer)));
+  stage.write("transcript.jsonl", "{}\n");  // it became shorter
+  EXPECT_THAT(given("transcript.jsonl"), HasSubstr("Be careful."));
+}
+
+TEST_F(Session, IsToldItsRulesAgainAfterTwentyPromptsAndACardAfterThirty) {
+  for (int prompt = 1; prompt <= 31; ++prompt) {
+    const std::string given = prompted("", "the heron?");
+    const bool hasRules = given.find("Be careful.") != std::string::npos;
+    const bool hasCard = given.find("stands in the water") != std::string::npos;
+    EXPECT_EQ(hasRules, prompt == 1 || prompt == 21) << prompt;
+    EXPECT_EQ(hasCard, prompt == 1 || prompt == 31) << prompt;
+  }
 }
 
 TEST_F(Session, IsToldEverythingWhenItsStateIsLostOrUnwanted) {

@@ -173,9 +173,13 @@ TEST_F(IndexAtRest, IsMadeAnewWhenItsSchemaIsForged) {
   for (const char* const forgery :
        {// Views in place of tables, endless ones too.
         "DROP TABLE state; CREATE VIEW state AS SELECT 1 AS only, 1 AS fingerprint, "
-        "0 AS holdsRemovedWords, '' AS roots",
+        "0 AS isUnfinished, 0 AS needsMerging, "
+        "1 AS namesStamp, 1 AS seenParts, 1 AS projectCards, 0 AS personalCards, "
+        "'' AS roots",
         "DROP TABLE state; CREATE VIEW state AS WITH RECURSIVE endless (n) AS (SELECT 1 UNION ALL "
-        "SELECT n + 1 FROM endless) SELECT max(n) AS fingerprint, 0 AS holdsRemovedWords, "
+        "SELECT n + 1 FROM endless) SELECT max(n) AS fingerprint, "
+        "0 AS isUnfinished, 0 AS needsMerging, "
+        "1 AS namesStamp, 1 AS seenParts, 1 AS projectCards, 0 AS personalCards, "
         "'' AS roots, 1 AS only FROM endless",
         "DROP TABLE files; CREATE VIEW files AS WITH RECURSIVE endless (n) AS (SELECT 1 UNION ALL "
         "SELECT n + 1 FROM endless) SELECT n AS id, 0 AS store, 'a.md' AS name, 0 AS size, 0 AS "

@@ -13,7 +13,8 @@ namespace {
 std::string formatOf(Database& database) {
   std::string format;
   Statement schema = database.prepare(
-      "SELECT sql FROM sqlite_schema WHERE name IN ('state', 'files', 'newest', 'titles', 'cards') "
+      "SELECT sql FROM sqlite_schema WHERE name IN ('state', 'files', 'newest', 'titles', 'cards', "
+      "'seen') "
       "ORDER BY name");
   while (schema.step() == Statement::Step::row) format.append(schema.text(0)).append("\n");
   EXPECT_TRUE(database.run("CREATE VIRTUAL TABLE temp.terms USING fts5vocab(main, cards, col)"));
@@ -28,8 +29,8 @@ std::string formatOf(Database& database) {
 // An index is used by any version of the server that gives its file the same name. So when this
 // fails, raise `IndexTables::version`, and pin the new pair here.
 TEST(IndexTables, HaveANewVersionWhenSchemaOrTokensChange) {
-  constexpr int pinnedVersion = 4;
-  constexpr std::uint64_t pinnedFormat = 45188553485048681U;
+  constexpr int pinnedVersion = 5;
+  constexpr std::uint64_t pinnedFormat = 11553233098976866057U;
 
   Database database = Database::inMemory();
   ASSERT_TRUE(IndexTables::create(database));
@@ -38,7 +39,8 @@ TEST(IndexTables, HaveANewVersionWhenSchemaOrTokensChange) {
                   .body =
                       "Ölfilter 数据库备份 東京タワー ภาษาไทย 한국어 हिन्दी עברית "
                       "don't v1.2.3 C++ src/main.cpp ABC123 running ran"};
-  IndexTables::Writer writer(database);
+  IndexTables::CardCounts cards{};
+  IndexTables::Writer writer(database, cards);
   ASSERT_TRUE(writer.add({.store = Store::Kind::project, .name = "a.md", .stamp = {}}, &card, 1));
   const std::string format = formatOf(database);
   ASSERT_NE(format.find("deploi"), std::string::npos) << format;
@@ -51,10 +53,34 @@ TEST(IndexTables, KeepTheNumbersOfStores) {
   EXPECT_EQ(static_cast<int>(Store::Kind::personal), 1);
 }
 
+TEST(IndexTables, CountTheCardsOfEachStore) {
+  Database database = Database::inMemory();
+  ASSERT_TRUE(IndexTables::create(database));
+  IndexTables::CardCounts cards{};
+  IndexTables::Writer writer(database, cards);
+  const Card card{.title = "T", .tags = {}, .body = ""};
+  const auto file = [](Store::Kind store, const char* name) {
+    return Survey::File{.store = store, .name = name, .stamp = {}};
+  };
+  ASSERT_TRUE(writer.add(file(Store::Kind::project, "a.md"), &card, 1));
+  ASSERT_TRUE(writer.add(file(Store::Kind::personal, "a.md"), &card, 1));
+  ASSERT_TRUE(writer.add(file(Store::Kind::personal, "b.md"), &card, 1));
+  ASSERT_TRUE(writer.add(file(Store::Kind::personal, "no-card.md"), nullptr, 1));
+  EXPECT_EQ(cards, (IndexTables::CardCounts{1, 2}));
+  EXPECT_EQ(IndexTables::countedCards(database), cards);
+  const auto rows = IndexTables::rows(database);
+  for (const IndexTables::Row& row : *rows) {
+    ASSERT_TRUE(writer.remove(row.id));
+    EXPECT_EQ(IndexTables::countedCards(database), cards) << row.name;
+  }
+  EXPECT_EQ(cards, IndexTables::CardCounts{});
+}
+
 TEST(IndexTables, TouchARowOfTheSameContentOnly) {
   Database database = Database::inMemory();
   ASSERT_TRUE(IndexTables::create(database));
-  IndexTables::Writer writer(database);
+  IndexTables::CardCounts cards{};
+  IndexTables::Writer writer(database, cards);
   const Card card{.title = "T", .tags = {}, .body = ""};
   ASSERT_TRUE(writer.add({.store = Store::Kind::project, .name = "a.md", .stamp = {}}, &card, 7));
   const std::int64_t id = IndexTables::rows(database)->front().id;

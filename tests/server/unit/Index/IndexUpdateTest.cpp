@@ -1,5 +1,6 @@
 #include "server/Index/IndexTables.h"
 #include "server/Index/IndexUpdate.h"
+#include "server/Index/SeenFiles.h"
 #include "support/OS/Directory.h"
 #include "unit/helpers/Files.h"
 
@@ -187,10 +188,63 @@ TEST_F(IndexUpdateTest, ReadsAFileAgainButWritesNoWordsWhenItsContentStayed) {
             StoreFiles::cardStamp(seen.cards(Store::Kind::project), Store::Kind::project, "a.md"));
 }
 
+TEST_F(IndexUpdateTest, SeesAnEditInPlaceAtOnceInASmallStore) {
+  for (int number = 0; number < 50; ++number) put(std::to_string(number) + ".md", "# T");
+  std::this_thread::sleep_for(100ms);  // until the directory's time is settled
+  const auto outcome = [this] {
+    Database database = openIndex();
+    Survey seen = survey();
+    return IndexUpdate::run(database, seen, Clock::now() + 10s, [] { return std::uint64_t{0}; });
+  };
+  ASSERT_EQ(outcome(), IndexUpdate::Outcome::written);
+  outcome();  // it notes that no name has changed since
+  ASSERT_EQ(outcome(), IndexUpdate::Outcome::current);
+  for (const std::string name : {"0.md", "25.md", "49.md"}) {
+    put(name, "# Another");
+    EXPECT_EQ(outcome(), IndexUpdate::Outcome::written) << name;
+    while (outcome() == IndexUpdate::Outcome::written) {
+    }
+  }
+}
+
+TEST_F(IndexUpdateTest, SeesThatAFileMayBeReadAgain) {
+  put("a.md", "# A");
+  put("b.md", "# B");
+  fs::permissions(place / "store/memory/a.md", fs::perms::others_write, fs::perm_options::add);
+  std::this_thread::sleep_for(100ms);
+  Database database = openIndex();
+  for (int call = 0; call < 3; ++call) {
+    Survey seen = survey();
+    ASSERT_TRUE(update(database, seen, Clock::now() + 10s));
+    EXPECT_EQ(known(database), 1U);
+  }
+  fs::permissions(place / "store/memory/a.md", fs::perms::others_write, fs::perm_options::remove);
+  Survey seen = survey();
+  ASSERT_TRUE(update(database, seen, Clock::now() + 10s));
+  EXPECT_EQ(known(database), 2U);
+}
+
+TEST_F(IndexUpdateTest, MergesTheWordsOfManyCards) {
+  for (int number = 0; number < 300; ++number) {
+    put(std::to_string(number) + ".md", "# T\n\nwalrus" + std::to_string(number));
+  }
+  const auto slowly = [](const OS::Descriptor& cards, Store::Kind kind, const std::string& name) {
+    std::this_thread::sleep_for(2ms);  // so that it takes several steps
+    return StoreFiles::readCard(cards, kind, name);
+  };
+  Database database = openIndex();
+  Survey seen = survey();
+  ASSERT_TRUE(update(database, seen, Clock::now() + 60s, slowly));
+  // A part has a first page, and each of its pages a row.
+  Statement parts = database.prepare("SELECT count(DISTINCT segid) FROM cards_idx");
+  ASSERT_EQ(parts.step(), Statement::Step::row);
+  EXPECT_EQ(parts.integer(0), 1);
+}
+
 /// A store large enough to be looked at in parts.
 class LargeIndexUpdate : public IndexUpdateTest {
  protected:
-  static constexpr std::size_t files = IndexUpdate::fewCards + 500;
+  static constexpr std::size_t files = SeenFiles::fewFiles + 500;
 
   void SetUp() override {
     IndexUpdateTest::SetUp();
@@ -211,15 +265,16 @@ class LargeIndexUpdate : public IndexUpdateTest {
   }
 
   [[nodiscard]] std::string firstName() const {
-    Database database = openIndex();
-    return IndexTables::rows(database)->front().name;
+    Survey seen = survey();
+    seen.look(Survey::Depth::names, Clock::time_point::max());
+    return seen.files().front().name;
   }
 
   std::uint64_t turn = 0;
 };
 
 TEST_F(LargeIndexUpdate, SeesAnEditInPlaceWhenItsPartHasItsTurn) {
-  constexpr int parts = 2;
+  constexpr int parts = 5;
   for (const std::string name : {"0.md", "2.md", "2499.md"}) {
     unit::writeFile(place / ("store/memory/" + name), "# Edited " + name);
     int written = 0;
@@ -264,11 +319,13 @@ TEST_F(LargeIndexUpdate, SeesThatANameIsGoneThoughSomebodySetTheDirectorysTimeBa
 }
 
 TEST_F(LargeIndexUpdate, LooksAtOnePartOnly) {
-  // The first rows are of the first part, whose turn is with even numbers.
+  constexpr int parts = 5;
   const std::string name = firstName();
   unit::writeFile(place / ("store/memory/" + name), "# Edited");
-  turn = 1;
-  EXPECT_EQ(update(), IndexUpdate::Outcome::current);
+  turn = 1;  // the first file is of the first part
+  for (int call = 1; call < parts; ++call) {
+    EXPECT_EQ(update(), IndexUpdate::Outcome::current) << call;
+  }
   EXPECT_EQ(update(), IndexUpdate::Outcome::written);
 }
 

@@ -54,7 +54,8 @@ std::vector<File> someFiles(Random& random) {
 Database indexOf(const std::vector<File>& files, const std::vector<std::size_t>& order) {
   Database database = Database::inMemory();
   EXPECT_TRUE(IndexTables::create(database));
-  IndexTables::Writer writer(database);
+  IndexTables::State state;
+  IndexTables::Writer writer(database, state.cards);
   const Card gone{.title = "walrus", .tags = {}, .body = "heron ibex"};
   EXPECT_TRUE(writer.add({.store = Store::Kind::project, .name = "gone", .stamp = {}}, &gone, 1));
   for (const std::size_t at : order) {
@@ -63,6 +64,7 @@ Database indexOf(const std::vector<File>& files, const std::vector<std::size_t>&
       EXPECT_TRUE(writer.remove(1));
     }
   }
+  EXPECT_TRUE(IndexTables::setState(database, state, {}));
   return database;
 }
 

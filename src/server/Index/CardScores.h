@@ -1,0 +1,35 @@
+#pragma once
+
+#include "server/Index/PhraseReader.h"
+#include "support/Text/Character.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+/// How well cards match a prompt: BM25, more when words that follow each other in the prompt do so
+/// in the card, and when much of the prompt is in it.
+namespace quillstead::server::CardScores {
+
+/// A term of the prompt, as the index knows it.
+struct Phrase {
+  double cards;               ///< that have it, or as many as were counted
+  double says;                ///< as a search term's
+  Text::PairedScript script;  ///< as a search term's
+  bool follows;               ///< the phrase before it comes just before it in the prompt
+  const Postings* postings;
+};
+
+struct Scored {
+  std::int64_t id;
+  double score;  ///< above 0; the higher the better
+};
+
+/// The cards worth showing, in no order: the `limit` best and those that are as good as the last of
+/// them, without those far behind the best, or whose words say too little. `unknown`: how many
+/// words of the prompt no card has. Absent when the database failed.
+std::optional<std::vector<Scored>> of(const std::vector<Phrase>& phrases, std::size_t unknown,
+                                      PhraseReader& reader, std::size_t limit);
+
+}  // namespace quillstead::server::CardScores

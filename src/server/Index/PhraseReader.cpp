@@ -1,0 +1,119 @@
+#include "server/Index/PhraseReader.h"
+
+#include <sqlite3.h>
+
+#include <string_view>
+
+namespace quillstead::server {
+
+namespace {
+
+constexpr const char* functionName = "phrasePlaces";
+constexpr const char* pointerType = "quillstead-reading";
+
+/// FTS5's own interface, absent when this SQLite has none.
+fts5_api* interfaceOf(Database& database) {
+  fts5_api* api = nullptr;
+  Statement read = database.prepare("SELECT fts5(?)");
+  read.bind(1, static_cast<void*>(&api), "fts5_api_ptr").step();
+  return api;
+}
+
+/// Takes one of FTS5's numbers of variable length from the front.
+std::uint64_t takeNumber(std::string_view& bytes) {
+  constexpr unsigned more = 0x80;
+  std::uint64_t number = 0;
+  while (!bytes.empty()) {
+    const auto byte = static_cast<unsigned char>(bytes.front());
+    bytes.remove_prefix(1);
+    number = number << 7U | (byte & ~more);
+    if ((byte & more) == 0) break;
+  }
+  return number;
+}
+
+}  // namespace
+
+/// One reading of a phrase. SQL would run its machine for every row, so the rows are asked for
+/// within a function that SQL calls for the first.
+struct PhraseReading {
+  PhraseReader::Totals& totals;
+  std::size_t mostRows;
+  std::size_t mostPlaced;
+  Postings postings;
+
+  static void run(const Fts5ExtensionApi* api, Fts5Context* context, sqlite3_context* result,
+                  int count, sqlite3_value** values) {
+    auto* const reading =
+        count == 1 ? static_cast<PhraseReading*>(sqlite3_value_pointer(values[0], pointerType))
+                   : nullptr;
+    if (!reading) {
+      sqlite3_result_error(result, "phrasePlaces needs its reading", -1);
+      return;
+    }
+    sqlite3_int64 rows = 0;
+    sqlite3_int64 words = 0;
+    api->xRowCount(context, &rows);
+    api->xColumnTotalSize(context, -1, &words);
+    reading->totals = {.words = static_cast<double>(words), .rows = static_cast<double>(rows)};
+    const int status = api->xQueryPhrase(context, 0, reading, &visit);
+    if (status != SQLITE_OK) sqlite3_result_error_code(result, status);
+  }
+
+  static int visit(const Fts5ExtensionApi* api, Fts5Context* context, void* data) {
+    PhraseReading& reading = *static_cast<PhraseReading*>(data);
+    Postings& postings = reading.postings;
+    postings.rows.push_back(api->xRowid(context));
+    const std::size_t rows = postings.rows.size();
+    if (rows <= reading.mostPlaced) {
+      const int status = place(api, context, postings);
+      if (status != SQLITE_OK) return status;
+    }
+    return rows < reading.mostRows ? SQLITE_OK : SQLITE_DONE;
+  }
+
+  static int place(const Fts5ExtensionApi* api, Fts5Context* context, Postings& postings) {
+    Fts5PhraseIter next{};
+    int column = 0;
+    int offset = 0;
+    const int status = api->xPhraseFirst(context, 0, &next, &column, &offset);
+    for (; status == SQLITE_OK && column >= 0; api->xPhraseNext(context, &next, &column, &offset)) {
+      postings.places.push_back({.column = column, .offset = offset});
+    }
+    postings.ends.push_back(postings.places.size());
+    return status;
+  }
+};
+
+std::optional<PhraseReader> PhraseReader::of(Database& database) {
+  fts5_api* const api = interfaceOf(database);
+  if (!api ||
+      api->xCreateFunction(api, functionName, nullptr, &PhraseReading::run, nullptr) != SQLITE_OK) {
+    return std::nullopt;
+  }
+  return PhraseReader(
+      database.prepare("SELECT phrasePlaces(cards, ?2) FROM cards WHERE cards MATCH ?1 LIMIT 1"),
+      database.prepare("SELECT sz FROM cards_docsize WHERE id = ?"));
+}
+
+std::optional<Postings> PhraseReader::read(const std::string& expression, std::size_t mostRows,
+                                           std::size_t mostPlaced) {
+  PhraseReading reading{
+      .totals = totals_, .mostRows = mostRows, .mostPlaced = mostPlaced, .postings = {}};
+  const Statement::Step step = find_.bind(1, expression).bind(2, &reading, pointerType).step();
+  find_.reset();
+  if (step == Statement::Step::failed) return std::nullopt;
+  return std::move(reading.postings);
+}
+
+std::optional<double> PhraseReader::lengthOf(std::int64_t row) {
+  if (length_.bind(1, row).step() != Statement::Step::row) return std::nullopt;
+  double words = 0;
+  for (std::string_view sizes = length_.text(0); !sizes.empty();) {
+    words += static_cast<double>(takeNumber(sizes));
+  }
+  length_.reset();
+  return words;
+}
+
+}  // namespace quillstead::server
