@@ -32,6 +32,9 @@ constexpr std::chrono::nanoseconds settlingTimeWithCoarseClock = 2s;
 /// into.
 constexpr std::size_t manyChanges = 100;
 
+/// With less than this, a look at a large store may end early each time.
+constexpr std::chrono::milliseconds patienceForAll = 200ms;
+
 /// The content of a file that is no card.
 constexpr std::uint64_t noContent = 0;
 
@@ -112,6 +115,9 @@ class Update {
     if (!state_ && database_.error() == DatabaseError::busy) return Outcome::failed;
     if (isPartCurrent(turn)) return state_->needsMerging ? mergeOnly() : Outcome::current;
     look();
+    // What a short look did not come to is left to a call that has the time for all of it.
+    const bool isCut = !survey_.isComplete() && state_ && !state_->isUnfinished;
+    if (isCut && patience_ < patienceForAll) return Outcome::current;
     // On a starved machine looking may take all the time, and yet each update has to get on.
     deadline_ = std::max(deadline_, Clock::now() + patience_ / 2);
     const bool isCurrent = survey_.isComplete() && state_ && !state_->isUnfinished &&
