@@ -136,7 +136,7 @@ TEST_F(IndexUpdateTest, CommitsAfterSomeMegabytes) {
 TEST_F(IndexUpdateTest, LetsOthersReadUntilItCommits) {
   std::string text;
   while (text.size() < 50'000) text += "word" + std::to_string(text.size()) + ' ';
-  for (int number = 0; number < 40; ++number) put(std::to_string(number) + ".md", text);
+  for (int number = 0; number < 100; ++number) put(std::to_string(number) + ".md", text);
   Database database = openIndex();
   ASSERT_TRUE(database.run("PRAGMA cache_size = 10"));  // pages: a step has no room in it
   Database other = Database::open(place / "index", 0ms);
