@@ -1,6 +1,7 @@
 #include "server/Store/StoreFiles.h"
 
 #include "server/Complaint.h"
+#include "server/Markdown/Comments.h"
 #include "support/OS/Beneath.h"
 #include "support/OS/Directory.h"
 #include "support/OS/Paths.h"
@@ -87,7 +88,8 @@ TextOrReason asText(Store::Kind kind, std::variant<OS::FileContent, OS::NoConten
   if (content.bytes.find('\0') != std::string::npos) return NoText::binary;
   if (content.bytes.starts_with(byteOrderMark)) content.bytes.erase(0, byteOrderMark.size());
   if (holdsConflict(content.bytes)) return NoText::conflict;
-  return FileText{.text = Text::repaired(std::move(content.bytes)), .stamp = content.stamp};
+  std::string text = Markdown::withoutComments(Text::repaired(std::move(content.bytes)));
+  return FileText{.text = std::move(text), .stamp = content.stamp};
 }
 
 /// The store's directory: the one that is held open, or one that came later.

@@ -54,8 +54,8 @@ enum class NoText {
 /// The same for the user's eyes: "it is not a file".
 std::string_view explained(NoText reason);
 
-/// A file's text as valid UTF-8, what was invalid replaced, and its stamp. A file with a zero byte
-/// is binary.
+/// A file's text as valid UTF-8, what was invalid replaced, without HTML comments, and its stamp. A
+/// file with a zero byte is binary.
 struct FileText {
   std::string text;
   OS::FileStamp stamp;

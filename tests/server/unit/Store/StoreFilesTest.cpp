@@ -76,6 +76,16 @@ class StoreFilesTest : public ::testing::Test {
   unit::TemporaryDirectory directory;
 };
 
+TEST_F(StoreFilesTest, LeavesOutNotesForPeople) {
+  put("tea.md", "# Tea\n<!-- ask Anna -->\nNever coffee.\n");
+  unit::writeFile(directory / "store/rules.md", "<!--\n- No rule.\n-->\n- A rule.\n");
+  const OS::Descriptor opened = StoreFiles::openCards(store());
+  EXPECT_EQ(described(StoreFiles::readCard(opened, Store::Kind::project, "tea.md")),
+            "# Tea\nNever coffee.\n");
+  EXPECT_EQ(card("tea.md"), "# Tea\nNever coffee.\n");
+  EXPECT_EQ(described(StoreFiles::readRules(store())), "- A rule.\n");
+}
+
 TEST_F(StoreFilesTest, SeesRegularMarkdownFilesOnly) {
   put("a.md", "a");
   put("ü.md", "u");
