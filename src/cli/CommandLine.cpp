@@ -29,11 +29,12 @@ class Reader {
     app_.require_subcommand(1);
     app_.set_help_flag(helpNames, helpSummary);
     app_.set_version_flag("--version", "quillstead " QUILLSTEAD_VERSION, "Print the version");
-    addSetup<Install::Options>("install", "Set up your coding agents")
+    addSetup("install", "Set up your coding agents", Direction::install)
         .footer(
             "Without a harness: all that are there. Only what has to change in their settings "
             "does, and uninstall gives them back as they were.");
-    addSetup<Uninstall::Options>("uninstall", "Take out of your coding agents what install set up");
+    addSetup("uninstall", "Take out of your coding agents what install set up",
+             Direction::uninstall);
     addDoctor();
     addLog();
     addRecall();
@@ -79,9 +80,9 @@ class Reader {
   }
 
   /// A command that changes the harnesses' settings.
-  template <typename Options>
-  CLI::App& addSetup(const std::string& name, const std::string& summary) {
-    const auto [command, options] = add<Options>(name, summary);
+  CLI::App& addSetup(const std::string& name, const std::string& summary, Direction direction) {
+    const auto [command, options] = add<SetupOptions>(name, summary);
+    options->direction = direction;
     const std::vector<std::string> harnesses(Harnesses::names.begin(), Harnesses::names.end());
     command
         .add_option("harness", options->harnesses, "The harnesses; without one, all that are there")

@@ -3,12 +3,11 @@
 #include "cli/Description.h"
 #include "cli/Doctor.h"
 #include "cli/Init.h"
-#include "cli/Install.h"
 #include "cli/Log.h"
 #include "cli/Recall.h"
+#include "cli/Setup/SetupOptions.h"
 #include "cli/Texts.h"
 #include "cli/Trust.h"
-#include "cli/Uninstall.h"
 
 #include <span>
 #include <string>
@@ -19,8 +18,8 @@
 namespace quillstead::cli::CommandLine {
 
 /// The options of the command that is to run.
-using Command = std::variant<Doctor::Options, Init::Options, Install::Options, Log::Options,
-                             Recall::Options, Texts::Options, Trust::Options, Uninstall::Options>;
+using Command = std::variant<Doctor::Options, Init::Options, Log::Options, Recall::Options,
+                             SetupOptions, Texts::Options, Trust::Options>;
 
 /// There is nothing to run: the command line asks for a text, or makes no sense.
 struct Answer {

@@ -2,10 +2,10 @@
 
 #include "cli/Context.h"
 #include "cli/PersonalStore.h"
-#include "cli/Setup/ConfigFile.h"
+#include "cli/SetUp.h"
 #include "cli/Setup/FileChanges.h"
-#include "cli/Setup/Harnesses.h"
-#include "cli/Setup/HookSettings.h"
+#include "cli/Setup/Programs.h"
+#include "cli/Setup/SetupOptions.h"
 #include "support/OS/Directory.h"
 #include "support/Text/Text.h"
 
@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <string_view>
-#include <variant>
 
 namespace quillstead::cli::Install {
 
@@ -33,14 +32,6 @@ bool areProgramsThere(const Context& context) {
     }
   }
   return true;
-}
-
-/// The log that Claude Code's settings name.
-std::optional<std::string> logOfClaudeCode(const Places& places) {
-  const auto read = ConfigFile::read(places.claudeDirectory + "/settings.json");
-  const auto* content = std::get_if<ConfigFile::Content>(&read);
-  if (content == nullptr || !content->bytes) return std::nullopt;
-  return HookSettings::logNamedIn(*content->bytes);
 }
 
 void tellWhatIsLeft(const std::vector<std::string>& harnesses, const Context& context) {
@@ -86,23 +77,14 @@ bool makePlaces(const Context& context, const Programs& programs) {
 
 }  // namespace
 
-int run(const Options& options, const Context& context) {
-  const std::vector<std::string> harnesses =
-      Harnesses::chosen(options.harnesses, context.places, context.environment);
-  if (harnesses.empty()) {
-    context.console.complain(Harnesses::noneIsThere);
-    return EXIT_FAILURE;
-  }
-  if (!areProgramsThere(context)) return EXIT_FAILURE;
+int run(const SetupOptions& options, const Context& context) {
+  const std::vector<std::string> harnesses = options.chosen(context);
+  if (harnesses.empty() || !areProgramsThere(context)) return EXIT_FAILURE;
 
   const Programs programs =
-      Programs::of(context.places, context.environment, logOfClaudeCode(context.places));
-  FileChanges changes(Direction::install, options.isDryRun, context);
-  for (const std::string& harness : harnesses) {
-    for (const auto& target : Harnesses::targets(harness, context.places, programs)) {
-      changes.change(target);
-    }
-  }
+      Programs::of(context.places, context.environment, SetUp::logNamed(context.places));
+  FileChanges changes(options, context);
+  for (const std::string& harness : harnesses) changes.changeAll(harness, programs);
   if (options.isDryRun) return changes.wasAnyLeftAlone() ? EXIT_FAILURE : EXIT_SUCCESS;
 
   changes.tellCopies();

@@ -3,6 +3,8 @@
 #include "cli/CommandLine.h"
 #include "cli/Console.h"
 #include "cli/Context.h"
+#include "cli/Install.h"
+#include "cli/Uninstall.h"
 
 #include <unistd.h>
 
@@ -19,14 +21,14 @@ struct Dispatch {
 
   int operator()(const Doctor::Options& options) const { return Doctor::run(options, context); }
   int operator()(const Init::Options& options) const { return Init::run(options, context); }
-  int operator()(const Install::Options& options) const { return Install::run(options, context); }
   int operator()(const Log::Options& options) const { return Log::run(options, context); }
   int operator()(const Recall::Options& options) const { return Recall::run(options, context); }
+  int operator()(const SetupOptions& options) const {
+    return options.direction == Direction::install ? Install::run(options, context)
+                                                   : Uninstall::run(options, context);
+  }
   int operator()(const Texts::Options& options) const { return Texts::run(options, context); }
   int operator()(const Trust::Options& options) const { return Trust::run(options, context); }
-  int operator()(const Uninstall::Options& options) const {
-    return Uninstall::run(options, context);
-  }
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "cli/Setup/FileChanges.h"
 #include "cli/Setup/Harnesses.h"
 #include "cli/Setup/Programs.h"
+#include "cli/Setup/SetupOptions.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -40,21 +41,14 @@ void tellWhatStays(const Context& context) {
 
 }  // namespace
 
-int run(const Options& options, const Context& context) {
-  const std::vector<std::string> harnesses =
-      Harnesses::chosen(options.harnesses, context.places, context.environment);
-  if (harnesses.empty()) {
-    context.console.complain(Harnesses::noneIsThere);
-    return EXIT_FAILURE;
-  }
+int run(const SetupOptions& options, const Context& context) {
+  const std::vector<std::string> harnesses = options.chosen(context);
+  if (harnesses.empty()) return EXIT_FAILURE;
   const Programs programs = Programs::of(context.places, context.environment, std::nullopt);
-  FileChanges changes(Direction::uninstall, options.isDryRun, context);
+  FileChanges changes(options, context);
   for (const std::string& harness : harnesses) {
-    bool isAnyChanged = false;
-    for (const auto& target : Harnesses::targets(harness, context.places, programs)) {
-      isAnyChanged = changes.change(target) || isAnyChanged;
-    }
-    if (isAnyChanged && !options.isDryRun) removeMadeDirectories(harness, context);
+    const bool isAnyChanged = changes.changeAll(harness, programs);
+    if (isAnyChanged) removeMadeDirectories(harness, context);
   }
   changes.tellCopies();
   if (!options.isDryRun) tellWhatStays(context);

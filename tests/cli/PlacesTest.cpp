@@ -1,7 +1,11 @@
 #include "cli/Places.h"
 #include "unit/helpers/Process.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
 
 namespace quillstead::cli {
 
@@ -15,36 +19,34 @@ constexpr const char* log = "/h/.local/state/quillstead/hook.log";
 constexpr const char* cache = "/h/.cache/quillstead";
 #endif
 
+/// All that the environment decides.
+std::vector<std::string> placesIn(const OS::Environment& environment) {
+  const Places places = Places::find(environment);
+  return {places.home,           places.claudeDirectory, places.claudeServers,
+          places.codexDirectory, places.cursorDirectory, places.openCodeDirectory,
+          places.stateDirectory, places.cacheDirectory,  places.personalStore};
+}
+
 TEST(Places, AreInTheHomeWhenNothingElseIsSaid) {
   for (const std::string& nothing : {std::string("HOME=/h"), std::string("CODEX_HOME=")}) {
-    const Places places = Places::find(
-        unit::EnvironmentOf{"HOME=/h", nothing, "CLAUDE_CONFIG_DIR=", "XDG_CONFIG_HOME=",
-                            "XDG_STATE_HOME=", "XDG_CACHE_HOME=", "QUILLSTEAD_HOME="});
-    EXPECT_EQ(places.home, "/h");
-    EXPECT_EQ(places.claudeDirectory, "/h/.claude");
-    EXPECT_EQ(places.claudeServers, "/h/.claude.json");
-    EXPECT_EQ(places.codexDirectory, "/h/.codex");
-    EXPECT_EQ(places.cursorDirectory, "/h/.cursor");
-    EXPECT_EQ(places.openCodeDirectory, "/h/.config/opencode");
-    EXPECT_EQ(places.stateDirectory, "/h/.local/state/quillstead");
-    EXPECT_EQ(places.cacheDirectory, cache);
-    EXPECT_EQ(places.personalStore, "/h/.quillstead");
-    EXPECT_EQ(places.log, log);
+    const unit::EnvironmentOf environment{
+        "HOME=/h",         nothing,           "CLAUDE_CONFIG_DIR=", "XDG_CONFIG_HOME=",
+        "XDG_STATE_HOME=", "XDG_CACHE_HOME=", "QUILLSTEAD_HOME="};
+    EXPECT_THAT(placesIn(environment),
+                ::testing::ElementsAre("/h", "/h/.claude", "/h/.claude.json", "/h/.codex",
+                                       "/h/.cursor", "/h/.config/opencode",
+                                       "/h/.local/state/quillstead", cache, "/h/.quillstead"));
+    EXPECT_EQ(Places::find(environment).log, log);
   }
 }
 
 TEST(Places, AreWhereTheEnvironmentSays) {
-  const Places places = Places::find(unit::EnvironmentOf{
-      "HOME=/h", "CLAUDE_CONFIG_DIR=/c", "CODEX_HOME=/x", "XDG_CONFIG_HOME=/config",
-      "XDG_STATE_HOME=/state", "XDG_CACHE_HOME=/cache", "QUILLSTEAD_HOME=/store"});
-  EXPECT_EQ(places.claudeDirectory, "/c");
-  EXPECT_EQ(places.claudeServers, "/c/.claude.json");
-  EXPECT_EQ(places.codexDirectory, "/x");
-  EXPECT_EQ(places.cursorDirectory, "/h/.cursor");
-  EXPECT_EQ(places.openCodeDirectory, "/config/opencode");
-  EXPECT_EQ(places.stateDirectory, "/state/quillstead");
-  EXPECT_EQ(places.cacheDirectory, "/cache/quillstead");
-  EXPECT_EQ(places.personalStore, "/store");
+  EXPECT_THAT(
+      placesIn(unit::EnvironmentOf{"HOME=/h", "CLAUDE_CONFIG_DIR=/c", "CODEX_HOME=/x",
+                                   "XDG_CONFIG_HOME=/config", "XDG_STATE_HOME=/state",
+                                   "XDG_CACHE_HOME=/cache", "QUILLSTEAD_HOME=/store"}),
+      ::testing::ElementsAre("/h", "/c", "/c/.claude.json", "/x", "/h/.cursor", "/config/opencode",
+                             "/state/quillstead", "/cache/quillstead", "/store"));
 }
 
 TEST(Places, TakeARelativeBaseDirectoryForNone) {

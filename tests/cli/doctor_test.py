@@ -5,8 +5,11 @@ says. QUILLSTEAD names the program, which has the others beside it."""
 import json
 import os
 import pathlib
+import pty
+import re
 import shutil
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -114,6 +117,31 @@ class DoctorTest(unittest.TestCase):
         run = self.quillstead("doctor", "cursor")
         self.assertEqual(run.returncode, 1)
         self.assertRegex(run.stdout, r"FAIL  server\.start .*cannot be started.*\n +→ ")
+
+    def on_terminal(self, **variables):
+        """What it shows on a terminal."""
+        terminal, end = pty.openpty()
+        self.addCleanup(os.close, terminal)
+        subprocess.run([self.bin / "quillstead", "doctor", "cursor"], env={**self.environment, **variables}, cwd=self.work,
+                       stdout=end, timeout=60)
+        os.close(end)
+        shown = b""
+        try:
+            while piece := os.read(terminal, 65536):
+                shown += piece
+        except OSError:  # nobody writes any more
+            pass
+        return shown.decode()
+
+    def test_is_coloured_on_a_terminal_alone(self):
+        self.install()
+        self.assertIn("\x1b[32mok  \x1b[0m", self.on_terminal(TERM="xterm"))
+        for variables in ({"TERM": "xterm", "NO_COLOR": "1"}, {"TERM": "dumb"}, {}):
+            shown = self.on_terminal(**variables)
+            self.assertIn("ok    cursor.hooks", shown)
+            self.assertNotIn("\x1b", shown)
+        self.environment["TERM"] = "xterm"
+        self.assertNotIn("\x1b", self.quillstead("doctor", "cursor").stdout)
 
     def test_names_only_the_harnesses_that_are_asked_for_or_there(self):
         self.install()
@@ -330,6 +358,165 @@ class DoctorTest(unittest.TestCase):
         own["mcpServers"]["quillstead"]["env"] = {"QUILLSTEAD_HOME": "/third"}
         (self.home / ".claude.json").write_text(json.dumps(own))
         self.assert_check(self.doctor("claude-code"), "claude-code.server", "warn", "/other", "/third")
+
+
+    def test_a_codex_entry_whose_stamp_codex_drops(self):
+        self.install()
+        path = self.home / ".codex/hooks.json"
+        path.write_text(path.read_text().replace(" --decision allow", ""))
+        checks = self.doctor("codex")
+        self.assert_check(checks, "codex.run", "fail", "drops the stamp", "--decision allow", "quillstead install codex")
+        self.assert_check(checks, "codex.hooks", "warn", "not up to date")
+
+    def test_a_server_of_another_version(self):
+        self.install()
+        self.write_program("quillstead-mcp", f"#!/bin/sh\n'{self.kept.name}/quillstead-mcp' | "
+                                             "sed 's/\\(\"quillstead-mcp\",\"version\":\"\\)[^\"]*/\\10.9.0/'\n")
+        checks = self.doctor("cursor")
+        self.assert_check(checks, "server.start", "warn", "version 0.9.0", "together")
+        self.assert_check(checks, "cursor.run", "ok")
+
+    IN_CONFIG = """
+[[hooks.UserPromptSubmit]]
+[[hooks.UserPromptSubmit.hooks]]
+type = "command"
+command = "%(hook)s --harness codex"
+[[hooks.PreToolUse]]
+matcher = "mcp__quillstead__.*"
+[[hooks.PreToolUse.hooks]]
+type = "command"
+command = "%(hook)s --harness codex --slot pretool --decision allow"
+"""
+
+    def test_codex_hooks_in_its_other_file(self):
+        self.install()
+        config, hooks = self.home / ".codex/config.toml", self.home / ".codex/hooks.json"
+        with open(config, "a", encoding="utf-8") as file:
+            file.write(self.IN_CONFIG % {"hook": self.bin / "quillstead-hook"})
+        self.assert_check(self.doctor("codex"), "codex.double", "warn", str(config), "take ours out")
+        hooks.unlink()
+        checks = self.doctor("codex")
+        self.assert_check(checks, "codex.hooks", "warn", str(config), "take them out", "quillstead install codex")
+        self.assert_check(checks, "codex.run", "ok", "2 commands answered")
+        self.assert_check(checks, "codex.double", "ok")
+        config.write_text(config.read_text().partition("[[hooks.PreToolUse]]")[0])
+        self.assert_check(self.doctor("codex"), "codex.hooks", "fail", "no entry answers before a tool call")
+        (self.work / ".codex").mkdir()
+        shutil.copy(config, self.work / ".codex/config.toml")
+        self.assert_check(self.doctor("codex"), "codex.double", "warn", str(self.work / ".codex/config.toml"))
+
+    def test_an_entry_for_all_beside_one_for_a_slot(self):
+        self.install()
+        (self.work / ".codex").mkdir()
+        (self.work / ".codex/hooks.json").write_text(json.dumps({"hooks": {"UserPromptSubmit": [{"hooks": [
+            {"type": "command", "command": f"{self.bin}/quillstead-hook --harness codex --slot recall"}]}]}}))
+        self.assert_check(self.doctor("codex"), "codex.double", "warn", str(self.work))
+
+    def test_settings_that_are_read_only_and_up_to_date(self):
+        self.install()
+        for path in self.home.glob(".c*/*.json"):
+            path.chmod(0o444)
+        checks = self.doctor()
+        for harness in HARNESSES:
+            self.assert_check(checks, f"{harness}.hooks", "ok")
+            self.assert_check(checks, f"{harness}.run", "ok")
+
+    def test_the_whole_report_takes_twenty_seconds_at_most(self):
+        self.install()
+        (self.home / "path").mkdir()
+        codex = self.home / "path/codex"
+        codex.write_text("#!/bin/sh\nexec sleep 60\n")
+        codex.chmod(0o755)
+        # What does not end: nothing of ours; then the hook, the server and Codex; then the version too.
+        for slow, server in [("sleep 3", ""), ("sleep 60", "sleep 60"), ("[ \"$1\" != --version ] || sleep 60", "sleep 60")]:
+            with self.subTest(hook=slow):
+                self.write_program("quillstead-hook", f"#!/bin/sh\n{slow}\nexec '{self.kept.name}/quillstead-hook' \"$@\"\n")
+                self.write_program("quillstead-mcp", f"#!/bin/sh\n{server}\nexec '{self.kept.name}/quillstead-mcp'\n")
+                begin = time.monotonic()
+                checks = self.doctor()
+                took = time.monotonic() - begin
+                print(f"{took:.1f} s", file=sys.stderr)
+                self.assertLess(took, 40)
+                self.assertEqual(len(checks), 22)  # none is left out
+                late = [check["summary"] for check in checks.values() if "no time was left" in check["summary"]]
+                self.assertTrue(late or "version" in slow, "a limit was reached")
+
+    def test_the_server_gets_three_seconds(self):
+        self.install()
+        self.write_program("quillstead-mcp", "#!/bin/sh\nsleep 60\n")
+        summary = self.doctor("opencode")["server.start"]["summary"]
+        milliseconds = int(re.search(r"no answer within (\d+) ms", summary)[1])
+        self.assertGreaterEqual(milliseconds, 3000)
+        self.assertLess(milliseconds, 20_000)
+
+    # Each way to break a set-up: what does it, the check that names it, and the first words of what to do.
+    def broken(self):
+        hook, server = self.bin / "quillstead-hook", self.bin / "quillstead-mcp"
+        claude, codex = self.home / ".claude/settings.json", self.home / ".codex/hooks.json"
+        cursor, log = self.home / ".cursor/hooks.json", self.home / ".local/state/quillstead/hook.log"
+        late = "2026-11-16T03:38:33.123+00:00 5ms rules=MISS:timeout | parse 5 residual 0\n"
+
+        def replace(path, old, new):
+            path.write_text(path.read_text().replace(old, new))
+
+        def copy_to_project(path):
+            (self.work / path.parent.name).mkdir()
+            shutil.copy(path, self.work / path.parent.name)
+
+        def untrusting_codex():
+            (self.home / "path").mkdir()
+            program = self.home / "path/codex"
+            program.write_text(CODEX % {"trust": "untrusted", "enabled": True})
+            program.chmod(0o755)
+
+        return [
+            ("the hook moved", lambda: hook.rename(self.bin / "x"), "codex.run", "FAIL", "cannot be started", "quillstead install codex"),
+            ("not executable", lambda: self.write_program(hook.name, "").chmod(0o644), "cursor.run", "FAIL", "Permission denied", "quillstead install cursor"),
+            ("wrong version", lambda: self.write_program(hook.name, "#!/bin/sh\n[ \"$1\" = --version ] && echo 'quillstead-hook 0.9.0' && exit\n"
+                                                         f"QUILLSTEAD_MCP_BIN={server} exec '{self.kept.name}/quillstead-hook' \"$@\"\n"),
+             "claude-code.run", "warn", "version 0.9.0", "quillstead install claude-code"),
+            ("server missing", server.unlink, "server.start", "FAIL", "cannot be started", "put quillstead-mcp back"),
+            ("server hanging", lambda: self.write_program(server.name, "#!/bin/sh\nsleep 60\n"), "server.start", "FAIL", "hangs", "put quillstead-mcp back"),
+            ("server babbling", lambda: self.write_program(server.name, "#!/bin/sh\necho Hi; cat >/dev/null\n"), "server.start", "FAIL", "something else than MCP: Hi", "put quillstead-mcp back"),
+            ("entries missing", lambda: claude.write_text("{}"), "claude-code.hooks", "FAIL", "no hooks of ours", "quillstead install claude-code"),
+            ("entries old", lambda: replace(codex, "--slot pretool --decision", "--slot=pretool --decision"), "codex.hooks", "warn", "not up to date", "quillstead install codex"),
+            ("doubled at two levels", lambda: copy_to_project(cursor), "cursor.double", "warn", "as well", "take ours out of"),
+            ("Codex not trusting", untrusting_codex, "codex.trust", "FAIL", "not reviewed", "start codex once"),
+            ("log not writable", lambda: log.mkdir(), "log.file", "warn", "is no file", "take it away"),
+            ("prompts timing out", lambda: log.write_text(late * 9), "log.recent", "warn", "9 of the last 9 prompts timed out", "quillstead log"),
+            ("rules too long", lambda: (self.home / ".quillstead/rules.md").write_text("- A rule of some length.\n" * 360),
+             "store.personal", "warn", "cursor takes 8,000", "shorten rules.md"),
+            ("project not trusted", lambda: (self.work / ".quillstead").mkdir(), "store.project", "warn", "not trusted", "look at what is in it"),
+            ("QUILLSTEAD_HOME for one program", lambda: replace(self.home / ".cursor/mcp.json", '"args": []', '"args": [], "env": {"QUILLSTEAD_HOME": "/other"}'),
+             "cursor.server", "warn", "QUILLSTEAD_HOME is nothing for the hook and /other", "set it to the same")]
+
+    def test_each_broken_set_up_is_seen_in_one_screen_with_what_to_do(self):
+        for number in range(len(self.broken())):
+            self.doCleanups()
+            self.setUp()
+            self.install()
+            name, break_it, check, mark, what, fix = self.broken()[number]
+            with self.subTest(name):
+                break_it()
+                report = self.quillstead("doctor").stdout
+                self.assertLessEqual(len(report.splitlines()), 40)
+                seen = re.search(rf"^{mark}  {re.escape(check)} .*{re.escape(what)}.*\n +→ (.*)$", report, re.M)
+                self.assertTrue(seen, report)
+                self.assertIn(fix, seen[1])
+
+    @unittest.skipUnless(hasattr(os, "geteuid") and os.geteuid() == 0, "root may write everything, and may be another")
+    def test_a_log_that_belongs_to_somebody_else(self):
+        self.install()
+        log = self.home / "log"
+        log.touch(0o644)
+        self.environment["QUILLSTEAD_HOOK_LOG"] = str(log)
+        for path in [self.home, *self.home.rglob("*")]:
+            if path != log and not path.is_symlink():
+                os.chown(path, 65534, 65534)
+        run = subprocess.run([self.bin / "quillstead", "doctor", "--json", "cursor"], env=self.environment, cwd=self.work,
+                             capture_output=True, text=True, timeout=60, user=65534, group=65534, extra_groups=[])
+        checks = {check["id"]: check for check in json.loads(run.stdout)["checks"]}
+        self.assert_check(checks, "log.file", "warn", "cannot be written", "another user")
 
 
 if __name__ == "__main__":

@@ -7,6 +7,10 @@
 
 namespace quillstead::cli {
 
+Check skipped(std::string id, std::string why) {
+  return {.id = std::move(id), .status = Check::Status::skip, .summary = std::move(why), .fix = {}};
+}
+
 std::string_view nameOf(Check::Status status) {
   switch (status) {
     case Check::Status::ok:

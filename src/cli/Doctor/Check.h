@@ -21,6 +21,9 @@ struct Check {
   std::string fix;  ///< what to do about it; empty when there is nothing to do
 };
 
+/// A check of which there is nothing to say but why.
+Check skipped(std::string id, std::string why);
+
 std::string_view nameOf(Check::Status status);
 
 /// What is found wrong with one thing: the worst decides, and all are told.

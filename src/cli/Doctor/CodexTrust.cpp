@@ -16,10 +16,6 @@ namespace {
 
 constexpr const char* id = "codex.trust";
 
-Check skipped(std::string summary) {
-  return {.id = id, .status = Check::Status::skip, .summary = std::move(summary), .fix = {}};
-}
-
 std::string requests(const std::string& directory) {
   JSON::Array directories;
   directories.emplace_back(directory);
@@ -76,7 +72,8 @@ Known knownIn(const JSON::Document& answer) {
 
 Check run(const Context& context, std::chrono::milliseconds limit) {
   const auto codex = onPath("codex", context.environment);
-  if (!codex) return skipped("codex is not on PATH");
+  if (!codex) return skipped(id, "codex is not on PATH");
+  if (limit <= limit.zero()) return skipped(id, "no time was left to ask codex");
   const ChildEnd end = ChildRun::run(
       {.command = {*codex, "app-server"},
        .environment = ChildRun::changed(context.environment, {}),
@@ -85,7 +82,7 @@ Check run(const Context& context, std::chrono::milliseconds limit) {
        .limit = limit,
        .isEnough = [](std::string_view output) { return answerIn(output).has_value(); }});
   const auto answer = answerIn(end.output);
-  if (!answer) return skipped("this codex does not tell which hooks it trusts");
+  if (!answer) return skipped(id, "this codex does not tell which hooks it trusts");
 
   const Known known = knownIn(*answer);
   const std::string review = "start codex once, and review the hooks with /hooks";

@@ -75,7 +75,11 @@ class Reader {
       read_.hasForeignWays = read_.hasForeignWays || isByWay;
       return;
     }
-    ConfiguredHook hook{.event = event, .program = run->program, .command = {}, .told = *text};
+    ConfiguredHook hook{.event = event,
+                        .slot = HookHandler::slotOf(run->arguments),
+                        .program = run->program,
+                        .command = {},
+                        .told = *text};
     for (const std::string& argument : run->arguments) hook.told.append("\n").append(argument);
     if (run->isShellText) {
       hook.command = shellFor(harness_, withoutLog(*text), environment_);
@@ -128,10 +132,12 @@ ConfiguredHooks ConfiguredHooks::readPlugin(const std::string& text,
                                 : program;
   ConfiguredHooks read;
   read.hooks.push_back({.event = "chat.message",
+                        .slot = {},
                         .program = found,
                         .command = {found, "--harness", "opencode"},
                         .told = found});
   read.hooks.push_back({.event = "PreToolUse",
+                        .slot = "pretool",
                         .program = found,
                         .command = {found, "--harness", "opencode", "--slot", "pretool"},
                         .told = found});

@@ -12,6 +12,7 @@ namespace quillstead::cli {
 /// A handler in a harness's settings that runs our hook.
 struct ConfiguredHook {
   std::string event;                 ///< "UserPromptSubmit"
+  std::string slot;                  ///< empty: rules and memory together
   std::string program;               ///< as it is written
   std::vector<std::string> command;  ///< what the harness starts: the program, or a shell
   std::string told;                  ///< all that is written of it, for comparing

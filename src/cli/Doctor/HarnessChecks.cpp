@@ -3,15 +3,14 @@
 #include "cli/Doctor/ConfiguredHooks.h"
 #include "cli/Doctor/HookRuns.h"
 #include "cli/Doctor/MemoryHome.h"
+#include "cli/ProjectTop.h"
+#include "cli/Setup/CodexConfigHooks.h"
 #include "cli/Setup/ConfigFile.h"
 #include "cli/Setup/Harnesses.h"
 #include "support/OS/Paths.h"
 
-#include <sys/stat.h>
-
-#include <map>
+#include <algorithm>
 #include <optional>
-#include <set>
 #include <utility>
 #include <variant>
 
@@ -56,10 +55,14 @@ Compared compare(const Harnesses::Target& target, const std::string& what, bool 
 
 bool isPlugin(const std::string& harness) { return harness == "opencode"; }
 
-ConfiguredHooks hooksIn(const std::string& harness, const std::string& text,
+/// The hooks that a file of the harness has; none when there is no such file.
+ConfiguredHooks hooksIn(const std::string& harness, const std::string& file,
                         const Context& context) {
-  return isPlugin(harness) ? ConfiguredHooks::readPlugin(text, context.environment)
-                           : ConfiguredHooks::read(harness, text, context.environment);
+  auto text = ConfigFile::textOf(file);
+  if (text && file.ends_with(".toml")) text = CodexConfigHooks::asJSON(*text);
+  if (!text) return {};
+  return isPlugin(harness) ? ConfiguredHooks::readPlugin(*text, context.environment)
+                           : ConfiguredHooks::read(harness, *text, context.environment);
 }
 
 /// What a prompt or a tool call needs and the settings do not have.
@@ -78,63 +81,84 @@ void findMissing(const ConfiguredHooks& configured, Findings& findings, const st
   if (!answersTools) findings.fail("no entry answers before a tool call", fix);
 }
 
-/// The directory that is the project's top: that with .git above the current one, or that itself.
-std::string projectTop() {
-  std::string own = OS::canonicalPath(".").value_or("/");
-  for (std::string at = own; !at.empty(); at.resize(at.rfind('/'))) {
-    struct stat status {};
-    if (stat((at + "/.git").c_str(), &status) == 0) return at;
-    if (at.rfind('/') == std::string::npos) break;
-  }
-  return own;
-}
-
-/// The files of a project that its harness loads beside the user's own.
-std::vector<std::string> projectFiles(const std::string& harness) {
-  const std::string top = projectTop();
+/// The files that the harness loads hooks from beside that which install changes: the project's,
+/// and Codex's other one.
+std::vector<std::string> otherFiles(const std::string& harness, const Context& context) {
+  const std::string here = OS::canonicalPath(".").value_or("/");
+  const std::string top = ProjectTop::withGit().value_or(here);
   if (harness == "claude-code") {
     return {top + "/.claude/settings.json", top + "/.claude/settings.local.json"};
   }
-  if (harness == "codex") return {top + "/.codex/hooks.json"};
+  if (harness == "codex") {
+    const std::string& own = context.places.codexDirectory;
+    const std::string ofProject = top + "/.codex";
+    if (OS::canonicalPath(own) == OS::canonicalPath(ofProject)) return {own + "/config.toml"};
+    return {own + "/config.toml", ofProject + "/hooks.json", ofProject + "/config.toml"};
+  }
   if (harness == "cursor") return {top + "/.cursor/hooks.json"};
   return {top + "/.opencode/plugins/quillstead.js"};
 }
 
-/// The event and the slot of a hook: what it may be there for once.
-std::string placeOf(const ConfiguredHook& hook) {
-  constexpr std::string_view flag = "--slot";
-  const std::size_t at = hook.told.find(flag);
-  if (at == std::string::npos) return hook.event;
-  const std::string_view rest = std::string_view(hook.told).substr(at + flag.size() + 1);
-  return hook.event + " " + std::string(rest.substr(0, rest.find_first_of(" \n'\"")));
+/// Whether both bring the same: one without a slot brings what all of them do.
+bool bringTheSame(const ConfiguredHook& one, const ConfiguredHook& other) {
+  return one.event == other.event &&
+         (one.slot == other.slot || one.slot.empty() || other.slot.empty());
+}
+
+/// Whether any of the hooks brings what one before it does.
+bool areAnyTwice(const std::vector<ConfiguredHook>& hooks) {
+  for (auto hook = hooks.begin(); hook != hooks.end(); ++hook) {
+    const bool isTwice = std::any_of(hooks.begin(), hook, [&](const ConfiguredHook& earlier) {
+      return bringTheSame(earlier, *hook);
+    });
+    if (isTwice) return true;
+  }
+  return false;
+}
+
+/// Whether a hook of another file brings what one of these does. Claude Code runs what is the same
+/// at two levels only once.
+bool isAddedTo(const std::vector<ConfiguredHook>& own, const ConfiguredHook& hook,
+               bool runsSameOnce) {
+  const auto isSame = [&](const ConfiguredHook& other) { return other.told == hook.told; };
+  if (runsSameOnce && std::any_of(own.begin(), own.end(), isSame)) return false;
+  return std::any_of(own.begin(), own.end(),
+                     [&](const ConfiguredHook& other) { return bringTheSame(other, hook); });
 }
 
 Check doubled(const std::string& harness, const std::string& path, const ConfiguredHooks& own,
               const Context& context) {
   Findings findings;
-  std::map<std::string, std::string> seen;  // what each place says
-  std::set<std::string> twice;
-  for (const ConfiguredHook& hook : own.hooks) {
-    if (!seen.emplace(placeOf(hook), hook.told).second) twice.insert(placeOf(hook));
+  if (areAnyTwice(own.hooks)) {
+    findings.warn(path + " has entries of ours twice", installFor(harness));
   }
-  if (!twice.empty()) findings.warn(path + " has entries of ours twice", installFor(harness));
-
-  for (const std::string& file : projectFiles(harness)) {
-    const auto read = ConfigFile::read(file);
-    const auto* const content = std::get_if<ConfigFile::Content>(&read);
-    if (!content || !content->bytes || OS::canonicalPath(file) == OS::canonicalPath(path)) continue;
-    for (const ConfiguredHook& hook : hooksIn(harness, *content->bytes, context).hooks) {
-      const auto other = seen.find(placeOf(hook));
-      // Claude Code runs what is the same at two levels only once.
-      const bool runsOnce =
-          harness == "claude-code" && other != seen.end() && other->second == hook.told;
-      if (other == seen.end() || runsOnce) continue;
-      findings.warn(file + " has entries of ours as well, so memory comes twice",
-                    "take ours out of " + file);
-      break;
-    }
+  std::vector<ConfiguredHook> seen = own.hooks;
+  for (const std::string& file : otherFiles(harness, context)) {
+    if (OS::canonicalPath(file) == OS::canonicalPath(path)) continue;
+    const std::vector<ConfiguredHook> others = hooksIn(harness, file, context).hooks;
+    const bool comesTwice =
+        std::any_of(others.begin(), others.end(), [&](const ConfiguredHook& hook) {
+          return isAddedTo(seen, hook, harness == "claude-code");
+        });
+    seen.insert(seen.end(), others.begin(), others.end());
+    if (!comesTwice) continue;
+    findings.warn(file + " has entries of ours as well, so memory comes twice",
+                  "take ours out of " + file);
   }
   return findings.check(harness + ".double", "each entry is there once");
+}
+
+/// The user's own hooks for Codex in the file that has its server.
+ConfiguredHooks hooksOfUserElsewhere(const std::string& harness, const Context& context) {
+  if (harness != "codex") return {};
+  return hooksIn(harness, context.places.codexDirectory + "/config.toml", context);
+}
+
+Findings leftToUser(const Harnesses::Target& target) {
+  Findings findings;
+  findings.warn(target.path + " has our hooks, and install cannot bring them up to date there",
+                "take them out of it, then: " + installFor(std::string(target.harness)));
+  return findings;
 }
 
 /// The hook and the server have to remember in the same place.
@@ -160,8 +184,13 @@ std::vector<Check> run(const std::string& harness, const Context& context, const
       Harnesses::targets(harness, context.places, programs);
   const std::string& path = targets.front().path;
   Compared hooks = compare(targets.front(), isPlugin(harness) ? "plugin" : "hooks", true);
-  const ConfiguredHooks configured =
-      hooks.text ? hooksIn(harness, *hooks.text, context) : ConfiguredHooks();
+  ConfiguredHooks configured = hooksIn(harness, path, context);
+  const Check twice = doubled(harness, path, configured, context);
+  const ConfiguredHooks elsewhere = hooksOfUserElsewhere(harness, context);
+  if (configured.hooks.empty() && !elsewhere.hooks.empty()) {
+    configured = elsewhere;
+    hooks.findings = leftToUser(targets.back());
+  }
   findMissing(configured, hooks.findings, installFor(harness));
 
   Compared server = compare(targets.back(), "server", false);
@@ -169,8 +198,7 @@ std::vector<Check> run(const std::string& harness, const Context& context, const
   return {hooks.findings.check(harness + ".hooks", path + ": our entries are up to date"),
           server.findings.check(harness + ".server",
                                 targets.back().path + ": our server is up to date"),
-          HookRuns::run(harness, configured, context, deadline),
-          doubled(harness, path, configured, context)};
+          HookRuns::run(harness, configured, context, deadline), twice};
 }
 
 }  // namespace quillstead::cli::HarnessChecks

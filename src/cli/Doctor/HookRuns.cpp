@@ -5,6 +5,7 @@
 #include "cli/Telemetry/LogLine.h"
 #include "cli/Wording.h"
 #include "hook/Harness/Harnesses.h"
+#include "support/JSON/Reader.h"
 #include "support/OS/Paths.h"
 #include "support/Text/Text.h"
 
@@ -19,6 +20,10 @@ namespace quillstead::cli::HookRuns {
 namespace {
 
 constexpr std::string_view prompt = "Is the memory at hand? (asked by quillstead doctor)";
+
+// A harness waits 5 s for an answer; then the program may be asked for its version.
+constexpr std::chrono::seconds versionTime(1);
+constexpr hook::Seconds longestTry{6};
 
 /// A call of one of our tools, as it is reported before it runs.
 std::string toolPayload(const std::string& harness) {
@@ -63,6 +68,8 @@ class Tries {
       findings.fail(hook.program + " " + *flaw, fix_);
     } else if (hook.isPretool() && trial.end.output.find("_quillstead_") == std::string::npos) {
       findings.fail("a tool call goes unstamped", fix_);
+    } else if (hook.isPretool() && !isTaken(trial.end.output)) {
+      findings.fail("codex drops the stamp of a tool call: the entry lacks --decision allow", fix_);
     } else if (!hook.isPretool() && !trial.isReadable) {
       findings.fail(hook.event + ": the answer is not what the harness takes: " +
                         Wording::plain(Text::trimmed(trial.end.output)).substr(0, 60),
@@ -74,7 +81,6 @@ class Tries {
   }
 
   void tryVersion(const std::string& program) {
-    constexpr std::chrono::seconds limit(1);
     const std::string path = program.find('/') == std::string::npos
                                  ? onPath(program, context_.environment).value_or(program)
                                  : program;
@@ -82,7 +88,7 @@ class Tries {
                                         .environment = environment_,
                                         .directory = {},
                                         .input = {},
-                                        .limit = limit});
+                                        .limit = versionTime});
     if (end.how == ChildEnd::How::notStarted) return;  // told by the try
     const std::string told(Text::trimmed(end.output));
     if (told == "quillstead-hook " QUILLSTEAD_VERSION) return;
@@ -115,6 +121,15 @@ class Tries {
     return std::nullopt;
   }
 
+  /// Whether the harness takes the changed arguments of a call: Codex wants a decision beside them.
+  [[nodiscard]] bool isTaken(const std::string& answer) const {
+    if (harness_.name() != "codex") return true;
+    const auto document = JSON::read(answer);
+    const auto specific =
+        document ? document->object().find("hookSpecificOutput").object() : std::nullopt;
+    return specific && specific->find("permissionDecision").string() == "allow";
+  }
+
   void findMisses(const HookTrial& trial) {
     for (const std::string& field : trial.trail) {
       if (!LogLine::isMiss(field)) continue;
@@ -141,20 +156,20 @@ Check run(const std::string& harness, const ConfiguredHooks& configured, const C
           const hook::Deadline& deadline) {
   const std::string id = harness + ".run";
   if (configured.hooks.empty()) {
-    return {.id = id, .status = Check::Status::skip, .summary = "nothing to run", .fix = {}};
+    return skipped(id, "nothing to run");
   }
   Tries tries(harness, configured, context);
   std::set<std::string> programs;
   int tried = 0;
   for (const ConfiguredHook& hook : configured.hooks) {
-    // A try takes as long as a harness waits.
-    if (deadline.leash() < hook::Seconds(5)) {
-      if (tried > 0) break;
-      return {.id = id, .status = Check::Status::skip, .summary = "no time was left", .fix = {}};
-    }
+    if (deadline.leash() < longestTry) break;
     ++tried;
     if (!tries.tryHook(hook)) break;
     if (programs.insert(hook.program).second) tries.tryVersion(hook.program);
+  }
+  const auto all = static_cast<int>(configured.hooks.size());
+  if (tries.findings.empty() && tried < all) {
+    return skipped(id, "no time was left to run " + Wording::counted(all - tried, "command"));
   }
   return tries.findings.check(id, Wording::counted(tried, "command") +
                                       " answered, the slowest in " +

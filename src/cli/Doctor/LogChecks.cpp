@@ -75,10 +75,7 @@ Check file(const Context& context, const std::optional<std::string>& named) {
   const LogPlace place = LogPlace::find(context, named);
   Findings findings;
   if (place.isOff) {
-    return {.id = "log.file",
-            .status = Check::Status::skip,
-            .summary = "the log is switched off: QUILLSTEAD_HOOK_LOG is set and empty",
-            .fix = {}};
+    return skipped("log.file", "the log is switched off: QUILLSTEAD_HOOK_LOG is set and empty");
   }
   const std::string path = pathOf(place);
   const std::string directory = path.substr(0, path.rfind('/') + 1);
@@ -87,7 +84,9 @@ Check file(const Context& context, const std::optional<std::string>& named) {
   if (isThere && !S_ISREG(status.st_mode)) {
     findings.warn(path + " is no file, so nothing is logged", "take it away");
   } else if (isThere && access(path.c_str(), W_OK) != 0) {
-    findings.warn(path + " cannot be written, so nothing is logged", "chmod u+w " + path);
+    const bool isOurs = status.st_uid == geteuid();
+    findings.warn(path + " cannot be written, so nothing is logged",
+                  isOurs ? "chmod u+w " + path : "it belongs to another user: take it away");
   } else if (!isThere && access(directory.empty() ? "." : directory.c_str(), W_OK) != 0) {
     findings.warn(path + " cannot be made, so nothing is logged", "mkdir -p " + directory);
   }
@@ -105,29 +104,24 @@ Check recent(const Context& context, const std::optional<std::string>& named) {
       if (line.read(text)) recent.add(line);
     }
   }
-  if (recent.prompts == 0) {
-    return {.id = "log.recent",
-            .status = Check::Status::skip,
-            .summary = "no prompts were logged yet",
-            .fix = {}};
-  }
+  if (recent.prompts == 0) return skipped("log.recent", "no prompts were logged yet");
+
+  struct Loss {
+    std::int64_t prompts;
+    const char* what;
+    const char* fix;
+  };
   Findings findings;
-  const std::string of = " of the last " + Wording::counted(recent.prompts, "prompt");
-  if (recent.timeouts > 0) {
-    findings.warn(std::to_string(recent.timeouts) + of + " timed out",
-                  "quillstead log --since 1d shows which stage takes long");
-  }
-  if (recent.refusals > 0) {
-    findings.warn(std::to_string(recent.refusals) + of + " got no answer from the server",
-                  "see server.start above");
-  }
-  if (recent.overBudget > 0) {
-    findings.warn(std::to_string(recent.overBudget) + of + " had something left out for the budget",
-                  "shorten rules.md");
-  }
-  if (recent.trimmed > 0) {
-    findings.warn(std::to_string(recent.trimmed) + of + " had cards cut for the budget",
-                  "shorten rules.md, or the cards");
+  for (const auto& [prompts, what, fix] :
+       {Loss{recent.timeouts, " timed out",
+             "quillstead log --since 1d shows which stage takes long"},
+        Loss{recent.refusals, " got no answer from the server", "see server.start above"},
+        Loss{recent.overBudget, " had something left out for the budget", "shorten rules.md"},
+        Loss{recent.trimmed, " had cards cut for the budget", "shorten rules.md, or the cards"}}) {
+    if (prompts == 0) continue;
+    findings.warn(std::to_string(prompts) + " of the last " +
+                      Wording::counted(recent.prompts, "prompt") + what,
+                  fix);
   }
   return findings.check(
       "log.recent", "nothing was missed in the last " + Wording::counted(recent.prompts, "prompt"));

@@ -70,6 +70,16 @@ std::string firstLine(std::string_view text) {
   return Wording::plain(trimmed.substr(0, std::min(trimmed.find('\n'), longest)));
 }
 
+/// Only ours has to be of our version.
+void findOtherVersion(const Answers& answers, Findings& findings) {
+  const auto server = answers.result(handshake).find("serverInfo").object();
+  if (!server || server->find("name").string() != "quillstead-mcp") return;
+  const std::string version(server->find("version").string().value_or(""));
+  if (version == QUILLSTEAD_VERSION) return;
+  findings.warn("is of version " + Wording::plain(version) + ", and this is " QUILLSTEAD_VERSION,
+                "install quillstead, quillstead-hook and quillstead-mcp together");
+}
+
 void findFlaws(const ChildEnd& end, Findings& findings, const std::string& fix) {
   const std::string took = std::to_string(end.took.count()) + " ms";
   const Answers answers(end.output);
@@ -97,6 +107,7 @@ void findFlaws(const ChildEnd& end, Findings& findings, const std::string& fix) 
       }
     }
     if (answers.result(rules).empty()) findings.fail("does not answer rules_get", fix);
+    findOtherVersion(answers, findings);
   }
 }
 

@@ -135,10 +135,7 @@ Check project(const Context& context, const std::vector<std::string>& harnesses)
             .fix = "look at what is in it, then: quillstead trust"};
   }
   if (!scope.project) {
-    return {.id = "store.project",
-            .status = Check::Status::skip,
-            .summary = "this directory is in no project with a store",
-            .fix = {}};
+    return skipped("store.project", "this directory is in no project with a store");
   }
   Findings findings;
   const Cards cards = cardsOf(*scope.project);

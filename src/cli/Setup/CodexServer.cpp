@@ -1,5 +1,6 @@
 #include "cli/Setup/CodexServer.h"
 
+#include "cli/Setup/Toml.h"
 #include "support/JSON/Writer.h"
 #include "support/Text/Text.h"
 
@@ -7,10 +8,6 @@
 #include <string_view>
 #include <utility>
 #include <vector>
-
-#define TOML_EXCEPTIONS 0
-#define TOML_ENABLE_FORMATTERS 0
-#include <toml++/toml.h>
 
 namespace quillstead::cli::CodexServer {
 
@@ -98,7 +95,13 @@ struct Config {
 std::variant<Config, Complaint> read(std::string text) {
   toml::parse_result parsed = toml::parse(std::string_view(text));
   if (!parsed) return complaintAt(parsed.error().source().begin, parsed.error().description());
-  return Config{.lines = Lines(std::move(text)), .root = std::move(parsed).table()};
+  Config config{.lines = Lines(std::move(text)), .root = std::move(parsed).table()};
+  for (const auto& [node, name] :
+       {std::pair(config.servers(), "mcp_servers"), std::pair(config.entry(), "quillstead")}) {
+    if (node == nullptr || node->is_table()) continue;
+    return complaintAt(node->source().begin, "\"" + std::string(name) + "\" is not a table");
+  }
+  return config;
 }
 
 /// All but our entry, and the table that holds it when that holds nothing else.
@@ -235,11 +238,8 @@ EditOutcome install(const std::optional<std::string>& before, const std::string&
   auto old = read(before.value_or(""));
   if (auto* complaint = std::get_if<Complaint>(&old)) return std::move(*complaint);
   const auto& config = std::get<Config>(old);
-  if (config.entry() != nullptr && config.program() == nullptr) {
-    if (config.entry()->is_table()) return Edited{.text = before, .hadOurs = false};
-    return byHand(config, "\"quillstead\" is not a table");
-  }
-  const bool hadOurs = config.entry() != nullptr;
+  const bool hadOurs = config.program() != nullptr;
+  if (config.entry() != nullptr && !hadOurs) return Edited{.text = before, .hadOurs = false};
   std::string text = hadOurs ? updated(config, server) : added(before, server);
   const auto checked = read(text);
   const auto* after = std::get_if<Config>(&checked);

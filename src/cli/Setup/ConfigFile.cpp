@@ -4,6 +4,7 @@
 #include "support/OS/Directory.h"
 #include "support/OS/ExclusiveRename.h"
 #include "support/OS/FileContent.h"
+#include "support/OS/NamelessFile.h"
 #include "support/OS/Paths.h"
 #include "support/OS/Random.h"
 #include "support/OS/SignalMask.h"
@@ -83,19 +84,23 @@ bool isAsItWas(const Content& before) {
   return std::get<std::string>(now) == before.bytes;
 }
 
-/// A new file beside others, which goes away unless it gets a name of its own.
+/// A new file beside others, which goes away unless it gets the name that it is made for. Where the
+/// system lets it, it has no name before.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const OS::Descriptor& directory) : directory_(directory) {
     name_ = std::string(temporaryPrefix) + std::to_string(getpid()) + '-' +
             std::to_string(OS::randomNumber()) + std::string(temporarySuffix);
+    file_ = OS::NamelessFile::create(directory, onlyForTheUser);
+    if (file_.isOpen()) return;
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
     file_ = OS::Descriptor(openat(directory.number(), name_.c_str(), flags, onlyForTheUser));
+    isNamed_ = file_.isOpen();
   }
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile() {
-    if (file_.isOpen()) unlinkat(directory_.number(), name_.c_str(), 0);
+    if (isNamed_) unlinkat(directory_.number(), name_.c_str(), 0);
   }
 
   /// False, with errno, when that failed. `like`: whose mode and owner it gets; may be null.
@@ -112,13 +117,18 @@ class TemporaryFile {
   /// Gives 0 or the error number. A name that is taken is taken over only when `isReplacing`.
   int rename(const std::string& name, bool isReplacing) {
     int error = 0;
+    if (!isNamed_) {
+      error = OS::NamelessFile::giveName(file_, directory_, (isReplacing ? name_ : name).c_str());
+      if (error != 0 || !isReplacing) return error;
+      isNamed_ = true;  // for an instant: no system call replaces a file by one without a name
+    }
     if (!isReplacing) {
       error = OS::renameExclusively(directory_, name_.c_str(), name.c_str());
     } else if (renameat(directory_.number(), name_.c_str(), directory_.number(), name.c_str()) !=
                0) {
       error = errno;
     }
-    if (error == 0) file_.close();
+    isNamed_ = error != 0;
     return error;
   }
 
@@ -126,6 +136,7 @@ class TemporaryFile {
   const OS::Descriptor& directory_;
   std::string name_;
   OS::Descriptor file_;
+  bool isNamed_ = false;  ///< and so has to be removed
 };
 
 std::variant<Written, Problem> write(const OS::Descriptor& directory, const Content& before,
@@ -179,11 +190,15 @@ std::variant<Content, Problem> read(const std::string& path) {
     if (*none == OS::NoContent::missing) return content;
     return problem(*none);
   }
-  constexpr mode_t writing = 0222;
   if (stat(real->c_str(), &content.status) != 0) return problem("cannot be read", errno);
-  if ((content.status.st_mode & writing) == 0) return Problem{"is read-only"};
   content.bytes = std::move(std::get<std::string>(bytes));
   return content;
+}
+
+std::optional<std::string> textOf(const std::string& path) {
+  auto content = read(path);
+  auto* const taken = std::get_if<Content>(&content);
+  return taken != nullptr ? std::move(taken->bytes) : std::nullopt;
 }
 
 std::variant<Written, Problem> replace(const Content& before,

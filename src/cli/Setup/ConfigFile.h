@@ -14,6 +14,9 @@ struct Content {
   std::string path;                  ///< where the file lies, links followed
   std::optional<std::string> bytes;  ///< absent: there is no file
   struct stat status;                ///< of the file, when there is one
+
+  /// Whether the file is there and may not be written to by anyone.
+  [[nodiscard]] bool isReadOnly() const { return bytes && (status.st_mode & 0222U) == 0; }
 };
 
 /// Why a file cannot be dealt with.
@@ -21,9 +24,11 @@ struct Problem {
   std::string what;  ///< "cannot be written: Permission denied"
 };
 
-/// Reads the file. One that may not be written to by anyone, that is no file, or that is larger
-/// than a settings file can be is a problem.
+/// Reads the file. One that is no file, or that is larger than a settings file can be is a problem.
 std::variant<Content, Problem> read(const std::string& path);
+
+/// What the file holds; absent when there is none, or it cannot be read.
+std::optional<std::string> textOf(const std::string& path);
 
 enum class Written {
   done,

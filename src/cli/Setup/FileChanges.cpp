@@ -30,7 +30,20 @@ std::string_view outcomeOf(Direction direction, bool isChanged, bool hadOurs) {
   return hadOurs ? "updated" : "added";
 }
 
+std::string placeOf(const JSONC::Complaint& complaint) {
+  return ":" + std::to_string(complaint.line) + ":" + std::to_string(complaint.column);
+}
+
 }  // namespace
+
+bool FileChanges::changeAll(const std::string& harness, const Programs& programs) {
+  bool isAnyChanged = false;
+  for (const auto& target : Harnesses::targets(harness, context_.places, programs)) {
+    isAnyChanged = change(target) || isAnyChanged;
+    complainOfRest(target);
+  }
+  return isAnyChanged;
+}
 
 bool FileChanges::change(const Harnesses::Target& target) {
   if (!isDryRun_) ConfigFile::removeLeftovers(target.path);
@@ -48,12 +61,11 @@ FileChanges::Attempt FileChanges::attempt(const Harnesses::Target& target) {
   const auto& before = std::get<ConfigFile::Content>(read);
   const EditOutcome outcome = edited(target, direction_, before.bytes);
   if (const auto* complaint = std::get_if<JSONC::Complaint>(&outcome)) {
-    const std::string place =
-        ":" + std::to_string(complaint->line) + ":" + std::to_string(complaint->column);
-    return leaveAlone(target, place, complaint->what);
+    return leaveAlone(target, placeOf(*complaint), complaint->what);
   }
   const auto& edit = std::get<Edited>(outcome);
   const bool isChanged = edit.text != before.bytes;
+  if (isChanged && before.isReadOnly()) return leaveAlone(target, "", "is read-only");
   const std::string_view word = outcomeOf(direction_, isChanged, edit.hadOurs);
   if (isChanged && !isDryRun_) return write(target, before, edit, word);
   tell(target, word);
@@ -105,6 +117,14 @@ FileChanges::Attempt FileChanges::leaveAlone(const Harnesses::Target& target,
 void FileChanges::tell(const Harnesses::Target& target, std::string_view outcome) {
   context_.console.print(std::string(target.harness) + "  " + target.path + "  " +
                          std::string(outcome) + "\n");
+}
+
+void FileChanges::complainOfRest(const Harnesses::Target& target) {
+  const auto content = target.rest ? ConfigFile::textOf(target.path) : std::nullopt;
+  const auto complaint = content ? target.rest(*content) : std::nullopt;
+  if (!complaint) return;
+  context_.console.complain(target.path + placeOf(*complaint) + ": " + complaint->what);
+  wasAnyLeftAlone_ = true;
 }
 
 bool FileChanges::lock() {

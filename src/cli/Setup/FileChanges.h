@@ -3,6 +3,7 @@
 #include "cli/Context.h"
 #include "cli/Setup/ConfigFile.h"
 #include "cli/Setup/Harnesses.h"
+#include "cli/Setup/SetupOptions.h"
 #include "support/OS/Descriptor.h"
 
 #include <string>
@@ -11,18 +12,16 @@
 
 namespace quillstead::cli {
 
-enum class Direction { install, uninstall };
-
 /// Changes the files of one run of install or uninstall, and tells what became of each.
 class FileChanges {
  public:
   /// A dry run prints what would change and writes nothing.
-  FileChanges(Direction direction, bool isDryRun, const Context& context)
-      : direction_(direction), isDryRun_(isDryRun), context_(context) {}
+  FileChanges(const SetupOptions& options, const Context& context)
+      : direction_(options.direction), isDryRun_(options.isDryRun), context_(context) {}
 
-  /// Changes the file and prints a line on it; complains when it is left alone. True when it was
-  /// changed.
-  bool change(const Harnesses::Target& target);
+  /// Changes the files of a harness and prints a line on each; complains of those that are left
+  /// alone. True when any was changed.
+  bool changeAll(const std::string& harness, const Programs& programs);
 
   [[nodiscard]] bool wasAnyLeftAlone() const { return wasAnyLeftAlone_; }
 
@@ -32,12 +31,16 @@ class FileChanges {
  private:
   enum class Attempt { changed, notChanged, again };
 
+  bool change(const Harnesses::Target& target);
   Attempt attempt(const Harnesses::Target& target);
   Attempt write(const Harnesses::Target& target, const ConfigFile::Content& before,
                 const Edited& edit, std::string_view word);
   Attempt leaveAlone(const Harnesses::Target& target, const std::string& place,
                      const std::string& what);
   void tell(const Harnesses::Target& target, std::string_view outcome);
+
+  /// What is ours in the file, and is left to the user.
+  void complainOfRest(const Harnesses::Target& target);
 
   /// Keeps other runs out until this one ends. False when that cannot be.
   bool lock();

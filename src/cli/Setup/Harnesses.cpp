@@ -1,6 +1,8 @@
 #include "cli/Setup/Harnesses.h"
 
+#include "cli/Setup/CodexConfigHooks.h"
 #include "cli/Setup/CodexServer.h"
+#include "cli/Setup/ConfigFile.h"
 #include "cli/Setup/HookSettings.h"
 #include "cli/Setup/OpenCodePlugin.h"
 #include "cli/Setup/ServerEntry.h"
@@ -10,6 +12,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <variant>
 
 namespace quillstead::cli::Harnesses {
 
@@ -68,21 +71,33 @@ std::vector<Target> claudeCode(const Places& places, const Programs& programs) {
                        programs)};
 }
 
+/// Hooks of ours in config.toml would run beside those that are added.
+EditOutcome installCodexHooks(const Before& before, const std::string& config,
+                              const Programs& programs) {
+  EditOutcome outcome = HookSettings::installCodex(before, programs);
+  const auto* const edited = std::get_if<Edited>(&outcome);
+  const bool isNew = edited != nullptr && !edited->hadOurs;
+  const auto others = isNew ? ConfigFile::textOf(config) : std::nullopt;
+  if (others && CodexConfigHooks::ours(*others)) return Edited{.text = before, .hadOurs = false};
+  return outcome;
+}
+
 std::vector<Target> codex(const Places& places, const Programs& programs) {
-  return {{.harness = "codex",
-           .path = places.codexDirectory + "/hooks.json",
-           .install =
-               [&programs](const Before& before) {
-                 return HookSettings::installCodex(before, programs);
-               },
-           .uninstall = HookSettings::uninstallCodex},
-          {.harness = "codex",
-           .path = places.codexDirectory + "/config.toml",
-           .install =
-               [&programs](const Before& before) {
-                 return CodexServer::install(before, programs.server);
-               },
-           .uninstall = CodexServer::uninstall}};
+  const std::string config = places.codexDirectory + "/config.toml";
+  return {
+      {.harness = "codex",
+       .path = places.codexDirectory + "/hooks.json",
+       .install = [&programs, config](
+                      const Before& before) { return installCodexHooks(before, config, programs); },
+       .uninstall = HookSettings::uninstallCodex},
+      {.harness = "codex",
+       .path = config,
+       .install =
+           [&programs](const Before& before) {
+             return CodexServer::install(before, programs.server);
+           },
+       .uninstall = CodexServer::uninstall,
+       .rest = CodexConfigHooks::ours}};
 }
 
 std::vector<Target> cursor(const Places& places, const Programs& programs) {

@@ -34,6 +34,9 @@ struct Target {
   std::string path;
   std::function<EditOutcome(const std::optional<std::string>& before)> install;
   std::function<EditOutcome(const std::string& before)> uninstall;
+
+  /// What is ours in the content and is left to the user; empty: nothing can be.
+  std::function<std::optional<JSONC::Complaint>(const std::string& content)> rest = {};
 };
 
 /// The files of a harness, in the order in which they are dealt with. The programs must outlive

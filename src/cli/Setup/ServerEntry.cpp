@@ -82,11 +82,15 @@ EditOutcome install(const std::optional<std::string>& before, const Where& where
 EditOutcome uninstall(const std::string& before, const Where& where) {
   auto read = SettingsText::read(before);
   if (auto* complaint = std::get_if<JSONC::Complaint>(&read)) return std::move(*complaint);
-  const auto& document = std::get<Document>(read);
+  auto& document = std::get<Document>(read);
   if (auto complaint = Members::notObjects(document, where.keys)) return *std::move(complaint);
-  if (!isOurs(document, where)) return Edited{.text = before, .hadOurs = false};
-  const auto left = Members::remove(document, Members::pathOf(where.keys));
-  return Edited{.text = left ? std::optional(left->text()) : std::nullopt, .hadOurs = true};
+  const bool hadOurs = isOurs(document, where);
+  while (isOurs(document, where)) {  // the same key may be there twice
+    auto left = Members::remove(document, Members::pathOf(where.keys));
+    if (!left) return Edited{.text = std::nullopt, .hadOurs = true};
+    document = *std::move(left);
+  }
+  return Edited{.text = document.text(), .hadOurs = hadOurs};
 }
 
 }  // namespace quillstead::cli::ServerEntry
