@@ -8,9 +8,11 @@ and of a desk, bright and dark. QUILLSTEAD names the program.
 import argparse
 import base64
 import collections
+import datetime
 import json
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -161,6 +163,47 @@ class PageTest(unittest.TestCase):
                 self.assertEqual(self.count("tr"), sum(2 + len(slot["stages"]) for slot in figures["slots"].values()))
                 self.assertEqual(self.browser.evaluate("document.querySelector('p').textContent"), log)
                 self.assertEqual(self.count("script, link[href^=http], [src], b"), 0)
+
+    def test_points_lie_where_their_figures_are(self):
+        page, log = self.page_of(3000, 40)
+        self.look(page, 390, "light")
+        runs = collections.defaultdict(list)
+        with open(log, encoding="latin-1") as file:
+            for text in file.read().split("\n")[:-1]:
+                match = log_test.PATTERN.fullmatch(text)
+                stages = [int(v) for v in re.findall(r"[a-z]+ (-?\d+)", match[6])] if match else []
+                if match and "-13-" not in match[1] and sum(stages) + int(match[7]) == int(match[3]):
+                    runs[match[1]].append(int(match[3]))
+        grid = self.browser.evaluate("[...document.querySelector('svg').querySelectorAll('line.grid')].map(l =>"
+                                     " [l.y1.baseVal.value, Number(l.nextElementSibling.textContent.replaceAll(',', ''))])")
+        zero, (top, most) = min(grid, key=lambda line: line[1])[0], max(grid, key=lambda line: line[1])
+        dates = sorted(runs)
+        first, last = (datetime.date.fromisoformat(dates[i]) for i in (0, -1))
+        for name, percent in (("median", 50), ("p95", 95)):
+            points = self.browser.evaluate(f"[...document.querySelectorAll('circle.{name}')].map(c =>"
+                                           " [c.textContent, c.cx.baseVal.value, c.cy.baseVal.value])")
+            self.assertEqual([point[0][:10] for point in points], dates)
+            begin, end = points[0][1], points[-1][1]
+            for told, x, y in points:
+                value = log_test.nearest_rank(runs[told[:10]], percent)
+                self.assertIn(f", {len(runs[told[:10]]):,} prompts: ", told)
+                self.assertTrue(told.endswith(f" {value:,} ms"), told)
+                self.assertAlmostEqual(y, zero - (zero - top) * value / most, delta=0.11)
+                part = (datetime.date.fromisoformat(told[:10]) - first) / (last - first)
+                self.assertAlmostEqual(x, begin + (end - begin) * part, delta=0.11)
+
+    def test_a_run_without_end_is_drawn_as_well(self):
+        log = f"{self.stage.name}/endless"
+        most = 10 ** 17
+        pathlib.Path(log).write_text(f"2026-11-16T03:38:33.123+00:00 {most}ms rules=1 | parse {most} residual 0\n" * 3)
+        subprocess.run([log_test.PROGRAM, "log", "--html", log + ".html"], check=True, stdout=subprocess.DEVNULL,
+                       env={"HOME": self.stage.name, "QUILLSTEAD_HOOK_LOG": log})
+        self.look(log + ".html", 390, "light")
+        self.assert_sound(log + ".html")
+        self.assertEqual(self.count("circle.median"), 1)
+        places = self.browser.evaluate("[...document.querySelectorAll('circle')].map(c => c.cy.baseVal.value)")
+        self.assertTrue(all(0 <= y <= 190 for y in places), places)
+        self.assertLess(self.count("line.grid"), 30)
 
     def test_bars_are_as_long_as_what_they_count(self):
         page, log = self.page_of(3000, 40)

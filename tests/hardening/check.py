@@ -5,6 +5,7 @@
                               program holds the C library's too
 """
 
+import os
 import re
 import subprocess
 import sys
@@ -30,7 +31,23 @@ def sections(program):
     return {name: int(start, 16) for name, start in line.findall(output("readelf", "-SW", program))}
 
 
+# Whose code a program must not hold, as the compiler writes the namespaces: what starts at every prompt
+# stays small.
+OTHERS = {"quillstead-hook": ("6server", "3cli"), "quillstead-mcp": ("3cli",), "quillstead": ()}
+
+
+def foreign_code(program):
+    symbols = output("readelf", "-sW", program)
+    if "N10quillstead" not in symbols:
+        yield "no name of ours is to be seen"
+    for namespace in OTHERS[os.path.basename(program)]:
+        count = len(re.findall("10quillstead" + namespace, symbols))
+        if count:
+            yield f"{count} names of the namespace {namespace.strip('0123456789')} are in it"
+
+
 def program_problems(program):
+    yield from foreign_code(program)
     loaded, stack, read_only = (headers(program, kind) for kind in ("LOAD", "GNU_STACK", "GNU_RELRO"))
     if not loaded:
         yield "readelf finds nothing that is loaded"
