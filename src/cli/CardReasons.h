@@ -8,17 +8,17 @@
 
 namespace quillstead::cli {
 
-/// Why a card was brought for a prompt.
+/// Why a card matches a prompt.
 struct CardReason {
   std::string_view store;  ///< "project" or "personal"
   std::string file;        ///< its name in the store's memory directory
   std::string title;
-  std::vector<std::string> words;  ///< of the prompt, that are in the card
+  std::vector<std::string> words;  ///< words of the prompt that the card has
 };
 
 namespace CardReasons {
 
-/// The cards that our server brings for a prompt, best first.
+/// The cards that our server returns for a prompt, best first.
 std::vector<CardReason> find(const std::string& prompt, const std::string& directory,
                              const OS::Environment& environment);
 

@@ -14,14 +14,14 @@
 #include <variant>
 #include <vector>
 
-/// What the command line says.
+/// Reads the command line.
 namespace quillstead::cli::CommandLine {
 
-/// The options of the command that is to run.
+/// The options of the command to run.
 using Command = std::variant<Doctor::Options, Init::Options, Log::Options, Recall::Options,
                              SetupOptions, Texts::Options, Trust::Options>;
 
-/// There is nothing to run: the command line asks for a text, or makes no sense.
+/// No command to run: the command line asks for help or the version, or is wrong.
 struct Answer {
   std::string output;  ///< for standard output; may be empty
   std::string error;   ///< for standard error; may be empty
@@ -33,10 +33,10 @@ using Outcome = std::variant<Command, Answer>;
 /// `arguments`: without the program's path.
 Outcome parse(std::span<char* const> arguments);
 
-/// The description that the command line is read by.
+/// The description of the command line.
 ProgramText description();
 
-/// That, and those of the hook and the server.
+/// The same, and those of the hook and the server.
 std::vector<ProgramText> descriptions();
 
 }  // namespace quillstead::cli::CommandLine

@@ -4,7 +4,7 @@
 
 #include <string>
 
-/// What a shell has to know to complete a command line, made of its description.
+/// Scripts that let a shell complete a command line, made from its description.
 namespace quillstead::cli::Completions {
 
 enum class Shell { bash, zsh, fish };

@@ -9,29 +9,30 @@ namespace quillstead::cli {
 
 enum class Colour { red, green, yellow, blue, faint, bold };
 
-/// Where a command's words go: results to standard output, complaints to standard error.
+/// A command's output: results go to standard output, messages to standard error.
 class Console {
  public:
-  /// `output` and `error` are descriptors, which stay the caller's.
+  /// `output` and `error` are descriptors that the caller owns.
   Console(int output, int error, const OS::Environment& environment);
 
-  /// Keeps `text` until there is enough of it, or `flush`.
+  /// Buffers `text` until there is enough of it, or `flush` is called.
   void print(std::string_view text);
 
-  /// Writes "quillstead: ", `text` and a line end to the error stream, what was printed before it.
+  /// Writes "quillstead: ", `text` and a line end to the error stream, after what was printed
+  /// before.
   void complain(std::string_view text);
 
-  /// Writes `text` as it is, likewise.
+  /// The same with `text` only.
   void printError(std::string_view text);
 
-  /// Writes what was kept. False when something that was printed could not be written.
+  /// Writes the buffer. False when some output could not be written.
   bool flush();
 
-  /// False when the output is a pipe or a terminal that nobody reads any more.
+  /// False when the output is a pipe or terminal whose other end is closed.
   [[nodiscard]] bool isHeard() const;
 
-  /// `text` in that colour when the output is a terminal that shows colours and the user wants
-  /// them (NO_COLOR is not set); else `text` as it is.
+  /// `text` in that colour if the output is a terminal with colours and NO_COLOR is not set; else
+  /// `text` unchanged.
   [[nodiscard]] std::string coloured(Colour colour, std::string_view text) const;
 
  private:

@@ -6,7 +6,7 @@
 
 namespace quillstead::cli {
 
-/// What a command has to work with, besides its options.
+/// What every command gets besides its options.
 struct Context {
   const OS::Environment& environment;
   Places places;

@@ -3,29 +3,29 @@
 #include <string>
 #include <vector>
 
-/// A command line, told so that help, man pages and completions can be made of it.
+/// A description of a command line, for help, man pages and completions.
 namespace quillstead::cli {
 
-/// An option, or a word without a name.
+/// An option or a positional argument.
 struct OptionText {
-  std::vector<std::string> names;    ///< "-h", "--help"; none for a word without a name
-  std::string value;                 ///< what stands for its value, "FILE"; empty for a flag
-  std::vector<std::string> choices;  ///< the values there are; empty: any
+  std::vector<std::string> names;    ///< "-h", "--help"; empty for a positional argument
+  std::string value;                 ///< the placeholder of its value, "FILE"; empty for a flag
+  std::vector<std::string> choices;  ///< the possible values; empty: any
   std::string summary;
-  bool isRepeated = false;  ///< a word that may be given any number of times
+  bool isRepeated = false;  ///< it may be given any number of times
   bool isRequired = false;
 };
 
 struct CommandText {
   std::string name;
   std::string summary;  ///< one line, no full stop
-  std::string details;  ///< paragraphs, a blank line between; may be empty
+  std::string details;  ///< paragraphs, separated by blank lines; may be empty
   std::vector<OptionText> options;
-  std::vector<OptionText> words;  ///< in their order
+  std::vector<OptionText> words;  ///< positional arguments, in order
 };
 
 struct ProgramText {
-  CommandText own;  ///< what the program takes without a command
+  CommandText own;  ///< the options without a command
   std::string version;
   std::vector<CommandText> commands;
 };

@@ -11,7 +11,7 @@ struct Context;
 namespace Doctor {
 
 struct Options {
-  std::vector<std::string> harnesses;  ///< none: those that are there
+  std::vector<std::string> harnesses;  ///< empty: all that the user has
   bool json = false;
 };
 

@@ -4,19 +4,19 @@
 
 #include <string>
 
-/// The help that is printed.
+/// The help texts.
 namespace quillstead::cli::Help {
 
-/// What a program does, and its commands.
+/// The help of a program, with its commands.
 std::string of(const ProgramText& program);
 
-/// What one of its commands does.
+/// The help of one command.
 std::string of(const ProgramText& program, const CommandText& command);
 
-/// How a command is called: "quillstead log [--since AGE] [--json]".
+/// The usage line of a command: "quillstead log [--since AGE] [--json]".
 std::string usage(const std::string& path, const CommandText& command);
 
-/// An option as it is written: "--since AGE".
+/// An option as the user writes it: "--since AGE".
 std::string written(const OptionText& option);
 
 }  // namespace quillstead::cli::Help

@@ -4,14 +4,14 @@ namespace quillstead::cli {
 
 struct Context;
 
-/// `quillstead init`: the place for memory.
+/// `quillstead init`: creates a store.
 namespace Init {
 
 struct Options {
   bool project = false;  ///< the project's store instead of the personal one
 };
 
-/// Makes what is missing of the store; a project's is trusted from then on. Returns the exit
+/// Creates the missing parts of the store. A project's store is then trusted. Returns the exit
 /// status.
 int run(const Options& options, const Context& context);
 

@@ -5,7 +5,7 @@ namespace quillstead::cli {
 struct Context;
 struct SetupOptions;
 
-/// `quillstead install`: the harnesses' settings get what our programs need.
+/// `quillstead install`: adds our entries to the harnesses' settings.
 namespace Install {
 
 /// Returns the exit status.

@@ -4,11 +4,11 @@
 
 namespace quillstead::cli {
 
-/// Where the hook's log goes once the harnesses are set up: where the hook puts it by itself, or,
-/// on systems where it has no such place, into our directory for what programs keep.
+/// Where the hook's log goes when install has set the harnesses up: the hook's default place, or,
+/// on systems where it has none, our state directory.
 std::string installedLog(const std::string& home, const std::string& stateDirectory);
 
-/// Whether the hook has to be told of it.
+/// Whether the settings have to name it for the hook.
 bool isInstalledLogNamed();
 
 }  // namespace quillstead::cli

@@ -9,11 +9,11 @@ namespace quillstead::cli {
 
 struct Context;
 
-/// `quillstead log`: what the hook's log comes to.
+/// `quillstead log`: statistics of the hook's log.
 namespace Log {
 
 struct Options {
-  std::string since;  ///< an age as `age` takes it; empty: all of the log
+  std::string since;  ///< an age, as `age` reads it; empty: the whole log
   bool json = false;
   std::string page;  ///< the file for a page with plots; empty: none
   bool follow = false;

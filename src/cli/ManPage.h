@@ -6,7 +6,7 @@
 
 namespace quillstead::cli::ManPage {
 
-/// The manual page of a program, for section 1, in the macros of "man".
+/// The man page of a program, for section 1.
 std::string of(const ProgramText& program);
 
 }  // namespace quillstead::cli::ManPage

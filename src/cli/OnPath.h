@@ -8,7 +8,7 @@
 
 namespace quillstead::cli {
 
-/// The absolute path of the program of that name that PATH leads to; absent when there is none.
+/// The absolute path of the program with that name on PATH; absent when there is none.
 std::optional<std::string> onPath(std::string_view name, const OS::Environment& environment);
 
 }  // namespace quillstead::cli

@@ -6,8 +6,8 @@
 
 namespace quillstead::cli {
 
-/// Where things are, as the environment says and nothing else. All paths are absolute when HOME is;
-/// nothing says that there is something at them.
+/// Paths that depend only on the environment. They are absolute when HOME is. The files need not
+/// exist.
 struct Places {
   std::string home;             ///< HOME, or what the system says when it is not set or empty
   std::string claudeDirectory;  ///< CLAUDE_CONFIG_DIR, or ~/.claude

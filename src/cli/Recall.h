@@ -7,17 +7,17 @@ namespace quillstead::cli {
 
 struct Context;
 
-/// `quillstead recall`: what a prompt would bring.
+/// `quillstead recall`: shows what a prompt would bring.
 namespace Recall {
 
 struct Options {
-  std::vector<std::string> prompt;  ///< words, with a blank between
+  std::vector<std::string> prompt;  ///< its words
   std::string harness = "claude-code";
   std::string directory;  ///< the working directory; empty: ours
   bool json = false;
 };
 
-/// Returns the exit status: 1 when the hook does not run, or the server does not answer it.
+/// Returns the exit status: 1 when the hook does not run, or the server does not answer.
 int run(const Options& options, const Context& context);
 
 }  // namespace Recall

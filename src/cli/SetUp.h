@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-/// What the harnesses' settings say, for the commands that do not change them.
+/// Reads the harnesses' settings, for commands that do not change them.
 namespace quillstead::cli::SetUp {
 
 /// The log that Claude Code's settings name; absent when they name none or cannot be read.

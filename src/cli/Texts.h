@@ -6,12 +6,12 @@ namespace quillstead::cli {
 
 struct Context;
 
-/// `quillstead texts`, which the build runs and the help does not show: the man pages and the
-/// completions of all three programs.
+/// `quillstead texts`: writes the man pages and completions of all three programs. The build runs
+/// it; the help does not show it.
 namespace Texts {
 
 struct Options {
-  std::string directory;  ///< where they go; made when it is missing
+  std::string directory;  ///< where they go; created if it is missing
 };
 
 /// Writes quillstead.1, quillstead.bash, _quillstead and quillstead.fish, and so on for each

@@ -6,16 +6,16 @@ namespace quillstead::cli {
 
 struct Context;
 
-/// `quillstead trust`: whose project files may speak to the agent.
+/// `quillstead trust`: which projects' files may reach the agent.
 namespace Trust {
 
 struct Options {
-  std::string directory;  ///< empty: the project that the current directory is in
+  std::string directory;  ///< empty: the project of the current directory
   bool list = false;
   bool revoke = false;
 };
 
-/// Returns the exit status: 1 when nothing could be changed, or the directory stays trusted.
+/// Returns the exit status: 1 when nothing was changed, or the directory is still trusted.
 int run(const Options& options, const Context& context);
 
 }  // namespace Trust

@@ -5,7 +5,7 @@ namespace quillstead::cli {
 struct Context;
 struct SetupOptions;
 
-/// `quillstead uninstall`: what is ours goes out of the harnesses' settings.
+/// `quillstead uninstall`: removes our entries from the harnesses' settings.
 namespace Uninstall {
 
 /// Returns the exit status.

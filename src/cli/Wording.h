@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-/// How numbers, lists and foreign texts are told to people.
+/// Formats numbers, lists and text from elsewhere for people.
 namespace quillstead::cli::Wording {
 
 /// `number` with a comma between every three digits.
@@ -16,11 +16,11 @@ std::string counted(std::int64_t number, const std::string& what);
 
 std::string joined(const std::vector<std::string>& texts, std::string_view separator);
 
-/// `text` with nothing in it that would steer a terminal: control characters but line feeds and
-/// tabs are question marks.
+/// `text` without terminal control: control characters except line feeds and tabs become question
+/// marks.
 std::string harmless(std::string_view text);
 
-/// Likewise on one line, and without whatever is not ASCII.
+/// The same on one line, and in ASCII only.
 std::string plain(std::string_view text);
 
 }  // namespace quillstead::cli::Wording

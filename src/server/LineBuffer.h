@@ -8,13 +8,13 @@
 
 namespace quillstead::server {
 
-/// Takes bytes as they come and gives the lines they hold.
+/// Splits bytes into lines, as they arrive.
 class LineBuffer {
  public:
-  /// A line longer than this is not kept.
+  /// Longer lines are dropped.
   explicit LineBuffer(std::size_t longestLine) : longestLine_(longestLine) {}
 
-  struct TooLong {};  ///< in the place of a line that was not kept
+  struct TooLong {};  ///< instead of a line that was dropped
   using Line = std::variant<std::string, TooLong>;
 
   void add(std::string_view bytes) { bytes_.append(bytes); }
@@ -22,7 +22,7 @@ class LineBuffer {
   /// The next whole line, without its line feed; absent until there is one.
   std::optional<Line> take();
 
-  /// What is left after the end of input, when it is anything.
+  /// The rest after the end of input, if any.
   std::optional<Line> takeRest();
 
  private:
@@ -31,7 +31,7 @@ class LineBuffer {
   std::size_t longestLine_;
   std::string bytes_;
   std::size_t start_ = 0;     ///< where the next line begins in `bytes_`
-  std::size_t searched_ = 0;  ///< no line feed lies between `start_` and here
+  std::size_t searched_ = 0;  ///< no line feed is between `start_` and here
   bool overlong_ = false;     ///< the beginning of the current line was dropped
 };
 

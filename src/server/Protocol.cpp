@@ -43,8 +43,8 @@ JSON::Value error(JSON::View id, Error code, std::string_view message) {
 constexpr std::array<std::string_view, 4> versions{"2024-11-05", "2025-03-26", "2025-06-18",
                                                    "2025-11-25"};
 
-/// The protocol version to speak with a client that asks for `wanted`: that one when it is known,
-/// else the newest that is.
+/// The protocol version for a client that asks for `wanted`: that one if it is known, else the
+/// newest known one.
 std::string_view agreedVersion(std::string_view wanted) {
   const auto* const known = std::find(versions.begin(), versions.end(), wanted);
   return known != versions.end() ? *known : versions.back();

@@ -5,30 +5,30 @@
 #include <string>
 #include <string_view>
 
-/// Where the user's own things are, as the environment says. A variable that is not set, empty or
-/// no absolute path says nothing: what it names would depend on the directory one stands in.
+/// The user's own directories, from the environment. A variable that is empty or not an absolute
+/// path is ignored, because its meaning would depend on the current directory.
 namespace quillstead::server::UserPlaces {
 
-/// HOME, or what the system says; empty when nobody knows.
+/// HOME, else the system's answer; empty when both are missing.
 std::string home(const OS::Environment& environment);
 
-/// The directory of personal memory: QUILLSTEAD_HOME, or ~/.quillstead. Links are followed when it
-/// exists; empty when there is no place for it.
+/// The directory of personal memory: QUILLSTEAD_HOME, or ~/.quillstead. Links are followed if it
+/// exists. Empty when no place for it is known.
 std::string personalStore(const OS::Environment& environment);
 
-/// ~/.quillstead, also when QUILLSTEAD_HOME names another directory; likewise.
+/// The same, but always ~/.quillstead, even if QUILLSTEAD_HOME names another directory.
 std::string defaultPersonalStore(const OS::Environment& environment);
 
 /// The directory for what the server can make again, without links: it is there afterwards, belongs
 /// to the user and is closed to all others, whoever made it. Empty when there is no such place.
 std::string makeCacheDirectory(const OS::Environment& environment);
 
-/// Makes sure that `path`, in that directory, is a file of the user's own that nobody else may
-/// read, made empty where it is missing. What else stands there (a link, a pipe, another's file) is
-/// removed. False when that did not succeed.
+/// Makes sure that `path`, in that directory, is the user's own file that nobody else may read. A
+/// missing file is created empty. Anything else there (a link, a pipe, another user's file) is
+/// removed. False on failure.
 bool makeCacheFile(const std::string& path);
 
-/// What a store's directory is called in a project and in the home directory.
+/// The name of a store's directory, in a project and in the home directory.
 inline constexpr std::string_view storeName = ".quillstead";
 
 /// `directory` and `name` as one path.

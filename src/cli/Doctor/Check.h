@@ -6,13 +6,13 @@
 
 namespace quillstead::cli {
 
-/// One thing that `quillstead doctor` looked at.
+/// One check of `quillstead doctor`.
 struct Check {
   enum class Status {
     ok,
     warn,  ///< it works, but not as well as it could
-    fail,  ///< a prompt would get nothing, or a tool call would go unstamped
-    skip,  ///< there is nothing to look at, or no time was left
+    fail,  ///< a prompt would get nothing, or a tool call would get no stamp
+    skip,  ///< there is nothing to check, or no time was left
   };
 
   std::string id;  ///< "claude-code.hooks"
@@ -26,7 +26,7 @@ Check skipped(std::string id, std::string why);
 
 std::string_view nameOf(Check::Status status);
 
-/// What is found wrong with one thing: the worst decides, and all are told.
+/// The problems that one check found. The worst decides its status; the summary lists all.
 class Findings {
  public:
   void warn(std::string what, std::string fix);
@@ -34,7 +34,7 @@ class Findings {
 
   [[nodiscard]] bool empty() const { return summaries_.empty(); }
 
-  /// The check: `whenWell` is its summary when nothing was found.
+  /// The check. `whenWell`: its summary when there is no problem.
   [[nodiscard]] Check check(std::string id, std::string whenWell) const;
 
  private:

@@ -5,8 +5,8 @@
 
 #include <chrono>
 
-/// Whether Codex runs our hooks: it runs those that its user has reviewed, and says nothing of the
-/// others.
+/// Checks that Codex runs our hooks. It runs only those that its user has reviewed, and silently
+/// ignores the others.
 namespace quillstead::cli::CodexTrust {
 
 /// Asks the `codex` on PATH. Takes at most `limit`.

@@ -13,22 +13,22 @@ namespace quillstead::cli {
 struct ConfiguredHook {
   std::string event;                 ///< "UserPromptSubmit"
   std::string slot;                  ///< empty: rules and memory together
-  std::string program;               ///< as it is written
+  std::string program;               ///< as the settings name it
   std::vector<std::string> command;  ///< what the harness starts: the program, or a shell
-  std::string told;                  ///< all that is written of it, for comparing
+  std::string told;                  ///< its text in the settings, for comparing
 
   /// Whether it answers before a tool call, and not a prompt.
   [[nodiscard]] bool isPretool() const { return event == "PreToolUse" || event == "preToolUse"; }
 };
 
-/// What settings that hold hooks say of ours.
+/// Our hooks in a harness's settings.
 struct ConfiguredHooks {
   std::vector<ConfiguredHook> hooks;
-  bool hasForeignWays = false;           ///< one runs ours by way of another program
-  std::vector<std::string> environment;  ///< "NAME=value", what the harness sets for its hooks
+  bool hasForeignWays = false;           ///< one entry runs ours through another program
+  std::vector<std::string> environment;  ///< "NAME=value": what the harness sets for its hooks
 
-  /// `text`: the file's content. Nothing when it is not what the harness takes. The harness starts
-  /// shell text with the shell that is usual for it.
+  /// `text`: the file's content. Empty when the harness could not read it. Shell text runs in the
+  /// shell that the harness would use.
   static ConfiguredHooks read(std::string_view harness, const std::string& text,
                               const OS::Environment& environment);
 

@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-/// Whether one harness is set up, and whether what it is told to run works.
+/// Checks that one harness is set up, and that the commands in its settings work.
 namespace quillstead::cli::HarnessChecks {
 
-/// The checks "<harness>.hooks", ".server", ".run" and ".double", in that order. Starts nothing
-/// more when the deadline is over.
+/// The checks "<harness>.hooks", ".server", ".run" and ".double", in that order. Starts no program
+/// after the deadline.
 std::vector<Check> run(const std::string& harness, const Context& context, const Programs& programs,
                        const hook::Deadline& deadline);
 

@@ -7,11 +7,11 @@
 
 #include <string>
 
-/// Whether the commands in a harness's settings work.
+/// Checks that the commands in a harness's settings work.
 namespace quillstead::cli::HookRuns {
 
-/// Runs each as the harness would, with a payload of that harness, and asks each program for its
-/// version. The check "<harness>.run".
+/// The check "<harness>.run": runs each command as the harness would, with a payload of that
+/// harness, and asks each program for its version.
 Check run(const std::string& harness, const ConfiguredHooks& configured, const Context& context,
           const hook::Deadline& deadline);
 

@@ -7,16 +7,16 @@
 #include <string>
 #include <string_view>
 
-/// Where a harness has the hook look for memory, and where the server: what the agent notes in one
-/// place does not come back from another.
+/// The directories of personal memory that a harness gives to the hook and to the server. If they
+/// differ, what the agent writes is not recalled.
 namespace quillstead::cli::MemoryHome {
 
-/// QUILLSTEAD_HOME for the hooks: as their commands or the settings set it, else as it is here;
-/// empty when nobody sets it.
+/// QUILLSTEAD_HOME for the hooks: from their commands or the settings, else from our environment;
+/// empty when it is not set.
 std::string ofHooks(const ConfiguredHooks& configured, const OS::Environment& environment);
 
-/// Likewise for the server, whose entry is in a file of this content: what it says there, else what
-/// the settings say, else as it is here.
+/// The same for the server, whose entry is in a file with this content: from the entry, else from
+/// the settings, else from our environment.
 std::string ofServer(std::string_view harness, const std::optional<std::string>& content,
                      const ConfiguredHooks& configured, const OS::Environment& environment);
 

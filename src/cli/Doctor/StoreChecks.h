@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-/// What there is to remember, and what of it is left out.
+/// Checks the stores: their size, and what is left out.
 namespace quillstead::cli::StoreChecks {
 
-/// The personal store; and the one of the project that the current directory is in. `harnesses`:
-/// those whose budgets the rules have to fit.
+/// The personal store, and the store of the current directory's project. `harnesses`: those whose
+/// budgets the rules have to fit.
 Check personal(const Context& context, const std::vector<std::string>& harnesses);
 Check project(const Context& context, const std::vector<std::string>& harnesses);
 

@@ -5,11 +5,10 @@
 #include <optional>
 #include <string>
 
-/// The memory server's table in Codex's config.toml, edited line by line. The file is read with a
-/// TOML library before and after: an edit that would change anything else is refused, and the file
-/// left alone. What was added goes again without a byte left of it: a line end goes before the
-/// table, which is an empty line or, where the last line had none, its end; a file that was made
-/// begins with the table.
+/// The memory server's table in Codex's config.toml, edited line by line. A TOML library reads the
+/// file before and after: an edit that would change anything else is refused. Removal leaves no
+/// byte of what was added. For that, a line end is written before the table (an empty line, or the
+/// missing end of the last line); a file that install created begins with the table.
 namespace quillstead::cli::CodexServer {
 
 /// `before`: the file's content; absent when there is no file.

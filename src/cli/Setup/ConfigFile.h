@@ -6,12 +6,12 @@
 #include <string>
 #include <variant>
 
-/// A user's settings file, replaced whole or not at all.
+/// Reads and replaces a settings file; a replacement is complete or does not happen.
 namespace quillstead::cli::ConfigFile {
 
-/// What is at a path.
+/// The file at a path.
 struct Content {
-  std::string path;                  ///< where the file lies, links followed
+  std::string path;                  ///< the file's path, links followed
   std::optional<std::string> bytes;  ///< absent: there is no file
   struct stat status;                ///< of the file, when there is one
 
@@ -19,7 +19,7 @@ struct Content {
   [[nodiscard]] bool isReadOnly() const { return bytes && (status.st_mode & 0222U) == 0; }
 };
 
-/// Why a file cannot be dealt with.
+/// Why a file cannot be read or changed.
 struct Problem {
   std::string what;  ///< "cannot be written: Permission denied"
 };
@@ -32,24 +32,24 @@ std::optional<std::string> textOf(const std::string& path);
 
 enum class Written {
   done,
-  changedMeanwhile,  ///< the file is not what it was; nothing was written
+  changedMeanwhile,  ///< the file changed since it was read; nothing was written
 };
 
-/// Makes the file hold `bytes` (absent: makes it go) when it still is what was read. The new file
-/// is written beside the old one, with its mode and owner, handed to the disk and renamed: whoever
-/// looks sees the old one or the new one. Directories that are missing are made, for the user
-/// alone.
+/// Replaces the content by `bytes` (absent: removes the file), if the file has not changed since it
+/// was read. The new file is written beside the old one with the same mode and owner, synced, and
+/// renamed, so that readers see the old or the new one. Missing directories are created for the
+/// user only.
 std::variant<Written, Problem> replace(const Content& before,
                                        const std::optional<std::string>& bytes);
 
-/// Keeps a copy of what was read in `directory`, for the user alone, under a name made of the
-/// file's path. Gives the copy's path; nothing is written when an earlier copy holds the same.
+/// Copies what was read into `directory`, readable by the user only, under a name made from the
+/// file's path. Returns the copy's path. Writes nothing when an earlier copy is the same.
 std::variant<std::string, Problem> keepCopy(const Content& content, const std::string& directory);
 
-/// Whether there is such a copy of the file, whatever it holds.
+/// Whether such a copy of the file exists, with any content.
 bool hasCopy(const Content& content, const std::string& directory);
 
-/// Removes what runs that were killed left half written beside the file.
+/// Removes incomplete files that killed runs left beside the file.
 void removeLeftovers(const std::string& path);
 
 }  // namespace quillstead::cli::ConfigFile

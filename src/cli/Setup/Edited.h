@@ -8,10 +8,10 @@
 
 namespace quillstead::cli {
 
-/// What a file is to hold.
+/// The new content of a file.
 struct Edited {
-  std::optional<std::string> text;  ///< absent: there is to be no file
-  bool hadOurs;                     ///< there was something of ours in it before
+  std::optional<std::string> text;  ///< absent: the file is removed
+  bool hadOurs;                     ///< it had an entry of ours before
 };
 
 /// The new content of a file, or why it is left alone.

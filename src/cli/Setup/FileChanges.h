@@ -12,10 +12,10 @@
 
 namespace quillstead::cli {
 
-/// Changes the files of one run of install or uninstall, and tells what became of each.
+/// Changes the files in one run of install or uninstall, and reports each.
 class FileChanges {
  public:
-  /// A dry run prints what would change and writes nothing.
+  /// A dry run prints the changes and writes nothing.
   FileChanges(const SetupOptions& options, const Context& context)
       : direction_(options.direction), isDryRun_(options.isDryRun), context_(context) {}
 
@@ -25,7 +25,7 @@ class FileChanges {
 
   [[nodiscard]] bool wasAnyLeftAlone() const { return wasAnyLeftAlone_; }
 
-  /// Prints where the copies are that were made of files as they were before.
+  /// Prints the paths of the copies of the original files.
   void tellCopies() const;
 
  private:
@@ -42,7 +42,7 @@ class FileChanges {
   /// What is ours in the file, and is left to the user.
   void complainOfRest(const Harnesses::Target& target);
 
-  /// Keeps other runs out until this one ends. False when that cannot be.
+  /// Locks out other runs until this one ends. False on failure.
   bool lock();
 
   Direction direction_;

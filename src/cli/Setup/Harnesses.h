@@ -12,23 +12,23 @@
 #include <string_view>
 #include <vector>
 
-/// The harnesses that are set up, and which of their files hold what.
+/// The harnesses that install can set up, and their files.
 namespace quillstead::cli::Harnesses {
 
 inline constexpr std::array<std::string_view, 4> names{"claude-code", "codex", "cursor",
                                                        "opencode"};
 
-/// Whether the harness's configuration directory is there, or its program is on PATH.
+/// Whether the harness's configuration directory exists, or its program is on PATH.
 bool isThere(std::string_view harness, const Places& places, const OS::Environment& environment);
 
-/// Those of the harnesses that are named; when none is, those that are there.
+/// The named harnesses; without a name, all that the user has.
 std::vector<std::string> chosen(const std::vector<std::string>& named, const Places& places,
                                 const OS::Environment& environment);
 
 inline constexpr std::string_view noneIsThere =
     "none of Claude Code, Codex, Cursor and OpenCode is there. Name those that you want to set up";
 
-/// A file, and what is done with its content; absent: there is no file.
+/// A file, and how its content is edited. Absent content: no file.
 struct Target {
   std::string_view harness;
   std::string path;
@@ -39,13 +39,12 @@ struct Target {
   std::function<std::optional<JSONC::Complaint>(const std::string& content)> rest = {};
 };
 
-/// The files of a harness, in the order in which they are dealt with. The programs must outlive
-/// what is returned.
+/// The files of a harness, in the order in which they are changed. `programs` must outlive the
+/// result.
 std::vector<Target> targets(std::string_view harness, const Places& places,
                             const Programs& programs);
 
-/// The directories that install makes for the harness's files when they are missing, the innermost
-/// first.
+/// The directories that install creates for the harness's files if missing, the innermost first.
 std::vector<std::string> directories(std::string_view harness, const Places& places);
 
 }  // namespace quillstead::cli::Harnesses

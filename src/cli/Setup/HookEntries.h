@@ -7,23 +7,22 @@
 #include <optional>
 #include <variant>
 
-/// Our entries under "hooks" in a harness's settings. Those of others stay as and where they are.
+/// Our entries under "hooks" in a harness's settings. Entries of others are not touched.
 namespace quillstead::cli::HookEntries {
 
-/// Where the settings have another shape than the harness takes, and what is wrong there.
+/// The first place where the settings have a shape that the harness would not accept.
 std::optional<JSONC::Complaint> misshapen(const JSONC::Document& document, const HookTable& table);
 
-/// Whether there is an entry of ours. As for all below, the settings must have the right shape.
+/// Whether one of our entries exists. Here and below, the settings must have the right shape.
 bool areThere(const JSONC::Document& document, const HookTable& table);
 
-/// Whether a handler runs our hook itself, from wherever.
+/// Whether a handler runs our hook directly, from any path.
 bool isOurs(const JSONC::Document& document, const JSONC::Node& handler);
 
-/// Adds the entries that are missing, brings those that are there up to date, and makes one of
-/// those that are there twice.
+/// Adds missing entries, updates existing ones, and merges duplicates.
 JSONC::Document install(JSONC::Document document, const HookTable& table, const Programs& programs);
 
-/// Takes all entries of ours away, and what was made for them. Absent when that is the document.
+/// Removes our entries and the containers that were created for them. Absent when nothing is left.
 std::optional<JSONC::Document> uninstall(JSONC::Document document, const HookTable& table);
 
 }  // namespace quillstead::cli::HookEntries

@@ -9,25 +9,25 @@
 #include <string>
 #include <vector>
 
-/// One handler of ours in a harness's settings.
+/// One of our handlers in a harness's settings.
 namespace quillstead::cli::HookHandler {
 
-/// How a handler that is there runs our hook.
+/// How an existing handler runs our hook.
 struct Run {
   std::string program;
   std::vector<std::string> arguments;
   bool isShellText;
   std::string assignments;  ///< of shell text
-  bool setsLog;             ///< so does QUILLSTEAD_HOOK_LOG among them
+  bool setsLog;             ///< QUILLSTEAD_HOOK_LOG is among them
 };
 
-/// Absent when the handler runs something else, or ours by way of another program.
+/// Absent when the handler runs something else, or runs ours through another program.
 std::optional<Run> read(const JSONC::Document& document, const JSONC::Node& handler);
 
-/// The value behind "--slot"; empty when there is none.
+/// The value of "--slot"; empty when there is none.
 std::string slotOf(const std::vector<std::string>& arguments);
 
-/// What a handler is to be.
+/// What a handler should be.
 struct Wanted {
   const HookTable& table;
   const HookEvent& event;
@@ -40,11 +40,11 @@ struct Wanted {
 /// A new handler, with a timeout.
 JSON::Object make(const Wanted& wanted);
 
-/// The document with the handler at `path` brought up to date: the program, its arguments and a
-/// limit that is missing. Keys of the user's stay.
+/// Updates the handler at `path`: the program, its arguments, and a missing limit. The user's own
+/// keys stay.
 JSONC::Document update(JSONC::Document document, const JSONC::Path& path, const Wanted& wanted);
 
-/// Likewise, but the program only.
+/// The same for the program only.
 JSONC::Document updateProgram(JSONC::Document document, const JSONC::Path& path,
                               const Programs& programs);
 

@@ -6,11 +6,10 @@
 #include <optional>
 #include <string>
 
-/// The settings files that hold our hooks: the entries, and what goes with them. `before`: the
-/// file's content; absent when there is no file.
+/// The settings files with our hooks. `before`: the file's content; absent when there is no file.
 namespace quillstead::cli::HookSettings {
 
-/// Claude Code's settings.json, with the log in "env" unless something is there.
+/// Claude Code's settings.json, with the log in "env" unless the user has set one.
 EditOutcome installClaudeCode(const std::optional<std::string>& before, const Programs& programs);
 EditOutcome uninstallClaudeCode(const std::string& before, const Programs& programs);
 

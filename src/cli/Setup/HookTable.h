@@ -7,7 +7,7 @@
 
 namespace quillstead::cli {
 
-/// How a harness has its hooks written down.
+/// How a harness's settings describe hooks.
 enum class HookForm {
   programs,       ///< groups of handlers, each a program and its arguments
   shellGroups,    ///< groups of handlers, each a line of shell text
@@ -18,25 +18,25 @@ enum class HookForm {
 struct HookEvent {
   std::string_view name;
   std::optional<std::string> matcher;             ///< absent: none
-  std::vector<std::string_view> earlierMatchers;  ///< what earlier versions of ours wrote
-  /// One handler each: what it has behind "--harness NAME".
+  std::vector<std::string_view> earlierMatchers;  ///< those that earlier versions wrote
+  /// For each handler, its arguments after "--harness NAME".
   std::vector<std::vector<std::string_view>> handlers;
   std::optional<int> contextLimit;  ///< "additionalContextLimit"
 };
 
-/// All the handlers that a harness gets.
+/// All our handlers for a harness.
 struct HookTable {
   std::string_view harness;
   HookForm form;
   std::vector<HookEvent> events;
-  bool isTimeoutFirst = false;  ///< a new handler has its timeout before its command
+  bool isTimeoutFirst = false;  ///< a new handler has its timeout first
 };
 
 const HookTable& claudeCodeHooks();
 const HookTable& codexHooks();
 const HookTable& cursorHooks();
 
-/// The same, with handlers that say that the file's "version" is ours as well.
+/// The same, with handlers that show that we added the file's "version".
 const HookTable& cursorHooksWithVersion();
 
 }  // namespace quillstead::cli

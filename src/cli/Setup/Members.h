@@ -7,19 +7,19 @@
 #include <span>
 #include <string>
 
-/// Members that are as deep in a document as the path to them is long, with the objects above them.
+/// Adds and removes members at a path, with the objects above them.
 namespace quillstead::cli::Members {
 
-/// Adds a member, and the objects above it that are missing. What is there of the path must be
-/// objects, and the member must not be there.
+/// Adds a member and the missing objects above it. What exists of the path must be objects, and the
+/// member must not exist.
 JSONC::Document add(const JSONC::Document& document, std::span<const std::string> keys,
                     JSON::Value value);
 
-/// Takes away a member or an element, and the containers above it that were made for it and are
-/// empty without it. Absent when that is the document.
+/// Removes a member or element, and the containers above it that were created for it and are now
+/// empty. Absent when nothing is left of the document.
 std::optional<JSONC::Document> remove(const JSONC::Document& document, JSONC::Path path);
 
-/// What is wrong when something at the path is no object; a member that is missing is none.
+/// The complaint when a part of the path is not an object; a missing member is no problem.
 std::optional<JSONC::Complaint> notObjects(const JSONC::Document& document,
                                            std::span<const std::string> keys);
 

@@ -8,15 +8,15 @@
 
 namespace quillstead::cli {
 
-/// What the harnesses are told to run.
+/// The programs that the settings name.
 struct Programs {
   std::string hook;                ///< absolute
   std::string server;              ///< absolute
-  std::optional<std::string> log;  ///< the path that entries name; absent: the hook finds it itself
-  bool isLogTheUsers = false;      ///< the user has named it; absent from settings of ours
-  std::string installedLog;        ///< the one that install sets up when nobody named another
+  std::optional<std::string> log;  ///< the path that entries name; absent: the hook's default
+  bool isLogTheUsers = false;      ///< the user named it, so our entries do not
+  std::string installedLog;        ///< the one that install sets up by default
 
-  /// `logOfClaudeCode`: the one that Claude Code's settings name.
+  /// `logOfClaudeCode`: the log that Claude Code's settings name.
   static Programs of(const Places& places, const OS::Environment& environment,
                      const std::optional<std::string>& logOfClaudeCode);
 };

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-/// The memory server's entry in a harness's JSON settings. An entry of its name that runs our
-/// server by way of another program, or is no program at all, is the user's and stays.
+/// The memory server's entry in a harness's JSON settings. If an entry with its name runs our
+/// server through another program, or runs no program, it is the user's and stays.
 namespace quillstead::cli::ServerEntry {
 
 enum class Form {
@@ -22,7 +22,7 @@ struct Where {
   Form form;
 };
 
-/// Adds the entry to the content of a file (absent: there is none), or brings it up to date.
+/// Adds the entry to the content of a file (absent: no file), or updates it.
 EditOutcome install(const std::optional<std::string>& before, const Where& where,
                     const std::string& server);
 

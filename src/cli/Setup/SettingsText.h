@@ -6,14 +6,14 @@
 #include <string>
 #include <variant>
 
-/// The content of a settings file, which may not be there.
+/// The content of a settings file that may not exist.
 namespace quillstead::cli::SettingsText {
 
-/// What is not there is a document without a root.
+/// A missing file is a document without a root.
 std::variant<JSONC::Document, JSONC::Complaint> read(const std::optional<std::string>& before);
 
-/// The content for a document that was made of `before`. In a file that was there, and empty, a
-/// line end goes first: what is written into no file has none, and goes with the file.
+/// The new content, for a document made from `before`. In an existing empty file, a line end comes
+/// first. That distinguishes it from a file that install created and uninstall removes.
 std::string of(const JSONC::Document& document, const std::optional<std::string>& before);
 
 }  // namespace quillstead::cli::SettingsText

@@ -12,7 +12,7 @@ enum class Direction { install, uninstall };
 /// What `quillstead install` and `quillstead uninstall` are told.
 struct SetupOptions {
   Direction direction = Direction::install;
-  std::vector<std::string> harnesses;  ///< none: those that are there
+  std::vector<std::string> harnesses;  ///< empty: all that the user has
   bool isDryRun = false;
 
   /// The harnesses that are meant. Complains when there is none.

@@ -9,7 +9,7 @@ namespace quillstead::cli {
 
 /// A line of shell text that runs one program and nothing else.
 struct ShellCommand {
-  std::string assignments;             ///< before the program, as they are written: "A='b' "
+  std::string assignments;             ///< before the program, unchanged: "A='b' "
   std::string program;                 ///< without quotes; a variable in it stays: "$HOME/bin/x"
   std::vector<std::string> arguments;  ///< without quotes
 
@@ -20,10 +20,10 @@ struct ShellCommand {
   [[nodiscard]] bool sets(std::string_view variable) const;
 };
 
-/// `text` as one word of shell text, in single quotes.
+/// `text` as one shell word, in single quotes.
 std::string inSingleQuotes(std::string_view text);
 
-/// Likewise, but as it is when it has only letters, digits and "/._-".
+/// The same, but unchanged when it has only letters, digits and "/._-".
 std::string quotedWhereNeeded(std::string_view text);
 
 }  // namespace quillstead::cli

@@ -5,8 +5,8 @@
 
 namespace quillstead::cli {
 
-/// What changes from one content of a file to another, as `diff -u` tells it and `patch` takes it.
-/// Absent: there is no file. Empty when nothing changes.
+/// The difference between two contents of a file, in the format of `diff -u`. Absent content: no
+/// file. Empty when nothing changes.
 std::string unifiedDiff(const std::string& path, const std::optional<std::string>& before,
                         const std::optional<std::string>& after);
 

@@ -8,26 +8,26 @@
 #include <string>
 #include <string_view>
 
-/// Reading a log, line by line, in little memory.
+/// Reads a log line by line, with little memory.
 namespace quillstead::cli::LogFile {
 
-/// A longer line is none of the hook's; it is handed over cut at this many bytes.
+/// The hook writes no longer line. Longer ones are cut to this many bytes.
 inline constexpr std::size_t longestLine = 65'536;
 
-/// Opens a regular file for reading, without waiting; not open when there is none at the path.
+/// Opens a regular file for reading, without waiting. Not open when it does not exist.
 OS::Descriptor open(const std::string& path);
 
-/// Takes the bytes of a file as they are read, and hands over each line.
+/// Splits bytes, as they are read, into lines and passes each on.
 class Lines {
  public:
-  /// `isWhole`: the line came with its end, and is not cut.
+  /// `isWhole`: the line has its line end and is not cut.
   using Visit = std::function<void(std::string_view line, bool isWhole)>;
 
   explicit Lines(Visit visit) : visit_(std::move(visit)) {}
 
   void add(std::string_view bytes);
 
-  /// Hands over what came after the last line's end, when there is something.
+  /// Passes on what follows the last line end, if anything.
   void finish();
 
  private:
@@ -38,8 +38,8 @@ class Lines {
   bool isTooLong_ = false;
 };
 
-/// Hands over all lines of an open file, from where it is. False when it could not be read to its
-/// end.
+/// Passes on all lines of an open file, from its current position. False when it could not be read
+/// to the end.
 bool forEachLine(const OS::Descriptor& file, Lines& lines);
 
 }  // namespace quillstead::cli::LogFile

@@ -10,11 +10,11 @@ namespace quillstead::cli {
 
 /// Where the hook's log is looked for.
 struct LogPlace {
-  std::vector<std::string> candidates;  ///< the first that is there is the one
-  bool isOff = false;                   ///< the environment says that none is written
+  std::vector<std::string> candidates;  ///< the first one that exists counts
+  bool isOff = false;                   ///< the environment switches the log off
 
-  /// QUILLSTEAD_HOOK_LOG; else the log that install set up, and the hook's own default. `named`:
-  /// the log that Claude Code's settings name, which install sets up for all; absent: none.
+  /// QUILLSTEAD_HOOK_LOG; else the log that install set up and the hook's default. `named`: the log
+  /// that Claude Code's settings name, which install uses for all harnesses; absent: none.
   static LogPlace find(const Context& context, const std::optional<std::string>& named);
 };
 

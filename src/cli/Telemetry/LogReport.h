@@ -5,7 +5,7 @@
 
 #include <string>
 
-/// What a log comes to, for reading and for scripts.
+/// Statistics of a log, for people and for scripts.
 namespace quillstead::cli::LogReport {
 
 /// `path`: the log's.

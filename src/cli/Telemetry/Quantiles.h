@@ -6,8 +6,8 @@
 
 namespace quillstead::cli {
 
-/// How often each of many durations came, so that their quantiles can be told exactly. It takes
-/// memory for the durations that differ, not for each of them.
+/// Counts durations, so that their exact quantiles are known. Memory grows with the number of
+/// different durations, not with their number.
 class Quantiles {
  public:
   /// `milliseconds`: not negative.
@@ -15,8 +15,7 @@ class Quantiles {
 
   [[nodiscard]] std::int64_t count() const { return count_; }
 
-  /// The smallest duration that `percent` percent of them, 1 to 100, are not longer than (nearest
-  /// rank); 0 when there are none.
+  /// The nearest-rank percentile, for `percent` from 1 to 100; 0 when there are no durations.
   [[nodiscard]] std::int64_t percentile(std::int64_t percent) const;
 
   [[nodiscard]] std::int64_t longest() const { return longest_; }
@@ -29,8 +28,9 @@ class Quantiles {
   template <typename Visit>
   void visitInOrder(Visit visit) const;
 
-  std::vector<std::int64_t> short_;            ///< by duration
-  std::map<std::int64_t, std::int64_t> long_;  ///< what is longer than any hook run should be
+  std::vector<std::int64_t> short_;  ///< by duration
+  std::map<std::int64_t, std::int64_t>
+      long_;  ///< durations longer than any run of the hook should be
   std::int64_t count_ = 0;
   std::int64_t longest_ = 0;
 };

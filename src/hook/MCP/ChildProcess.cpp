@@ -53,7 +53,8 @@ std::optional<Started> start(const std::string& executable) {
 
 /// When a leash that begins now ends, at most a day from now.
 Clock::time_point endOf(Seconds leash) {
-  constexpr Seconds longest = std::chrono::hours(24);
+  constexpr Seconds longest =
+      std::chrono::hours(24);  // the addition cannot overflow after this clamp
   return Clock::now() +
          std::chrono::ceil<Clock::duration>(std::clamp(leash, Seconds::zero(), longest));
 }

@@ -23,7 +23,7 @@ struct Phrase {
 
 struct Scored {
   std::int64_t id;
-  double score;  ///< above 0; the higher the better
+  double score;  ///< above 0; higher is better
 };
 
 /// The cards worth showing, in no order: the `limit` best and those that are as good as the last of

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/// Finds the cards that have words of a prompt.
+/// Finds the cards with words of a prompt.
 namespace quillstead::server::CardSearch {
 
 using CardScores::Scored;

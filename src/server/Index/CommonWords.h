@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-/// Words that say little of what a prompt is about, such as "fix", "test", "file" and "list".
+/// Words that say little about a prompt's topic, such as "fix", "test", "file" and "list".
 namespace quillstead::server::CommonWords {
 
 /// `word`: in lower case.

@@ -14,31 +14,29 @@ namespace quillstead::server {
 /// Why an operation of a database failed.
 enum class DatabaseError {
   none,
-  busy,     ///< another process kept its lock for too long
-  damaged,  ///< the file is not what it should be: `Database::empty` can make it usable again
-  other,    ///< it cannot be reached or written
+  busy,     ///< another process held its lock for too long
+  damaged,  ///< the file is damaged; `Database::empty` can make it usable again
+  other,    ///< it cannot be opened or written
 };
 
-/// One statement of a database, run again and again. A statement that could not be prepared fails
-/// at its first step.
+/// A prepared statement, for repeated use. One that could not be prepared fails at its first step.
 class Statement {
  public:
   enum class Step { row, done, failed };
 
-  /// Binds a parameter, counted from 1. A text must outlive the next steps.
+  /// Binds a parameter, counted from 1. A text must stay valid during the next steps.
   Statement& bind(int parameter, std::int64_t integer);
   Statement& bind(int parameter, std::string_view text);
 
-  /// Binds an object for a function that asks for it by its type's name. It must outlive the steps.
+  /// Binds an object for a function that reads it by its type's name. It must outlive the steps.
   Statement& bind(int parameter, void* object, const char* type);
 
   Step step();
 
-  /// Makes it ready to run again, and ends the reading that it may have begun.
+  /// Makes it ready to run again, and ends its read transaction.
   void reset();
 
-  /// Makes one step, which is all that a statement without rows needs, and resets; false when it
-  /// failed.
+  /// Makes one step and resets, for a statement without rows; false on failure.
   bool run();
 
   // A column of the current row, counted from 0. A text is valid until the next step.
@@ -60,36 +58,36 @@ class Statement {
 /// An open SQLite database. Not shared between threads; processes share its file.
 class Database {
  public:
-  /// Opens the file, made when missing; statements wait `patience` for others' locks. Whether it
-  /// really is a database shows at the first statement. No part of the path may be a symbolic link.
-  /// Triggers and views in it do nothing, and a statement that does not end is ended: both count as
-  /// damage.
+  /// Opens the file and creates it if it is missing. Statements wait `patience` for locks of
+  /// others. Only the first statement shows whether the file is a database. No part of the path may
+  /// be a symbolic link. Triggers and views in it are disabled, and a statement that takes too many
+  /// steps is ended: both count as damage.
   static Database open(const std::string& path, std::chrono::milliseconds patience);
 
   static Database inMemory();
 
-  /// From now on statements wait that long for others' locks; zero: not at all.
+  /// How long statements wait for locks of others from now on; zero: not at all.
   void setPatience(std::chrono::milliseconds patience);
 
-  /// Runs statements that give no rows; false when one failed.
+  /// Runs statements without rows; false when one failed.
   bool run(const char* statements);
 
-  /// Ends the transaction, when there is one, without its changes.
+  /// Rolls the transaction back, if there is one.
   void rollBack();
 
   [[nodiscard]] Statement prepare(std::string_view statement);
 
-  /// How many rows all statements together have added, changed or removed since it was opened.
+  /// The number of rows that were added, changed or removed since it was opened.
   [[nodiscard]] std::int64_t totalChanges() const;
 
-  /// For what only SQLite's own interface offers.
+  /// For SQLite's own interface.
   [[nodiscard]] sqlite3* handle() const { return database_.get(); }
 
-  /// Empties the database under its lock, however damaged it is; others that have it open see an
+  /// Empties the database under its lock, even if it is damaged. Processes that have it open see an
   /// empty one.
   bool empty();
 
-  /// Why the operation that failed last did so.
+  /// Why the last failed operation failed.
   [[nodiscard]] DatabaseError error() const { return *error_; }
 
  private:

@@ -20,33 +20,32 @@ struct CardPlace {
   std::string fileName;
 };
 
-/// What the cards are called.
+/// The titles of cards.
 struct Titles {
   std::vector<std::string> newest;  ///< the project's before the personal, the newest file first
   std::size_t total = 0;            ///< how many cards there are
 };
 
-/// What is known of the cards of one scope. It lives in a file of the cache directory that servers
-/// share; while that cannot be used, in memory for one call.
+/// The index of the cards of one scope. It is a file in the cache directory that servers share, or,
+/// if that cannot be used, in memory for one call.
 class Index {
  public:
-  /// How long opening an index may take on a store that changed. One file of the largest size goes
-  /// over it by the time that it takes.
+  /// How long opening an index may take after changes. It may take longer by the time for one file.
   struct Patience {
     std::chrono::milliseconds withOthers;  ///< until another server has written
     std::chrono::milliseconds withFiles;   ///< for looking at files and reading what changed
   };
 
-  /// For an answer that is only worth having with the cards as they are.
+  /// For an answer that needs the current cards.
   static constexpr Patience untilCardsAreKnown{.withOthers = std::chrono::milliseconds(500),
                                                .withFiles = std::chrono::milliseconds(600)};
 
-  /// For an answer that must come at once and can do with some of the titles.
+  /// For an answer that must be quick and may lack some titles.
   static constexpr Patience withWhatIsKnown{.withOthers = std::chrono::milliseconds(50),
                                             .withFiles = std::chrono::milliseconds(100)};
 
-  /// Opens the index and brings it up to date with the files. Where the patience does not last, it
-  /// knows what it knew and what was read so far, and the next call goes on from there.
+  /// Opens the index and updates it from the files. If the time is too short, the update is
+  /// incomplete, and the next call continues it.
   static Index opened(const Scope& scope, const OS::Environment& environment, Patience patience);
 
   /// The cards that match the prompt, best first, at most `limit`.

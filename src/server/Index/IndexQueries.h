@@ -8,17 +8,17 @@
 #include <string_view>
 #include <vector>
 
-/// What can be asked of an index. Each answer is absent when the database failed.
+/// Queries of an index. Each result is absent when the database failed.
 namespace quillstead::server::IndexQueries {
 
-/// The cards for a prompt, at most `limit`. Ranked by bm25 over all cards, a word in the title
-/// weighing most, then the tags, then the body; equal ranks put the project first, then go by file
-/// name. Cards far behind the best are left out. Of a store that has matching cards two are among
-/// them, however many of the other's are better.
+/// The cards for a prompt, at most `limit`, ranked over all cards. Words in the title weigh most,
+/// then tags, then the body. Equal ranks are ordered by store, the project first, then by file
+/// name. Cards far worse than the best are left out. At least two cards of each store are kept if
+/// they match.
 std::optional<std::vector<CardPlace>> search(Database& database, std::string_view prompt,
                                              std::size_t limit);
 
-/// At most `limit` titles, the project's before the personal, the newest file first.
+/// At most `limit` titles: the project's before the personal, the newest first.
 std::optional<Titles> titles(Database& database, std::size_t limit);
 
 std::optional<std::vector<CardPlace>> withTitle(Database& database, std::string_view title,

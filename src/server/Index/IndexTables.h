@@ -10,16 +10,16 @@
 #include <string>
 #include <vector>
 
-/// The tables of an index: a row for each file that was looked at, its words when it is a card, and
-/// the fingerprint of all of them.
+/// The tables of an index: a row for each known file, its words if it is a card, and the
+/// fingerprint of all files.
 namespace quillstead::server::IndexTables {
 
-/// What an index is like: its tables, its tokenizer, and how texts are taken apart before they are
-/// written. Part of the file's name, so that versions of the server leave each other's alone. Raise
-/// it with every change of those; a test tells when that was forgotten.
+/// The version of the tables, of the tokenizer, and of how texts are split into words. It is part
+/// of the file's name, so that versions of the server do not share an index. Raise it with every
+/// change of these; a test fails if that was forgotten.
 inline constexpr int version = 5;
 
-/// A file as the index knows it. `store` is written as the number of its enumerator.
+/// A file as the index stores it. `store` is written as the number of its enumerator.
 struct Row {
   std::int64_t id;
   Store::Kind store;
@@ -27,18 +27,18 @@ struct Row {
   OS::FileStamp stamp;
 };
 
-/// Makes the tables where they are missing.
+/// Creates missing tables.
 bool create(Database& database);
 
 /// How many cards each store has, by the number of its enumerator.
 using CardCounts = std::array<std::int64_t, 2>;
 
-/// What the last update left.
+/// The state after the last update.
 struct State {
-  std::int64_t fingerprint = 0;  ///< of the files as the index knows them
-  bool isUnfinished = true;      ///< there are files that it does not know yet
+  std::int64_t fingerprint = 0;  ///< of the files in the index
+  bool isUnfinished = true;      ///< some files are not in it yet
   bool needsMerging = false;     ///< its words lie in many parts, or hold those of removed rows
-  std::optional<std::uint64_t> namesStamp;  ///< of the survey that found nothing else to do
+  std::optional<std::uint64_t> namesStamp;  ///< of the last survey that found nothing to do
   std::int64_t seenParts = 0;               ///< of `SeenFiles`, which are of the same survey
   CardCounts cards{};
 
@@ -48,10 +48,10 @@ struct State {
 /// Absent when there is none or it cannot be read.
 std::optional<State> state(Database& database);
 
-/// `roots`: the directories of the stores that there are.
+/// `roots`: the directories of the existing stores.
 bool setState(Database& database, State state, const std::vector<std::string>& roots);
 
-/// The roots that were noted; none when they cannot be read.
+/// The stored roots; none when they cannot be read.
 std::vector<std::string> roots(Database& database);
 
 /// The cards of the state. Absent when there is none or it cannot be read.
@@ -67,7 +67,7 @@ std::optional<bool> mergeSome(Database& database);
 /// Absent when they could not be read.
 std::optional<std::vector<Row>> rows(Database& database);
 
-/// Writes rows; made once for many of them.
+/// Writes rows; create it once for many of them.
 class Writer {
  public:
   /// `cards`: kept as the rows are. It has to outlive the writer.
@@ -75,12 +75,12 @@ class Writer {
 
   bool remove(std::int64_t id);
 
-  /// `card`: null for a file that is no card, so that it is known and not read again. `content`:
-  /// a hash of what the row was made of.
+  /// `card`: null for a file that is not a card, so that it is not read again. `content`: a hash of
+  /// the file's content.
   bool add(const Survey::File& file, const Card* card, std::uint64_t content);
 
-  /// Notes that the file has another stamp, when the row was made of the same content. False when
-  /// it was not, or the database failed: then the row is as it was.
+  /// Updates the stamp of a file whose content is the same. False, with the row unchanged, when the
+  /// content differs or the database failed.
   bool touch(std::int64_t id, OS::FileStamp stamp, std::uint64_t content);
 
  private:

@@ -8,7 +8,7 @@
 #include <functional>
 #include <string>
 
-/// Brings an index up to date with the files.
+/// Updates an index from the files.
 namespace quillstead::server::IndexUpdate {
 
 /// Reads a card's file, as `StoreFiles::readCard` does.
@@ -16,12 +16,12 @@ using ReadCard = std::function<StoreFiles::TextOrReason(const OS::Descriptor& ca
                                                         Store::Kind kind, const std::string& name)>;
 
 enum class Outcome {
-  current,  ///< the index was as the files
-  written,  ///< something was read, or is known to be gone; perhaps not all
+  current,  ///< the index was up to date
+  written,  ///< changes were written; perhaps not all
   failed,   ///< the database could not be read, locked or written
 };
 
-/// Gives 0, 1, 2 and so on at each call for one index, by whatever server.
+/// Returns 0, 1, 2 and so on for each call on one index, across all servers.
 using Turn = std::function<std::uint64_t()>;
 
 /// Looks at the files and reads what changed, in steps that are each kept, whatever becomes of the

@@ -3,15 +3,15 @@
 #include <cstddef>
 #include <cstdint>
 
-/// The numbers by which cards are found, ranked and left out. docs/recall.md says how they work
-/// together and what comes of them.
+/// The constants for finding, ranking and leaving out cards. docs/recall.md explains them and
+/// measures the results.
 namespace quillstead::server::Ranking {
 
-// What is looked for.
+// Search terms.
 inline constexpr std::size_t mostWords = 64;  ///< of a prompt, which may carry a whole log
 inline constexpr std::size_t mostPromptBytes = 32'768;
 
-// How much a word says. A card is worth showing when its words of the prompt say 1 together.
+// The weights of words. A card is shown when the weights of its words from the prompt add up to 1.
 inline constexpr double ordinaryWord = 1;
 inline constexpr double commonWord = 0.5;
 inline constexpr double partOfName = 0.5;
@@ -23,8 +23,8 @@ inline constexpr double pairOfAlphabet = 0.25;  ///< Thai, Lao, Khmer, Burmese
 inline constexpr double otherPair = 0.5;
 inline constexpr double enough = 1;
 
-// Long prompts share some pairs with any card, so these say nothing unless the card has this part
-// of the weight of the prompt's pairs that are in any card.
+// Long prompts share some pairs with any card. So pairs count only if the card has at least this
+// share of the weight of all the prompt's pairs that any card has.
 inline constexpr double leastPairsOfHangul = 0.15;
 inline constexpr double leastRunsOfAlphabet = 0.3;  ///< of pairs beside each other in both
 
@@ -44,7 +44,7 @@ inline constexpr double phraseWeight = 0.5;   ///< of the rarer of two words tha
 inline constexpr double coverageShare = 0.5;  ///< of a score that depends on how much of the prompt
                                               ///< is in the card
 
-/// A card whose score is below this part of the best is not worth its room.
+/// A card whose score is below this fraction of the best is left out.
 inline constexpr double leastPartOfBest = 0.3;
 
 }  // namespace quillstead::server::Ranking

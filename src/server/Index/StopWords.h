@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-/// Words so common in a language that a card is not wanted for having them.
+/// Words that are so common in a language that they are not searched for.
 namespace quillstead::server::StopWords {
 
 /// A set of languages, one bit each.

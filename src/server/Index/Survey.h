@@ -14,9 +14,8 @@
 
 namespace quillstead::server {
 
-/// A sum over the states of files that does not depend on their order. Two sets of files, or one
-/// set at two times, have the same sum only when all names, sizes and times are the same, but for a
-/// chance of one in 2^64.
+/// A hash over the states of files that does not depend on their order. It is the same only if all
+/// names, sizes and times are the same, except for a chance of one in 2^64.
 class Fingerprint {
  public:
   void add(Store::Kind store, std::string_view name, OS::FileStamp stamp);
@@ -27,29 +26,29 @@ class Fingerprint {
   std::uint64_t sum_ = 0;
 };
 
-/// The card files of a scope as they were when they were last looked at.
+/// The card files of a scope, as they were when last checked.
 class Survey {
  public:
   struct File {
     Store::Kind store;
     std::string name;
-    std::optional<OS::FileStamp> stamp;  ///< absent when only names were looked for
+    std::optional<OS::FileStamp> stamp;  ///< absent when only names were read
   };
 
   enum class Depth { names, stamps };
 
-  /// Opens the directories of the cards and looks at no file yet.
+  /// Opens the directories of the cards, but checks no file yet.
   static Survey opened(const Scope& scope);
 
-  /// Lists all files, and with `Depth::stamps` also looks at the size and time of each, which takes
-  /// most of the time; ends early when the deadline passes.
+  /// Lists all files. With `Depth::stamps` it also reads the size and time of each, which takes
+  /// most of the time. Stops early at the deadline.
   void look(Depth depth, OS::MonotonicClock::time_point deadline);
 
-  /// A number that changes with every name of a card that is added, removed, or given to another
-  /// file; absent where that cannot be told without looking.
+  /// A number that changes when a card's name is added, removed, or given to another file. Absent
+  /// where the file system does not show that.
   [[nodiscard]] std::optional<std::uint64_t> namesStamp() const;
 
-  /// What was seen is all there is. False before the first look and after an early end.
+  /// True when all files were seen. False before the first check and after an early stop.
   [[nodiscard]] bool isComplete() const { return complete_; }
 
   [[nodiscard]] const std::vector<File>& files() const { return files_; }

@@ -7,8 +7,7 @@
 
 namespace quillstead::server {
 
-/// A list of words that is written as one text, with blanks between the words, and sorted when it
-/// is compiled.
+/// A list of words, written as one string with spaces between them, and sorted at compile time.
 template <const std::string_view& text>
 class WordList {
  public:

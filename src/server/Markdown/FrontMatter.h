@@ -7,19 +7,19 @@
 
 namespace quillstead::server {
 
-/// The lines between "---" and "---" at the top of a card: "key: value" each. A value may stand in
-/// quotes; a list is "[a, b]", or "a, b", or one "- a" a line below its key.
+/// The lines between "---" and "---" at the top of a card, each "key: value". A value may be in
+/// quotes. A list is "[a, b]", or "a, b", or lines "- a" below its key.
 struct FrontMatter {
   std::vector<std::pair<std::string, std::vector<std::string>>> fields;  ///< in their order
-  std::string_view rest;  ///< the text below, a view into what was parsed
+  std::string_view rest;  ///< the text after it, a view into the parsed text
 
-  /// `text` without front matter gives no fields and all of it as the rest.
+  /// A text without front matter has no fields, and is all `rest`.
   static FrontMatter parse(std::string_view text);
 
   /// The values of `key`, empty when there is none.
   [[nodiscard]] std::vector<std::string> values(std::string_view key) const;
 
-  /// `value` so that `parse` reads it back, in quotes where it needs them.
+  /// `value` as `parse` reads it back, in quotes if needed.
   static std::string written(std::string_view value);
 };
 

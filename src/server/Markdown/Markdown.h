@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-/// The little of Markdown that memory has to understand, line by line.
+/// The parts of Markdown that the server understands, line by line.
 namespace quillstead::server::Markdown {
 
 /// The text of a heading, "# Title" to "###### Title"; absent when the line is none.
@@ -13,7 +13,7 @@ std::optional<std::string_view> heading(std::string_view line);
 /// True for an item of an outermost list: "- text", "* text", "+ text", "1. text", "1) text".
 bool isListItem(std::string_view line);
 
-/// Follows which lines lie in code between "```" or "~~~".
+/// Tracks which lines are code between "```" or "~~~".
 class CodeFence {
  public:
   /// Takes the next line; true when it is code, or opens or closes code.

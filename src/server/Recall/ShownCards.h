@@ -6,13 +6,13 @@
 
 #include <vector>
 
-/// Keeps cards from a session that has them already.
+/// Leaves out cards that a session has seen already.
 namespace quillstead::server::ShownCards {
 
-/// Takes out of `places` the cards that the session was shown with the text that they have now.
+/// Removes from `places` the cards that the session was shown with their current text.
 void remove(std::vector<CardPlace>& places, const SessionMemory& session, const Scope& scope);
 
-/// Notes the cards of `block`, as far as they surely reach the agent, and keeps the session.
+/// Records the cards of `block` that certainly reach the agent, and saves the session.
 void note(const Recall::Block& block, SessionMemory& session, const Scope& scope);
 
 }  // namespace quillstead::server::ShownCards

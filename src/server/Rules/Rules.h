@@ -7,12 +7,12 @@
 #include <string_view>
 #include <vector>
 
-/// What the user's rules.md files say.
+/// Reads the rules.md files.
 namespace quillstead::server::Rules {
 
-/// The personal rules, then the project's behind a line that says whose they are, blank lines
-/// between; empty when there are none. Safe to stand in a fence. A file that cannot be used is
-/// named with the reason instead.
+/// The personal rules, then the project's after a line that says whose they are, with blank lines
+/// between. Empty when there are none. Safe inside a fence. For a file that cannot be used, a line
+/// with the reason.
 std::string read(const Scope& scope);
 
 /// Where `text`, such rules, may be cut without taking one apart: the lengths of those beginnings

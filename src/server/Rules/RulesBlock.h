@@ -11,7 +11,7 @@ namespace quillstead::server {
 
 /// Rules and an index in one fence. All sizes are bytes.
 struct RulesBlock {
-  std::string text;                      ///< empty when there is nothing to tell
+  std::string text;                      ///< empty when there are no rules and no index
   std::optional<std::size_t> indexSpan;  ///< the index's size; absent when there is none
 
   /// An empty `index` is left out.
@@ -20,15 +20,15 @@ struct RulesBlock {
   /// Adds a paragraph at the end of the rules, before the index.
   void closeHeadWith(std::string_view note);
 
-  /// The list of titles that closes a block, so that the agent knows what it can ask for. At most
-  /// `limit` bytes: a heading with the number of cards and a line for each title, as many as fit,
-  /// then how many more there are. Empty when there are no cards or not one title fits.
+  /// The list of titles at the end of a block, which tells the agent what it can ask for. At most
+  /// `limit` bytes: a heading with the number of cards, a line for each title that fits, and the
+  /// number of the others. Empty when there are no cards or no title fits.
   static std::string index(const Titles& titles, std::size_t limit);
 
-  /// The most bytes an index takes when nothing smaller is asked for.
+  /// The most bytes of an index, unless the caller asks for less.
   static constexpr std::size_t ordinaryIndex = 6'000;
 
-  /// What the fence adds to rules without an index, and what an index adds besides itself.
+  /// Bytes that the fence adds to rules, and that an index adds besides its own.
   static const std::size_t fenceSize;
   static constexpr std::size_t lineBeforeIndex = 1;
   static constexpr std::size_t gapBeforeNote = 2;

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-/// The rules in as little room as a harness gives them.
+/// The rules, fitted into the room that a harness gives them.
 namespace quillstead::server::RulesCard {
 
 /// Bytes; absent is no limit.
@@ -17,11 +17,11 @@ struct Ceilings {
   std::optional<std::size_t> head;   ///< of the block as it would be without its index
 };
 
-/// How much of the rules a card tells.
+/// How much of the rules a card contains.
 enum class Kind {
   whole,
   cut,      ///< rules were left out at the end, and a line says so
-  pointer,  ///< no rule fits; it only tells how to get them
+  pointer,  ///< no rule fits; it only says how to get them
   nothing,  ///< not even that fits
 };
 
@@ -30,9 +30,9 @@ struct Card {
   RulesBlock block;  ///< within the ceilings, whatever they are
 };
 
-/// With a ceiling for the head alone, the whole block stays within it when that leaves room for
-/// rules and index. `note` ends the head, whatever else comes short, unless it is empty or the
-/// ceilings have no room for it alone.
+/// If only the head has a ceiling, the whole block stays within it if rules and index fit. `note`
+/// is the last paragraph of the head. It is left out only when it is empty or does not fit by
+/// itself.
 Card made(std::string_view rules, const Titles& titles, const Ceilings& ceilings,
           std::string_view note = {});
 

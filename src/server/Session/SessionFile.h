@@ -10,21 +10,21 @@
 
 namespace quillstead::server {
 
-/// The file of the cache directory in which a session's state lies, held so that no other server
+/// The file with a session's state, in the cache directory. It is locked, so that no other server
 /// reads or writes it meanwhile.
 class SessionFile {
  public:
-  /// Waits for other servers for a fifth of a second at most. Absent when that was too short, or
-  /// when there is no place for the file. `session`: what tells this session from all others.
+  /// Waits for other servers for at most a fifth of a second. Absent when that was too short, or
+  /// when there is no place for the file. `session`: identifies the session.
   ///
-  /// A new file is an occasion to remove those that nobody wrote for a week.
+  /// When it creates a file, it also removes those that were not written for a week.
   static std::optional<SessionFile> opened(std::string_view session,
                                            const OS::Environment& environment);
 
-  /// What the file holds; absent when it is new or damaged.
+  /// The file's content; absent when it is new or damaged.
   [[nodiscard]] std::optional<SessionState> read() const;
 
-  /// Should this fail, or the process be killed on the way, the file counts as damaged.
+  /// If this fails, or the process is killed meanwhile, the file counts as damaged.
   void write(const SessionState& state) const;
 
  private:

@@ -3,21 +3,21 @@
 #include <cstdint>
 #include <string>
 
-/// What a harness writes of a session as it goes, one JSON object a line.
+/// A harness's transcript of a session: one JSON object per line.
 namespace quillstead::server::Transcript {
 
-/// What happened to the transcript since it was looked at last.
+/// What changed in the transcript since it was last read.
 struct Change {
-  std::uint64_t read;  ///< how far it has been looked through now, in bytes
-  bool newContext;     ///< what was shown before is no longer before the model
+  std::uint64_t read;  ///< how far it has been read, in bytes
+  bool newContext;     ///< the model no longer sees what it was shown before
 };
 
-/// Looks through what was added behind `read` bytes for the mark of a compaction. A transcript that
-/// is shorter than that, or grew by more than can be looked through, counts as a new context. One
-/// that is not there or no plain file has not changed.
+/// Searches what was added after `read` bytes for the mark of a compaction. A transcript that
+/// became shorter, or grew by more than can be searched, counts as a new context. A missing one, or
+/// one that is not a regular file, counts as unchanged.
 Change changeSince(const std::string& path, std::uint64_t read);
 
-/// How long it is now, 0 when it is not there.
+/// Its size in bytes; 0 when it does not exist.
 std::uint64_t length(const std::string& path);
 
 }  // namespace quillstead::server::Transcript

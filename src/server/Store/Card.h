@@ -6,11 +6,11 @@
 
 namespace quillstead::server {
 
-/// One piece of memory, as its file tells it.
+/// One card, parsed from its file.
 struct Card {
-  std::string title;  ///< the first heading; without one, the file's name, mostly less ".md"
+  std::string title;  ///< the first heading; without one, the file's name, usually without ".md"
   std::vector<std::string> tags;  ///< from the front matter
-  std::string body;  ///< the text below the front matter, without the title when it comes first
+  std::string body;  ///< the text after the front matter, without the title if that comes first
 
   /// `text` is valid UTF-8. Line ends of the body become line feeds.
   static Card parse(std::string_view text, std::string_view fileName);

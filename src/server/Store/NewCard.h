@@ -10,7 +10,7 @@
 
 namespace quillstead::server {
 
-/// A card that a caller wants remembered.
+/// A card to write.
 struct NewCard {
   std::string text;                  ///< not blank
   std::optional<std::string> title;  ///< by default the text's first heading or first line
@@ -19,14 +19,14 @@ struct NewCard {
   std::optional<std::string> subagent;
 };
 
-/// A card that is in its store now.
+/// A card that was written.
 struct AddedCard {
   std::string title;
   std::string fileName;
 };
 
 struct NotAdded {
-  std::string reason;  ///< for the user's eyes
+  std::string reason;  ///< for the user
 };
 
 namespace NewCards {
@@ -34,8 +34,8 @@ namespace NewCards {
 /// The file's text: front matter, the title as a heading, the text.
 std::string composed(const NewCard& card, std::chrono::system_clock::time_point created);
 
-/// Writes the card as a file of its own, under a name nobody else has. It is there whole or not at
-/// all, whatever happens on the way.
+/// Writes the card to a new file with a name of its own. The file is complete or does not exist,
+/// even if the process is killed.
 std::variant<AddedCard, NotAdded> add(const Store& store, const NewCard& card);
 
 }  // namespace NewCards

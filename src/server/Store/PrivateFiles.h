@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// The personal store is for its user's eyes: directories 0700, files 0600.
+/// The personal store is private: directories 0700, files 0600.
 namespace quillstead::server::PrivateFiles {
 
 struct Wide {
@@ -15,9 +15,9 @@ struct Wide {
   mode_t mode;  ///< its permissions
 };
 
-/// What of the store others may read or write: its directory, `memory`, `rules.md`, `trusted` and
-/// the cards, in this order. Symbolic links are left out. The server itself changes no mode of what
-/// it has not made.
+/// What others may read or write in the store: its directory, `memory`, `rules.md`, `trusted` and
+/// the cards, in this order. Symbolic links are left out. The server never changes the mode of a
+/// file that it did not create.
 std::vector<Wide> widerThanPrivate(const Store& personal);
 
 }  // namespace quillstead::server::PrivateFiles

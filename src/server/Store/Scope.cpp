@@ -88,7 +88,7 @@ std::optional<Store> opened(const Candidate& found, const Trust& trust) {
 /// The project that a directory belongs to.
 struct FoundProject {
   std::optional<Store> store;
-  bool leftOut = false;  ///< there is one, but the user does not trust it; it was not opened
+  bool leftOut = false;  ///< a project exists, but is not trusted; it was not opened
 };
 
 /// The nearest `.quillstead` in `start`, an absolute path, or above it. Passed over, so that

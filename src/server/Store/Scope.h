@@ -12,36 +12,36 @@
 
 namespace quillstead::server {
 
-/// One directory of memory: `rules.md`, and `memory/` with one card a file.
+/// One directory of memory: `rules.md`, and `memory/` with one card per file.
 struct Store {
-  /// In the order in which equal cards rank. Indexes keep the numbers.
+  /// In the order in which equal cards rank. Indexes store the numbers.
   enum class Kind { project = 0, personal = 1 };
 
   Kind kind;
   std::string root;  ///< absolute; every link followed when it exists
 
-  /// The directory, held open since its owner and its mode were asked, so that nothing else can
-  /// take its place; null when it was not there.
+  /// The directory, kept open since its owner and mode were checked, so that it cannot be replaced;
+  /// null when it did not exist.
   std::shared_ptr<const OS::Descriptor> directory = nullptr;
 };
 
 /// "project" or "personal", as users and agents write it.
 std::string_view nameOf(Store::Kind kind);
 
-/// The stores that one call is about.
+/// The stores that one call uses.
 struct Scope {
-  std::optional<Store> personal;  ///< may not exist yet; absent when there is no place for it
+  std::optional<Store> personal;  ///< may not exist yet; absent when no place for it is known
   std::optional<Store> project;   ///< absent when the working directory is in no trusted project
-  bool projectLeftOut = false;    ///< there is a project store, but the user does not trust it
+  bool projectLeftOut = false;    ///< a project store exists, but is not trusted
 
-  /// Those there are, the personal one first.
+  /// All of them, the personal one first.
   [[nodiscard]] std::vector<Store> stores() const;
 
   /// `cwd`: the call's working directory; when absent, the process's own.
   static Scope find(const OS::Environment& environment, std::optional<std::string_view> cwd);
 };
 
-/// What the user is told of a project that is left out. It holds nothing of the project's.
+/// The note about a project that is left out. It contains nothing from the project.
 inline constexpr std::string_view projectLeftOutNote =
     "(This project has a memory store of its own, which is left out because the user has not "
     "trusted it. To use it, the user can run `quillstead trust` in the project.)";

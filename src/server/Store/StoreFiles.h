@@ -11,26 +11,26 @@
 #include <string_view>
 #include <variant>
 
-/// The files of a store, and the wall around them. A symbolic link within the store is followed
-/// only to what is in the store as well. What everybody may write is passed over, and in a
-/// project's store what is not the user's own as well.
+/// Reads the files of a store, and nothing outside it. A symbolic link is followed only within the
+/// store. Files that everyone can write are ignored, and so are, in a project's store, files that
+/// are not the user's own.
 namespace quillstead::server::StoreFiles {
 
 inline constexpr std::size_t largestFile = 1'048'576;  ///< bytes; what is larger is left out
 inline constexpr std::string_view cardSuffix = ".md";
 
-/// The directory of the cards; not open when there is none, it may not be read, or it is passed
-/// over, as a link out of the store is.
+/// The directory of the cards. Not open when it does not exist, cannot be read, or is ignored, such
+/// as a link out of the store.
 OS::Descriptor openCards(const Store& store);
 
-/// The same, made first where it is missing.
+/// The same; a missing directory is created.
 OS::Descriptor makeCards(const Store& store);
 
-/// True when that directory is refused because it is a link out of the store.
+/// True when that directory is a link out of the store, and therefore refused.
 bool cardsLeadOut(const Store& store);
 
-/// The names of what may be cards: not hidden, and no links or directories where the file system
-/// tells them. In no certain order; none when `cards` is not open.
+/// The names of possible cards: not hidden, and no links or directories where the file system shows
+/// that. In no particular order; none when `cards` is not open.
 void forEachCardName(const OS::Descriptor& cards, const std::function<void(const char*)>& visit);
 
 /// The stamp of a card's file in the directory of such a store; absent when it is no regular file
@@ -38,7 +38,7 @@ void forEachCardName(const OS::Descriptor& cards, const std::function<void(const
 std::optional<OS::FileStamp> cardStamp(const OS::Descriptor& cards, Store::Kind kind,
                                        const char* name);
 
-/// Why a file's text is not to be had.
+/// Why a file's text cannot be used.
 enum class NoText {
   missing,
   outsideStore,
@@ -47,11 +47,11 @@ enum class NoText {
   notAFile,
   tooLarge,
   binary,
-  conflict,  ///< git's marks of a merge conflict are in it
+  conflict,  ///< it contains git's conflict marks
   unreadable
 };
 
-/// The same for the user's eyes: "it is not a file".
+/// The same as a text for the user: "it is not a file".
 std::string_view explained(NoText reason);
 
 /// A file's text as valid UTF-8, what was invalid replaced, without HTML comments, and its stamp. A
@@ -64,7 +64,7 @@ using TextOrReason = std::variant<FileText, NoText>;
 
 TextOrReason readCard(const OS::Descriptor& cards, Store::Kind kind, const std::string& name);
 
-/// Likewise, but a link within the store is followed. `name` is one name, without slashes.
+/// The same, but links within the store are followed. `name` has no slashes.
 TextOrReason readCardOrLink(const Store& store, const std::string& name);
 
 TextOrReason readRules(const Store& store);

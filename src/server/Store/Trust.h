@@ -10,11 +10,11 @@
 
 namespace quillstead::server {
 
-/// The directories whose projects may speak to the agent, because the user said so. A project in
-/// one of them, or anywhere below it, is trusted.
+/// The directories that the user trusts. The files of a project in or below one of them may reach
+/// the agent.
 class Trust {
  public:
-  /// One thing that the user said.
+  /// One trusted directory.
   struct Entry {
     enum class Source { file, environment };
 
@@ -22,36 +22,36 @@ class Trust {
     Source source;
   };
 
-  /// Reads the file `trusted` of the personal directory, one canonical path a line, and the
-  /// variable QUILLSTEAD_TRUST, paths with colons between. An empty or relative entry trusts
-  /// nothing. The file counts only when it and its directory are the user's own, and lie in no
-  /// project; standard error tells when it does not.
+  /// Reads the file `trusted` in the personal directory (one canonical path a line) and the
+  /// variable QUILLSTEAD_TRUST (paths separated by colons). Empty and relative entries are ignored.
+  /// The file counts only if it and its directory are the user's own and not in a project;
+  /// otherwise a message on standard error says why.
   static Trust read(const OS::Environment& environment);
 
-  /// In the order in which they were said, the file's first.
+  /// In their order, the file's first.
   [[nodiscard]] const std::vector<Entry>& entries() const { return entries_; }
 
-  /// The trusted directory that `path`, a canonical one, is or lies in; absent when there is none.
+  /// The trusted directory that is `path` (canonical) or above it; absent when there is none.
   [[nodiscard]] std::optional<std::string> coverOf(std::string_view path) const;
 
-  /// Why nothing was changed, for the user's eyes, without a full stop.
+  /// Why nothing was changed, for the user, without a full stop.
   struct Refused {
     std::string reason;
   };
 
-  /// What came of a change, and which path it was about.
+  /// The result of a change, and the path that was changed.
   struct Changed {
     std::string directory;
-    bool wasSo;  ///< nothing was written
+    bool wasSo;  ///< it was so before; nothing was written
   };
   using Outcome = std::variant<Changed, Refused>;
 
-  /// Writes the directory into the file, or removes it. Several processes may do so at once; who
-  /// reads sees the file before or after. A project's own `.quillstead` stands for its project.
+  /// Adds the directory to the file, or removes it. Several processes may do so at once; readers
+  /// see the file before or after a change. A project's `.quillstead` counts as the project.
   static Outcome add(const OS::Environment& environment, const std::string& directory);
 
-  /// `directory` may be gone. What the environment trusts stays so, and so does what lies in
-  /// another trusted directory: read again to see.
+  /// `directory` need not exist any more. It may still be trusted afterwards, by the environment or
+  /// because a directory above it is trusted: read again to find out.
   static Outcome revoke(const OS::Environment& environment, const std::string& directory);
 
  private:

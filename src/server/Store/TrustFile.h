@@ -6,25 +6,24 @@
 #include <variant>
 #include <vector>
 
-/// The file in which the user's trust is kept: `trusted` in the personal directory, one path a
-/// line.
+/// The file `trusted` in the personal directory: the trusted directories, one path a line.
 namespace quillstead::server::TrustFile {
 
 using Lines = std::vector<std::string>;
 
-/// Why the file is not the user's word or cannot be used, for the user's eyes, without a full stop.
+/// Why the file does not count or cannot be used, for the user, without a full stop.
 struct Unusable {
   std::string reason;
 };
 
-/// Its lines, whatever they hold; none when there is no file.
+/// Its lines, unchecked; none when there is no file.
 std::variant<Lines, Unusable> read(const OS::Environment& environment);
 
 enum class Change { made, none };
 using Outcome = std::variant<Change, Unusable>;
 
-/// Adds a line at the end, or removes it wherever it is; other lines stay as they are. Makes the
-/// file, and its directory, for the user only. Waits for others that do the same.
+/// Adds a line at the end, or removes it anywhere; other lines do not change. Creates the file and
+/// its directory for the user only. Waits for other processes that do the same.
 Outcome add(const OS::Environment& environment, const std::string& line);
 Outcome remove(const OS::Environment& environment, const std::string& line);
 

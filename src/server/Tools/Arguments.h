@@ -12,25 +12,25 @@
 
 namespace quillstead::server {
 
-/// The arguments of one call, read one by one. A value that is missing or null is absent; the first
-/// value of a wrong kind is remembered and makes the call a bad one.
+/// The arguments of one call, read one by one. A missing or null value is absent. The first value
+/// of a wrong type is recorded, and the call is then refused.
 class Arguments {
  public:
   explicit Arguments(JSON::ObjectView arguments) : arguments_(arguments) {}
 
-  /// A string without zero characters.
+  /// A string without NUL characters.
   std::optional<std::string> string(std::string_view name);
 
-  /// A string that may hold anything.
+  /// Any string.
   std::optional<std::string> anyString(std::string_view name);
 
-  /// A string that must be there and not blank.
+  /// A string that is required and must not be blank.
   std::string neededString(std::string_view name);
 
-  /// The string when it is not blank, without its blanks at both ends.
+  /// The trimmed string; absent when it is blank.
   std::optional<std::string> trimmedString(std::string_view name);
 
-  /// An array of strings, or one string in which commas set them apart; blank ones are left out.
+  /// An array of strings, or one string separated by commas; blank items are left out.
   std::vector<std::string> strings(std::string_view name);
 
   bool flag(std::string_view name);
@@ -46,7 +46,7 @@ class Arguments {
   /// The session that makes the call.
   SessionMemory::Caller caller();
 
-  /// What was wrong first; absent when nothing was.
+  /// The first error; absent when there is none.
   [[nodiscard]] const std::optional<std::string>& flaw() const { return flaw_; }
 
  private:

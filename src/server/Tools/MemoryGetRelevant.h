@@ -6,7 +6,7 @@
 
 #include <string_view>
 
-/// The tool "memory_get_relevant": the cards that matter for a prompt.
+/// The tool "memory_get_relevant": the cards that match a prompt.
 namespace quillstead::server::MemoryGetRelevant {
 
 inline constexpr std::string_view description =

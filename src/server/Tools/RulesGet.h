@@ -6,7 +6,7 @@
 
 #include <string_view>
 
-/// The tool "rules_get": the rules that always hold, and what memory has.
+/// The tool "rules_get": the rules, and the titles of the cards.
 namespace quillstead::server::RulesGet {
 
 inline constexpr std::string_view description =

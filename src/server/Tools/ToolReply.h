@@ -12,7 +12,7 @@ namespace quillstead::server {
 struct ToolReply {
   std::string text;
   JSON::Object meta;     ///< left out when empty
-  bool isError = false;  ///< the tool ran and could not do it; `text` says why
+  bool isError = false;  ///< the tool ran and failed; `text` says why
 };
 
 /// `text` may quote anything.
@@ -20,8 +20,8 @@ inline ToolReply refusal(std::string_view text) {
   return {.text = Shown::text(text), .meta = {}, .isError = true};
 }
 
-/// The arguments do not fit the tool's schema. The protocol has the tool say so, and not the
-/// server, so that the agent reads the reason and can call again.
+/// The arguments do not match the tool's schema. By the protocol, the tool reports this, so that
+/// the agent reads the reason and can call again.
 inline ToolReply badArguments(const std::string& reason) {
   return refusal("Wrong arguments: " + reason + '.');
 }

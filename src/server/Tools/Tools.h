@@ -10,7 +10,7 @@
 /// The tools that the server offers.
 namespace quillstead::server::Tools {
 
-/// Their names, descriptions and schemas, as "tools/list" gives them.
+/// Their names, descriptions and schemas, for "tools/list".
 JSON::Array list();
 
 /// The tool's reply; absent when there is no tool of that name.

@@ -10,8 +10,8 @@
 
 namespace quillstead::JSON {
 
-/// Appends to a text, by way of a small buffer: a text of many short runs costs one call of the
-/// library for thousands of bytes, not one for each run.
+/// Appends to a string through a small buffer, so that many short pieces need few calls of the
+/// library.
 class Appender {
  public:
   explicit Appender(std::string& text) : text_(text) {}
@@ -48,7 +48,7 @@ class Appender {
     }
   }
 
-  /// Ends the text: only now it is whole.
+  /// Flushes the buffer. The string is complete only after this.
   void end() { flush(); }
 
  private:

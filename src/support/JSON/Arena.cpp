@@ -5,7 +5,7 @@
 namespace quillstead::JSON {
 
 void Arena::add(std::size_t size) {
-  // Left as it is, where make_unique would clear it.
+  // Not cleared, as make_unique would do.
   blocks_.push_back(std::unique_ptr<std::byte[]>(new std::byte[size]));
   left_ = {blocks_.back().get(), size};
   lastSize_ = size;

@@ -8,14 +8,14 @@
 
 namespace quillstead::JSON {
 
-/// Memory that is taken in small parts and given back all at once. What lies in it stays where it
-/// is when the arena is moved.
+/// Memory that is allocated in small parts and freed all at once. Moving the arena does not move
+/// its contents.
 class Arena {
  public:
-  /// Begins with room for `size` bytes; what is not written to costs nothing.
+  /// Starts with room for `size` bytes. Pages that are never written cost nothing.
   explicit Arena(std::size_t size) { add(size); }
 
-  /// `size` bytes at a place that suits every type; they hold anything.
+  /// `size` bytes, uninitialised, aligned for every type.
   void* take(std::size_t size) {
     size = (size + alignment - 1) / alignment * alignment;
     if (size > left_.size()) add(std::max(2 * lastSize_, size));
@@ -24,7 +24,7 @@ class Arena {
     return taken.data();
   }
 
-  /// A copy of `items`, which need no destruction.
+  /// A copy of `items`, whose type needs no destructor.
   template <typename Item>
   std::span<const Item> copy(std::span<const Item> items) {
     Item* const copied = static_cast<Item*>(take(items.size_bytes()));

@@ -15,15 +15,14 @@ struct DetectedEncoding {
   std::size_t markLength;  ///< bytes of the byte order mark at the start; 0 when there is none
 };
 
-/// Recognises a byte order mark, else the pattern of zero bytes that the two characters every
-/// JSON document begins with leave in the wider encodings.
+/// Detects the encoding by the byte order mark, else by the NUL bytes in the first two characters.
 DetectedEncoding detectEncoding(std::string_view bytes);
 
-/// `bytes` (without a byte order mark) from a UTF-16 or UTF-32 encoding to UTF-8; absent when a
-/// unit is cut off, a surrogate stands alone or a value is no character.
+/// Converts `bytes` (without a byte order mark) from UTF-16 or UTF-32 to UTF-8. Absent when a unit
+/// is incomplete, a surrogate is alone, or a value is not a character.
 std::optional<std::string> toUTF8(std::string_view bytes, Encoding encoding);
 
-/// The two halves in which UTF-16 spells a character beyond U+FFFF.
+/// The two halves of a character above U+FFFF in UTF-16.
 namespace Surrogates {
 
 constexpr bool isHigh(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }

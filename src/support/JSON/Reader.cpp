@@ -16,7 +16,7 @@ namespace quillstead::JSON {
 
 namespace {
 
-/// Whether bytes mean something else in a document than themselves.
+/// Whether a byte has a special meaning in a string.
 Text::Blocks::Block areSpecial(Text::Blocks::Block bytes) {
   using Text::Blocks::Byte;
   return (bytes < Byte{' '}) | (bytes == Byte{'"'}) | (bytes == Byte{'\\'}) | (bytes >= Byte{0x80});
@@ -26,24 +26,23 @@ bool isWhiteSpace(char byte) {
   return byte <= ' ' && (byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t');
 }
 
-/// Room for the strings of a document, and for its values and members when they are as many as
-/// usual: more come in blocks of their own.
+/// Room for the strings of a document, and for a usual number of values and members. More of them
+/// get blocks of their own.
 std::size_t usualMemory(std::size_t documentSize) {
   constexpr std::size_t most = 4U << 20U;
   constexpr std::size_t least = 512;
   return documentSize + std::clamp(3 * documentSize, least, most);
 }
 
-/// Reads a document from its start to its end, once. Every operation takes what it is named for off
-/// the rest of the document and gives its value, which is absent, with nothing to be trusted, when
-/// that is not what stands there; those without a value tell so by false.
+/// Parses a document from start to end. Each method consumes what it is named after and returns it,
+/// or true. It returns absent or false after a mismatch; the parser's state is then undefined.
 class Parser {
  public:
   Parser(std::string_view document, std::size_t mostValues)
       : next_(document.data()),
         end_(next_ + document.size()),
         memory_(usualMemory(document.size())),
-        // No string is longer than what it is written as.
+        // No string is longer than its JSON text.
         strings_(static_cast<char*>(memory_.take(document.size() + sizeof(Text::Blocks::Block)))),
         valuesLeft_(mostValues) {
     members_.reserve(usualMembers);

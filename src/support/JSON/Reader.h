@@ -11,16 +11,16 @@
 
 namespace quillstead::JSON {
 
-/// A document that was read. It owns what its views show, also after it was moved; the bytes it was
-/// read from are not needed any more.
+/// A document that was read. Owns everything its views point into, even after a move. The bytes
+/// that it was read from are no longer needed.
 class Document {
  public:
-  /// `root`, an object or an array, lies in `memory` with all that is in it.
+  /// `root` is an object or an array. It and its contents are in `memory`.
   Document(Arena memory, View root) : memory_(std::move(memory)), root_(root) {}
 
   [[nodiscard]] View root() const { return root_; }
 
-  /// The members of the object at the top; none when there is an array.
+  /// The members of the top-level object; none when it is an array.
   [[nodiscard]] ObjectView object() const { return root_.object().value_or(ObjectView()); }
 
  private:

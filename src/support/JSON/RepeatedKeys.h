@@ -7,8 +7,8 @@
 
 namespace quillstead::JSON {
 
-/// Leaves each key once among the members of an object: of several with the same key the last value
-/// counts, in the place of the first. Gives how many members are left, at the start of `members`.
+/// Removes repeated keys from the members of an object: the last value counts, in the place of the
+/// first. Returns how many members are left, at the start of `members`.
 std::size_t dropRepeatedKeys(std::span<MemberView> members);
 
 }  // namespace quillstead::JSON

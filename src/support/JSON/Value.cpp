@@ -37,7 +37,7 @@ std::optional<Number> Value::number() const {
 Object::Object(std::vector<Member> members) : members_(std::move(members)) {}
 
 Object::Object(ObjectView members) {
-  members_.reserve(members.size() + 1);  // what is read so is read to be added to
+  members_.reserve(members.size() + 1);  // a member is usually added next
   for (const MemberView& member : members.members()) {
     members_.push_back({.key = std::string(member.key), .value = member.value});
   }

@@ -19,7 +19,7 @@ struct Member;
 
 using Array = std::vector<Value>;
 
-/// The members of an object in their order, no key twice.
+/// The members of an object, in order; no key is repeated.
 class Object {
  public:
   Object() = default;
@@ -27,7 +27,7 @@ class Object {
   /// The keys of `members` must differ.
   explicit Object(std::vector<Member> members);
 
-  /// The members of an object that was read; their values are parts of its document, which must
+  /// The members of an object that was read. Their values are views into its document, which must
   /// outlive this.
   explicit Object(ObjectView members);
 
@@ -36,24 +36,24 @@ class Object {
   [[nodiscard]] std::size_t size() const;
   [[nodiscard]] bool empty() const { return size() == 0; }
 
-  /// Replaces the value of `key` where it stands, or adds it at the end.
+  /// Replaces the value of `key` in place, or adds the member at the end.
   void set(std::string_view key, Value value);
 
  private:
   std::vector<Member> members_;
 };
 
-/// A string that lies elsewhere, and what is put behind it.
+/// A string that is owned elsewhere, and a suffix for it.
 struct JoinedString {
   std::string_view first;
   std::string second;
 };
 
-/// A value that is made to be written. It owns what it is made of, but for parts of documents that
-/// were read and of joined strings, which must outlive it.
+/// A value to write. It owns its data, except views into documents and joined strings, which must
+/// outlive it.
 class Value {
  public:
-  // Defined behind `Member`, whose size the members' list has to know.
+  // Defined after `Member`, because the list of members needs its size.
   Value();  ///< null
   Value(std::nullptr_t);
   Value(bool boolean);
@@ -67,7 +67,7 @@ class Value {
   Value(Object object);
   Value(View part);
 
-  /// `text` must be a number by JSON's grammar.
+  /// `text` must be a valid JSON number.
   static Value number(std::string text);
 
   /// A copy that does not need the document.
@@ -75,7 +75,7 @@ class Value {
 
   [[nodiscard]] bool isNull() const { return std::holds_alternative<std::monostate>(data_); }
 
-  /// Each gives the content when the value was made of that, else null.
+  /// Each returns the content when the value is of that kind; else null.
   [[nodiscard]] const bool* boolean() const { return std::get_if<bool>(&data_); }
   [[nodiscard]] std::optional<Number> number() const;
   [[nodiscard]] const std::string* string() const { return std::get_if<std::string>(&data_); }

@@ -12,17 +12,17 @@ class View;
 class ObjectView;
 struct MemberView;
 
-/// A number, as the text it has in its document, so that it can be written back unchanged whatever
+/// A number, kept as its text in the document, so that it can be written back unchanged, whatever
 /// its size or precision.
 class Number {
  public:
-  /// `text` must be a number by JSON's grammar, and outlive what it is given to.
+  /// `text` must be a valid JSON number, and outlive this object.
   explicit Number(std::string_view text) : text_(text) {}
 
   [[nodiscard]] std::string_view text() const { return text_; }
 
-  /// The value of a number written without fraction and exponent; absent for every other number
-  /// (also for 3.0 and 3e0) and for an integer outside 64 bits.
+  /// The value of a number that is written without fraction and exponent. Absent for any other
+  /// number (3.0 and 3e0 too) and for an integer that does not fit 64 bits.
   [[nodiscard]] std::optional<std::int64_t> integer() const;
 
   /// The nearest double; infinite when the number is beyond a double's range.
@@ -34,8 +34,8 @@ class Number {
 
 using ArrayView = std::span<const View>;
 
-/// A value in a document that was read, or the absence of one. It costs nothing to copy, and is
-/// valid as long as the document is there. Strings are valid UTF-8.
+/// A value in a document, or the absence of one. It is cheap to copy, and valid as long as the
+/// document exists. Strings are valid UTF-8.
 class View {
  public:
   View() = default;  ///< absent
@@ -50,14 +50,14 @@ class View {
   [[nodiscard]] bool exists() const { return kind() != Kind::absent; }
   [[nodiscard]] bool isNull() const { return kind() == Kind::null; }
 
-  /// Each gives the content when the value is there and of that kind.
+  /// Each returns the content when the value is of that kind; else absent or empty.
   [[nodiscard]] std::optional<bool> boolean() const;
   [[nodiscard]] std::optional<Number> number() const;
   [[nodiscard]] std::optional<std::string_view> string() const;
   [[nodiscard]] std::optional<ArrayView> array() const;
   [[nodiscard]] std::optional<ObjectView> object() const;
 
-  /// The elements of an array, of which anything else has none: for going through them in a loop.
+  /// The elements of an array; none for any other value.
   [[nodiscard]] ArrayView elements() const { return array().value_or(ArrayView()); }
 
  private:

@@ -32,7 +32,7 @@ class Writer {
   void write(View value) { writeContent(value); }
 
  private:
-  /// Of a `Value` or a `View`, which are asked for it in the same way.
+  /// For a `Value` or a `View`; both have the same functions.
   template <typename AnyValue>
   void writeContent(const AnyValue& value) {
     if (const auto string = value.string()) return writeString(*string);
@@ -93,7 +93,7 @@ class Writer {
     }
   }
 
-  /// Writes the character that `text` begins with and gives the number of bytes it took there.
+  /// Writes the first character of `text` and returns its size in bytes.
   std::size_t writeSpecial(std::string_view text) {
     if (isASCII(text.front())) {
       writeEscape(text.front());

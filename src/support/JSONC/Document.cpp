@@ -19,7 +19,7 @@ const Node* step(const Node& node, const Step& step) {
   return &node.items[index].value;
 }
 
-/// Where the first byte is that does not belong to a character.
+/// The place of the first byte that is not valid UTF-8.
 std::optional<std::size_t> firstInvalid(std::string_view text) {
   for (std::size_t place = 0; place < text.size();) {
     if (static_cast<unsigned char>(text[place]) < 0x80) {

@@ -11,14 +11,14 @@ namespace quillstead::JSONC::Edit {
 
 namespace {
 
-/// Bytes that take the place of others.
+/// A replacement of some bytes by others.
 struct Change {
   std::size_t begin;
   std::size_t end;
   std::string text;
 };
 
-/// The document after changes in the order of their places, none of which touches another.
+/// The document after these changes, which are in order and do not overlap.
 Document changed(const Document& document, const std::vector<Change>& changes) {
   std::string text;
   std::size_t place = 0;
@@ -33,14 +33,14 @@ Document changed(const Document& document, const std::vector<Change>& changes) {
 /// Where the closing bracket is.
 std::size_t closing(const Node& container) { return container.end - 1; }
 
-/// Behind the item and its comma.
+/// The end of the item and its comma.
 std::size_t endOf(const Item& item) { return item.comma ? *item.comma + 1 : item.value.end; }
 
 bool isRoot(const Document& document, const Node& node) {
   return document.root()->begin == node.begin;
 }
 
-/// Whether what is around the root is what `addRoot` puts there.
+/// Whether the text around the root is what `addRoot` writes.
 bool isRootSurroundedAsMade(const Document& document) {
   const std::string_view text = document.text();
   const std::string lineEnd = Layout::of(document).lineEnd;
@@ -49,7 +49,7 @@ bool isRootSurroundedAsMade(const Document& document) {
          (before.empty() || before.ends_with(lineEnd));
 }
 
-/// Adds an item, key and all, to a container.
+/// Adds an item, with its key if it has one, to a container.
 class Addition {
  public:
   Addition(const Document& document, const Node& container, const std::string* key,
@@ -106,7 +106,7 @@ class Addition {
     return {inside.contentEnd, inside.contentEnd, added};
   }
 
-  /// As the only thing in the container.
+  /// Adds it as the only item of the container.
   [[nodiscard]] Change alone() const {
     const std::size_t place = closing(container_);
     const bool isWhole = isRoot(document_, container_);
@@ -117,7 +117,7 @@ class Addition {
                 layout_.lineEnd + margin_};
   }
 
-  /// Whether the member or element that the container is the value of begins its line.
+  /// Whether the container's own member or element is the first on its line.
   [[nodiscard]] bool holderBeginsLine() const {
     const Node* node = &*document_.root();
     for (;;) {
@@ -139,7 +139,7 @@ class Addition {
   std::string margin_;
 };
 
-/// Takes an item away.
+/// Removes an item.
 class Removal {
  public:
   Removal(const Document& document, const Node& container, const Item& item)
@@ -159,15 +159,15 @@ class Removal {
   }
 
  private:
-  /// From the end of what is before the item. When that is a comment to the end of its line and
-  /// more than a line end is behind the item, the comment's line end has to stay.
+  /// Where the removal begins: at the end of what is before the item. If that is a line comment and
+  /// more than a line end follows the item, the comment's line end has to stay.
   [[nodiscard]] std::size_t fromContent(const Trivia& front) const {
     if (!front.endsWithLineComment) return front.contentEnd;
     const std::size_t next = std::min(text_.find_first_not_of(" \t", endOf(item_)), text_.size());
     return next < text_.size() && isLineEnd(text_[next]) ? front.contentEnd : item_.begin;
   }
 
-  /// The removal, and that of the item's own comma.
+  /// Removes the item and its comma.
   [[nodiscard]] std::vector<Change> withoutComma(Change removal) const {
     if (!item_.comma) return {removal};
     if (!skipTrivia(text_, item_.value.end).hasComment) {
@@ -177,7 +177,7 @@ class Removal {
     return {removal, {*item_.comma, *item_.comma + 1, ""}};
   }
 
-  /// The first of several: the next one takes its place.
+  /// Removes the first of several items.
   [[nodiscard]] std::vector<Change> before() const {
     std::vector<Change> changes = withoutComma({item_.begin, item_.value.end, ""});
     if (changes.size() > 1) return changes;
@@ -195,7 +195,7 @@ class Removal {
     return {{comma, comma + 1, ""}, {begin, item_.value.end, ""}};
   }
 
-  /// The only thing in its container.
+  /// Removes the only item of its container.
   [[nodiscard]] Removed alone() const {
     const std::string lineEnd = Layout::of(document_).lineEnd;
     const std::size_t open = container_.begin + 1;
@@ -209,8 +209,8 @@ class Removal {
     return emptied(front.substr(0, line), lineEnd);
   }
 
-  /// `rest`: what is left between the brackets, `mark`: what it ends with when the container was
-  /// there before.
+  /// `rest`: the text left between the brackets. `mark`: how it ends if the container existed
+  /// before.
   [[nodiscard]] Removed emptied(std::string_view rest, std::string_view mark) const {
     const bool isWhole = isRoot(document_, container_);
     const bool mayBeMade = !isWhole || isRootSurroundedAsMade(document_);

@@ -8,38 +8,37 @@
 #include <string>
 #include <string_view>
 
-/// Changes to a document as a person would make them: what is added follows the layout around it,
-/// and no other byte changes. `remove` is the exact opposite of the others: of what they added it
-/// leaves no byte, and needs no memory for that.
+/// Changes a document as a person would: what is added follows the layout around it, and no other
+/// byte changes. `remove` undoes the others exactly, and needs no record of what they did.
 ///
-/// What was added says itself whether the container that holds it was made together with it or was
-/// there before, and empty: into one that was there, an empty line (on a single line: a blank) goes
-/// first. The root is the other way round, since `{}` is what many files hold: a document that was
-/// made whole ends with an empty line, and only a root that would be taken for such a one gets an
-/// empty line within.
+/// For that, the added text itself shows whether its container was created with it or existed
+/// before. An existing empty container first gets an empty line (on a single line: a space). For
+/// the root it is the other way round, because many files contain only `{}`: a document that was
+/// created ends with an empty line, and an existing root gets an empty line only if it would look
+/// like one of these.
 ///
-/// No value may be added so deep that the document would be refused.
+/// A value must not be added so deep that the document would be refused.
 namespace quillstead::JSONC::Edit {
 
-/// Where a document ends up without the item that was taken away.
+/// The state of the container after its item was removed.
 enum class Left {
-  others,      ///< its container has other items, or comments
-  emptyFound,  ///< its container is empty, and was so before the item was added
-  emptyMade,   ///< its container is empty, and was made for the item
+  others,      ///< it has other items, or comments
+  emptyFound,  ///< it is empty, as it was before the item was added
+  emptyMade,   ///< it is empty, and was created for the item
 };
 
-/// Adds a member behind the last one. `object` leads to an object.
+/// Adds a member after the last one. `object` is the path of an object.
 Document addMember(const Document& document, std::span<const Step> object, std::string_view key,
                    const JSON::Value& value);
 
-/// Adds an element behind the last one. `array` leads to an array.
+/// Adds an element after the last one. `array` is the path of an array.
 Document addElement(const Document& document, std::span<const Step> array,
                     const JSON::Value& value);
 
-/// Adds the root that the document does not have.
+/// Adds a root to a document without one.
 Document addRoot(const Document& document, const JSON::Value& value);
 
-/// Puts another value in the place of the one that `path` leads to.
+/// Replaces the value at `path`.
 Document replace(const Document& document, std::span<const Step> path, const JSON::Value& value);
 
 struct Removed {
@@ -47,11 +46,11 @@ struct Removed {
   Left left;
 };
 
-/// Takes away the member or element that `path`, which is not empty, leads to.
+/// Removes the member or element at `path`, which is not empty.
 Removed remove(const Document& document, std::span<const Step> path);
 
-/// Takes away a root that `addRoot` made, which is what `remove` says when it leaves the root
-/// empty. Absent when the document was made with it, from nothing.
+/// Removes a root that `addRoot` created, after `remove` has left it empty. Absent when the whole
+/// document was created with it.
 std::optional<Document> removeRoot(const Document& document);
 
 }  // namespace quillstead::JSONC::Edit

@@ -22,7 +22,7 @@ std::string lineEndOf(std::string_view text) {
   return text.substr(first).starts_with("\r\n") ? "\r\n" : "\r";
 }
 
-/// What the first item that begins a line has before it more than the line of its container.
+/// The extra indentation of the first item that begins a line, beyond that of its container.
 std::optional<std::string> indentIn(std::string_view text, const Node& node) {
   for (const Item& item : node.items) {
     if (beginsLine(text, item.begin)) {
@@ -41,7 +41,7 @@ std::string blankAt(std::string_view text, std::size_t place) {
   return place < text.size() && isBlank(text[place]) ? " " : "";
 }
 
-/// What is behind the first comma with an item on its own line.
+/// The white space after the first comma that is followed by an item on the same line.
 std::optional<std::string> afterCommaIn(std::string_view text, const Node& node) {
   for (std::size_t i = 0; i < node.items.size(); ++i) {
     const Item& item = node.items[i];

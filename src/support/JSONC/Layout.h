@@ -9,29 +9,29 @@
 
 namespace quillstead::JSONC {
 
-/// How a document is laid out, as far as its own text shows it.
+/// The layout of a document, as far as its text shows it.
 struct Layout {
-  std::string lineEnd;     ///< "\n", "\r\n" or "\r": its first one
-  std::string indent;      ///< of one level: two blanks where nothing shows it
-  std::string afterColon;  ///< a blank or nothing
-  std::string afterComma;  ///< between items on one line: a blank or nothing
+  std::string lineEnd;     ///< the first one in the text: "\n", "\r\n" or "\r"
+  std::string indent;      ///< of one level; two spaces if the text shows none
+  std::string afterColon;  ///< a space or nothing
+  std::string afterComma;  ///< between items on one line: a space or nothing
 
   static Layout of(const Document& document);
 
-  /// `value` in this layout. `margin`: the white space that the line begins with on which the value
-  /// does; the value then takes as many lines as it needs. Absent: all of it on one line.
+  /// `value` in this layout. `margin`: the indentation of the line on which the value begins; the
+  /// value may then take several lines. Absent: it is written on one line.
   [[nodiscard]] std::string render(const JSON::Value& value,
                                    const std::optional<std::string>& margin) const;
 
-  /// A member with its key, likewise.
+  /// The same for a member with its key.
   [[nodiscard]] std::string render(std::string_view key, const JSON::Value& value,
                                    const std::optional<std::string>& margin) const;
 };
 
-/// The white space that the line of `place` begins with.
+/// The indentation of the line of `place`.
 std::string marginAt(std::string_view text, std::size_t place);
 
-/// Whether there is nothing but white space before `place` in its line.
+/// Whether only white space is before `place` on its line.
 bool beginsLine(std::string_view text, std::size_t place);
 
 }  // namespace quillstead::JSONC

@@ -17,7 +17,7 @@ bool isWordByte(char byte) {
          byte == '_' || byte == '+' || byte == '-' || byte == '.';
 }
 
-/// Reads on until something is wrong, which `failure` then tells.
+/// Parses until the first error, which is then in `failure`.
 class Parser {
  public:
   explicit Parser(std::string_view text) : text_(text) {}
@@ -88,7 +88,7 @@ class Parser {
     return true;
   }
 
-  /// The key, the colon, and what is between them and the value.
+  /// The key, the colon, and the white space and comments before the value.
   bool key(Item& member) {
     if (here() != '"') return fail(isAtEnd() ? "\"}\" is missing" : "a key in quotes is missing");
     const std::size_t begin = place_;
@@ -117,7 +117,7 @@ class Parser {
     return true;
   }
 
-  /// Ends at the escape's last byte.
+  /// Stops at the last byte of the escape.
   bool escape() {
     constexpr std::string_view letters = "\"\\/bfnrt";
     constexpr std::size_t digits = 4;
@@ -188,7 +188,7 @@ std::variant<std::optional<Node>, Failure> parse(std::string_view text) {
 std::string unescaped(std::string_view token) {
   const std::string_view inside = token.substr(1, token.size() - 2);
   if (inside.find('\\') == std::string_view::npos) return std::string(inside);
-  // Half a surrogate pair is no character, and the reader refuses it.
+  // The reader refuses half a surrogate pair, which is not a character.
   const auto read = JSON::read("[" + std::string(token) + "]");
   const auto elements = read ? read->root().elements() : JSON::ArrayView();
   return std::string(elements.empty() ? inside : *elements.front().string());

@@ -2,7 +2,7 @@
 
 #include "support/JSONC/Document.h"
 
-/// From a text to the tree of its values.
+/// Parses a text into the tree of its values.
 namespace quillstead::JSONC {
 
 struct Failure {
@@ -13,7 +13,7 @@ struct Failure {
 /// Absent when there is no value in the text.
 std::variant<std::optional<Node>, Failure> parse(std::string_view text);
 
-/// A string of a document without its quotes and escapes.
+/// A string of a document, without quotes and with escapes decoded.
 std::string unescaped(std::string_view token);
 
 }  // namespace quillstead::JSONC

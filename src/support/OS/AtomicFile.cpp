@@ -24,7 +24,7 @@ std::string temporaryName() {
          std::to_string(randomNumber()) + std::string(temporarySuffix);
 }
 
-/// Writes a file that nobody knows of yet; false with errno when that failed.
+/// Writes a file under a temporary name; false, with errno, on failure.
 bool writeNew(const Descriptor& directory, const std::string& name, std::string_view bytes,
               mode_t mode) {
   constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
@@ -32,14 +32,14 @@ bool writeNew(const Descriptor& directory, const std::string& name, std::string_
   return file.isOpen() && writeAll(file.number(), bytes) && fsync(file.number()) == 0;
 }
 
-/// Writes a file under a name that nobody knows of, then lets `rename` give it its own. Gives 0 or
-/// the error number.
+/// Writes a file under a temporary name, then calls `rename` to give it its final name. Returns 0
+/// or the error number.
 template <typename Rename>
 int written(const Descriptor& directory, std::string_view bytes, mode_t mode, Rename rename) {
   const std::string temporary = temporaryName();
   const int error = writeNew(directory, temporary, bytes, mode) ? rename(temporary.c_str()) : errno;
   if (error == 0) {
-    fsync(directory.number());  // the file stands either way; this only makes its name durable
+    fsync(directory.number());  // makes the name durable; the file is complete without it
   } else {
     unlinkat(directory.number(), temporary.c_str(), 0);
   }
@@ -51,7 +51,7 @@ int written(const Descriptor& directory, std::string_view bytes, mode_t mode, Re
 Outcome create(const Descriptor& directory, const std::string& name, std::string_view bytes,
                mode_t mode) {
   if (faccessat(directory.number(), name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
-    return Outcome::exists;  // spares the writing; the renaming below decides
+    return Outcome::exists;  // saves the write; the rename below decides
   }
   const int error = written(directory, bytes, mode, [&](const char* temporary) {
     return renameExclusively(directory, temporary, name.c_str());

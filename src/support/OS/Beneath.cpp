@@ -18,7 +18,7 @@ namespace {
 
 constexpr int mostLinks = 40;
 
-/// Where a symbolic link leads; absent, with errno, when `name` is none.
+/// The target of a symbolic link; absent, with errno, when `name` is not one.
 std::optional<std::string> targetOf(int directory, const std::string& name) {
   std::array<char, PATH_MAX> target;
   const ssize_t length = readlinkat(directory, name.c_str(), target.data(), target.size());
@@ -26,7 +26,7 @@ std::optional<std::string> targetOf(int directory, const std::string& name) {
   return std::string(target.data(), static_cast<std::size_t>(length));
 }
 
-/// A walk from a directory downwards, which never gets above it.
+/// Walks down from a directory, and never above it.
 class Walk {
  public:
   Walk(const Descriptor& top, std::string path, int flags)
@@ -68,7 +68,7 @@ class Walk {
 
   [[nodiscard]] int here() const { return below_.empty() ? top_ : below_.back().number(); }
 
-  /// The next step that moves; empty at the end.
+  /// The next step, without "." and empty ones; empty at the end.
   std::string next() {
     for (;;) {
       const std::size_t begin = rest_.find_first_not_of('/');
@@ -81,7 +81,7 @@ class Walk {
   }
 
   int top_;
-  std::vector<Descriptor> below_;  ///< the directories on the way, none of them left
+  std::vector<Descriptor> below_;  ///< the directories on the way, kept open
   std::string rest_;
   int flags_;
   int links_ = 0;

@@ -15,7 +15,7 @@ constexpr int mostAttempts = 16;
 
 }  // namespace
 
-// By its number, because the C library may be older than the kernel.
+// By its number: the C library may be older than the kernel and lack a function for it.
 Descriptor openBeneath(const Descriptor& directory, const std::string& path, int flags) {
   open_how how{};
   how.flags = static_cast<unsigned>(flags | O_CLOEXEC);
@@ -24,9 +24,9 @@ Descriptor openBeneath(const Descriptor& directory, const std::string& path, int
     Descriptor opened(
         static_cast<int>(syscall(SYS_openat2, directory.number(), path.c_str(), &how, sizeof how)));
     if (opened.isOpen()) return opened;
-    // Something was renamed on the way meanwhile, so that the kernel cannot be sure of "..".
+    // A directory was renamed during the call, so that the kernel cannot check "..".
     if (errno == EAGAIN || errno == EINTR) continue;
-    // An older kernel lacks the call, and a container may refuse what it does not know.
+    // An older kernel lacks the call, and a container may refuse unknown calls.
     if (errno == ENOSYS || errno == EPERM) break;
     return opened;
   }

@@ -32,7 +32,7 @@ void waitForRoom(int descriptor) {
   poll(&room, 1, -1);
 }
 
-/// macOS refuses to move more than this at once.
+/// macOS refuses to read or write more than this at once.
 constexpr std::size_t mostAtOnce = INT_MAX;
 
 /// `number`, or a copy above the standard streams' numbers when it is one of those.
@@ -45,7 +45,7 @@ Descriptor aboveStandardStreams(int number) {
 }  // namespace
 
 void Descriptor::close() {
-  // Not tried again when interrupted: the number may already be another's.
+  // Not tried again after an interruption: the number may already be in use again.
   if (isOpen()) ::close(std::exchange(number_, none));
 }
 
@@ -87,7 +87,7 @@ void writeNow(int descriptor, std::string_view bytes) {
 void writeIfRoom(int descriptor, std::string_view bytes) {
   pollfd room{.fd = descriptor, .events = POLLOUT, .revents = 0};
   while (!bytes.empty() && poll(&room, 1, 0) > 0) {
-    // A pipe that has room has room for this much.
+    // A pipe that polls as writable has room for this much.
     const Transfer written = write(descriptor, bytes.substr(0, PIPE_BUF));
     if (written.result != Transfer::Result::moved) return;
     bytes.remove_prefix(written.count);

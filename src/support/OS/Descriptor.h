@@ -49,23 +49,22 @@ struct Transfer {
 Transfer read(int descriptor, char* buffer, std::size_t capacity);
 Transfer write(int descriptor, std::string_view bytes);
 
-/// Writes all of `bytes`, in one `write` where the system takes them at once; waits as long as a
-/// non-blocking descriptor has no room. False when the end could not be written.
+/// Writes all of `bytes`, in one `write` if the system takes them at once. Waits while a
+/// non-blocking descriptor has no room. False when not all could be written.
 bool writeAll(int descriptor, std::string_view bytes);
 
-/// Writes what a non-blocking descriptor takes of `bytes` now, and leaves the rest.
+/// Writes as much of `bytes` as a non-blocking descriptor takes now.
 void writeNow(int descriptor, std::string_view bytes);
 
-/// Writes `bytes`, which should be few, as far as the descriptor takes them without waiting, be it
-/// a blocking one: others that write to the same pipe at the same moment are reckoned not to fill
-/// it.
+/// Writes as much of `bytes`, which should be short, as the descriptor takes without waiting, even
+/// if it is a blocking one. Assumes that no other process fills the same pipe at that moment.
 void writeIfRoom(int descriptor, std::string_view bytes);
 
 /// Writes `text` and a line feed as `writeAll` does, without copying the text.
 bool writeLine(int descriptor, std::string_view text);
 
-/// The two ends of a pipe, closed on exec and never numbered 0 to 2, which belong to the standard
-/// streams even while those are closed.
+/// The two ends of a pipe. They are closed on exec, and never numbered 0 to 2, which belong to the
+/// standard streams even if those are closed.
 struct Pipe {
   Descriptor reading;
   Descriptor writing;
@@ -73,11 +72,11 @@ struct Pipe {
 std::optional<Pipe> makePipe();
 
 /// Opens `path` for appending, creating it with mode 0644 less the process's mask. The descriptor
-/// is closed on exec, never numbered 0 to 2, and the call never waits (a FIFO nobody reads is
-/// refused).
+/// is closed on exec and never numbered 0 to 2. The call never waits: a FIFO without a reader is
+/// refused.
 Descriptor openForAppending(const char* path);
 
-/// For an end of a pipe of ours, which has no other flags to keep. False when it is not open.
+/// For our own pipes only: other status flags are lost. False when the descriptor is not open.
 bool makeNonBlocking(const Descriptor& descriptor);
 
 }  // namespace quillstead::OS

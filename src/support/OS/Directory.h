@@ -13,16 +13,16 @@ namespace quillstead::OS {
 /// Whether a symbolic link in the last place of a path is followed or refused.
 enum class Links { followed, refused };
 
-/// Opens a directory for looking into it; not open when there is none or it may not be read.
+/// Opens a directory for reading. Not open when it does not exist or cannot be read.
 Descriptor openDirectory(const std::string& path, Links links);
 
-/// Calls `visit` with each name in the directory that ends in `suffix` and may be a regular file's;
-/// where the file system does not say what a name stands for, it may be something else. The order
-/// is the file system's. False when the directory could not be read to its end.
+/// Calls `visit` with each name in the directory that ends in `suffix` and may be a regular file.
+/// If the file system does not report types, it may be something else. The order is the file
+/// system's. False when the directory could not be read to its end.
 bool forEachName(const Descriptor& directory, std::string_view suffix,
                  const std::function<void(const char* name)>& visit);
 
-/// What a file is without a look into it.
+/// The state of a file without its content.
 struct FileState {
   FileStamp stamp;
   Ownership ownership;
@@ -33,12 +33,12 @@ struct FileState {
 std::optional<FileState> stateOf(const Descriptor& directory, const char* name);
 std::optional<FileStamp> stampOf(const Descriptor& directory, const char* name);
 
-/// Makes the directory and those above it that are missing, each with `mode` less the process's
-/// mask. True when the directory is there afterwards.
+/// Creates the directory and missing ones above it, with `mode` without the bits in the process's
+/// mask. True when the directory exists afterwards.
 bool makeDirectories(const std::string& path, mode_t mode);
 
-/// Keeps other processes that lock the same directory waiting for its lifetime. Where the file
-/// system has no such locks, as some that are shared between machines, it does nothing.
+/// Holds a lock on a directory for its lifetime; other processes that lock it wait. Does nothing on
+/// file systems without such locks, such as some network file systems.
 class Lock {
  public:
   explicit Lock(const Descriptor& directory);

@@ -2,9 +2,9 @@
 
 namespace quillstead::OS {
 
-/// Takes the process's faults (bad access, bad instruction, arithmetic, breakpoint) away from any
-/// exception handler outside it, so that they arrive as signals. Systems without exception ports
-/// deliver signals anyway; there it does nothing.
+/// Detaches the process's exception ports, so that faults (bad access, bad instruction, arithmetic,
+/// breakpoint) arrive as signals and not at a handler outside the process. Does nothing on systems
+/// without exception ports.
 void detachExceptionPorts();
 
 }  // namespace quillstead::OS

@@ -4,9 +4,9 @@
 
 namespace quillstead::OS {
 
-/// Renames a file within `directory` unless the new name is taken; in one step where the system and
-/// the file system can do that, else as a link and the removal of the old name. Gives 0 or the
-/// error number, EEXIST when the name is taken.
+/// Renames a file within `directory` unless the new name is taken. It is one step where the file
+/// system supports that, else a link and the removal of the old name. Returns 0 or the error
+/// number; EEXIST when the name is taken.
 int renameExclusively(const Descriptor& directory, const char* from, const char* to);
 
 }  // namespace quillstead::OS

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::array watchedSignals{SIGCHLD};
 
-// Read by the signal handler: lock-free, and set before the handler goes in.
+// Read by the signal handler: lock-free, and set before the handler is installed.
 std::atomic<int> wakeDescriptor{-1};
 static_assert(std::atomic<int>::is_always_lock_free);
 
@@ -48,8 +48,8 @@ ExitWatch::~ExitWatch() {
 }
 
 void ExitWatch::acknowledge() const {
-  // Read on only behind a full buffer: there must be no wait even where the pipe could not be made
-  // non-blocking.
+  // Read again only after a full buffer, so that this never waits, even if the pipe could not be
+  // made non-blocking.
   std::array<char, 4096> noted;
   while (read(descriptor(), noted.data(), noted.size()).count == noted.size()) {
   }

@@ -7,12 +7,12 @@
 
 namespace quillstead::OS {
 
-/// Makes the end of a child process something a poll loop can wait for: while it lives, its
-/// descriptor becomes readable whenever a child has ended, also when the process was started with
-/// SIGCHLD ignored or blocked. Create it before the child is started; one at a time.
+/// Lets a poll loop wait for the end of a child process: the descriptor becomes readable when a
+/// child has ended, even if the process was started with SIGCHLD ignored or blocked. Create it
+/// before the child is started; only one may exist at a time.
 class ExitWatch {
  public:
-  /// `wake`: a pipe for the watch's own use.
+  /// `wake`: a pipe that only the watch uses.
   explicit ExitWatch(Pipe wake);
   ExitWatch(const ExitWatch&) = delete;
   ExitWatch& operator=(const ExitWatch&) = delete;
@@ -20,7 +20,7 @@ class ExitWatch {
 
   [[nodiscard]] int descriptor() const { return wake_.reading.number(); }
 
-  /// Takes note of the ends so far, so that the descriptor waits for the next.
+  /// Clears the descriptor, so that it waits for the next end.
   void acknowledge() const;
 
  private:

@@ -31,9 +31,9 @@ NoContent reasonNotOpened(int error) {
   }
 }
 
-/// Fills `bytes` up to `limit`; false when reading failed.
+/// Reads up to `limit` bytes into `bytes`; false on failure.
 bool readUpTo(int descriptor, std::size_t limit, std::size_t expected, std::string& bytes) {
-  // One byte more than expected, so that the end shows in the same reading.
+  // One byte more than expected, so that one read also finds the end.
   bytes.resize(std::min(expected, limit) + 1);
   std::size_t filled = 0;
   for (;;) {
@@ -50,7 +50,7 @@ bool readUpTo(int descriptor, std::size_t limit, std::size_t expected, std::stri
 
 constexpr int flagsToRead = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
-/// `file`: just opened, or not, with errno.
+/// `file`: the result of opening it; when not open, errno says why.
 std::variant<FileContent, NoContent> contentOf(const Descriptor& file, std::size_t limit) {
   if (!file.isOpen()) return reasonNotOpened(errno);
 
@@ -63,7 +63,7 @@ std::variant<FileContent, NoContent> contentOf(const Descriptor& file, std::size
 
   std::string bytes;
   if (!readUpTo(file.number(), limit, size, bytes)) return NoContent::unreadable;
-  if (bytes.size() > limit) return NoContent::tooLarge;  // it grew meanwhile
+  if (bytes.size() > limit) return NoContent::tooLarge;  // it grew while we read
   return FileContent{.bytes = std::move(bytes), .stamp = stamp, .ownership = ownershipOf(status)};
 }
 

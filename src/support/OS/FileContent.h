@@ -9,7 +9,7 @@
 
 namespace quillstead::OS {
 
-/// A file's bytes, and what it was when they were read.
+/// A file's bytes, and its state when they were read.
 struct FileContent {
   std::string bytes;
   FileStamp stamp;
@@ -18,18 +18,18 @@ struct FileContent {
 
 enum class NoContent {
   missing,
-  symbolicLink,  ///< one was not followed: any, or one that leads out of the directory
+  symbolicLink,  ///< a link that was not followed
   notAFile,      ///< a directory, a pipe, a device
   tooLarge,
   unreadable,  ///< no permission, or an error while reading
 };
 
-/// Reads the whole file `name` in `directory` when it is a regular file of at most `limit` bytes.
+/// Reads the whole file `name` in `directory` if it is a regular file of at most `limit` bytes.
 /// Never follows a symbolic link in the last place and never waits.
 std::variant<FileContent, NoContent> readFile(const Descriptor& directory, const std::string& name,
                                               std::size_t limit);
 
-/// The same for a file below `directory`, also behind symbolic links that stay there.
+/// The same for a file below `directory`; symbolic links are followed if they stay below it.
 std::variant<FileContent, NoContent> readFileBeneath(const Descriptor& directory,
                                                      const std::string& path, std::size_t limit);
 

@@ -20,10 +20,10 @@ struct FileStamp {
 
 FileStamp fileStamp(const struct stat& status);
 
-/// A number that changes with every name in the directory that is added, removed, or given to
-/// another file; what happens within a file does not show in it. Absent where the system or the
-/// file system is not known to keep that promise, and while the last change is so recent that
-/// another could leave the number as it is.
+/// A number that changes when a name in the directory is added, removed, or given to another file.
+/// It does not change with the content of a file. Absent where the file system is not known to
+/// guarantee this, and when the last change is so recent that another one could leave the number
+/// unchanged.
 std::optional<std::uint64_t> namesStamp(const Descriptor& directory);
 
 /// Whose word a file or directory is.

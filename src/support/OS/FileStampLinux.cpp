@@ -16,8 +16,8 @@ namespace {
 using namespace std::chrono_literals;
 using std::chrono::nanoseconds;
 
-/// File systems that are this machine's own, and set a directory's times with each change of it.
-/// Others may be changed from elsewhere, and tell late.
+/// Local file systems that update a directory's times with each change. Others may be changed from
+/// another machine, and show it late.
 bool keepsTimes(const Descriptor& directory) {
   constexpr long xfs = 0x58465342;
   constexpr long zfs = 0x2FC12FC1;
@@ -54,7 +54,7 @@ FileStamp fileStamp(const struct stat& status) {
 std::optional<std::uint64_t> namesStamp(const Descriptor& directory) {
   struct stat status {};
   if (fstat(directory.number(), &status) != 0 || !keepsTimes(directory)) return std::nullopt;
-  // Anybody can set the time of the last modification back, but not that of the last change.
+  // Anyone can set the modification time back, but not the change time.
   const nanoseconds changed = sinceEpoch(status.st_ctim);
   if (!isSettled(changed)) return std::nullopt;
   std::uint64_t stamp = 0;

@@ -4,21 +4,19 @@
 #include <span>
 #include <string>
 
-/// Memory for texts of many megabytes: what costs there is moving them as they grow, and touching
-/// every page for the first time.
+/// Memory for strings of many megabytes. Two things are slow there: moving a string as it grows,
+/// and the first write to each page.
 namespace quillstead::OS {
 
-/// Tells the system that the memory will be written to from its start on, so that it may hand it
-/// out in large pieces. Does nothing for less than some megabytes, or where the system has no such
-/// thing.
+/// Asks the system for large pages, because the memory will be written from its start. Does nothing
+/// below a few megabytes, or where the system has no large pages.
 void preferLargePages(std::span<std::byte> memory);
 
-/// Moves `bytes` to where they can grow to eight times `size`: memory that is never written to
-/// costs nothing.
+/// Moves `bytes` into memory where they can grow to eight times `size`. Memory that is never
+/// written costs nothing.
 void moveToLargeMemory(std::string& bytes, std::size_t size);
 
-/// Makes room for `count` more bytes at the end of `bytes`. Less than some kilobytes is left to the
-/// text itself.
+/// Makes room for `count` more bytes at the end of `bytes`. Small strings grow by themselves.
 inline void makeRoom(std::string& bytes, std::size_t count) {
   constexpr std::size_t small = 65'536;
   const std::size_t size = bytes.size() + count;

@@ -11,7 +11,7 @@ void preferLargePages(std::span<std::byte> memory) {
   if (memory.size() < 2 * largePage) return;
   const std::size_t beyond = reinterpret_cast<std::uintptr_t>(memory.data()) % largePage;
   const std::size_t before = beyond == 0 ? 0 : largePage - beyond;
-  // Where it is refused, the memory comes in small pages.
+  // If this fails, the memory has small pages.
   memory = memory.subspan(before);
   (void)madvise(memory.data(), memory.size() / largePage * largePage, MADV_HUGEPAGE);
 }

@@ -11,8 +11,8 @@ namespace quillstead::OS {
 /// such thing or it cannot be reached.
 std::optional<std::string> canonicalPath(const std::string& path);
 
-/// The path of the running executable as the system tells it, links possibly not yet followed;
-/// where the system cannot tell, the program's first argument; absent when there is not even that.
+/// The path of the running executable from the system; it may contain links. If the system does not
+/// know it, the program's first argument; absent when that is missing too.
 std::optional<std::string> ownExecutable();
 
 /// The home directory that the user database gives for the process's user; empty when it has none.

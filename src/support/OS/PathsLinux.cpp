@@ -57,7 +57,8 @@ std::optional<std::string> ownExecutable() {
   return firstArgument.empty() ? std::nullopt : std::optional(firstArgument);
 }
 
-// The file itself is read: the system's look-up loads shared modules, which a static program lacks.
+// Reads the file itself: the system's look-up needs shared modules, which a static program cannot
+// load.
 std::string homeDirectory() {
   const std::string database = contents("/etc/passwd");
   std::string_view rest = database;

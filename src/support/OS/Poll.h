@@ -8,15 +8,15 @@
 
 namespace quillstead::OS {
 
-/// Waits until a descriptor has an event, a signal handler ran, or the time is over (no limit when
-/// absent), never ending before it by rounding, and fills in `revents`, all of them zero unless a
-/// descriptor has an event. Entries with a negative descriptor are passed over.
+/// Waits until a descriptor has an event, a signal handler ran, or the time is over (absent: no
+/// limit; never rounded down). Fills in `revents`; all are zero when no descriptor has an event.
+/// Entries with a negative descriptor are skipped.
 ///
-/// When the system refuses to wait (it may, for want of memory), every entry gets the events that
-/// it asks for after a millisecond: descriptors that do not block are then looked at in turn.
+/// If the system cannot wait (it may lack memory), every entry gets the events that it asks for,
+/// after a millisecond: the caller then tries its non-blocking descriptors in turn.
 void waitForEvents(std::span<pollfd> descriptors, std::optional<std::chrono::nanoseconds> atMost);
 
-/// The one call for it that the system has, with `poll`'s result and errno.
+/// The system's own call, with the result and errno of `poll`.
 int pollOnce(std::span<pollfd> descriptors, std::optional<std::chrono::nanoseconds> atMost);
 
 }  // namespace quillstead::OS

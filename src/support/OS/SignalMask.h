@@ -5,7 +5,7 @@
 
 namespace quillstead::OS {
 
-/// Blocks or unblocks signals for its lifetime and puts the thread's mask back as it was.
+/// Blocks or unblocks signals for its lifetime, then restores the thread's mask.
 class SignalMask {
  public:
   enum class Change { block, unblock };
@@ -19,7 +19,7 @@ class SignalMask {
   sigset_t before_{};
 };
 
-/// Unblocks signals for good.
+/// Unblocks signals permanently.
 void unblock(std::span<const int> signals);
 
 }  // namespace quillstead::OS

@@ -11,7 +11,7 @@ namespace quillstead::OS {
 
 namespace {
 
-/// What the system is asked to do in the child before it becomes the program.
+/// What the system does in the child before it starts the program.
 class SpawnSetUp {
  public:
   explicit SpawnSetUp(const StandardStreams& streams) {

@@ -7,13 +7,13 @@
 #include <cstring>
 #include <string_view>
 
-/// Texts looked at in blocks of sixteen bytes, which a processor compares at once.
+/// Searching text in blocks of sixteen bytes, which a processor compares in one step.
 namespace quillstead::Text::Blocks {
 
 using Byte = unsigned char;
 using Block [[gnu::vector_size(16)]] = Byte;
 
-/// How many bytes of `block` come before the first one that is found.
+/// The number of bytes in `block` before the first match.
 template <typename Test>
 std::size_t bytesBefore(Block block, Test found) {
   static_assert(std::endian::native == std::endian::little, "the first byte is the lowest");
@@ -24,8 +24,8 @@ std::size_t bytesBefore(Block block, Test found) {
   return sizeof halves[0] + static_cast<std::size_t>(std::countr_zero(halves[1])) / 8;
 }
 
-/// The same for a text, whose blocks go to `take` up to the one with the byte that is found: each
-/// with its place in the text, the last of the text filled up with zeros.
+/// The same for a text. Each block up to the match is passed to `take` with its place in the text;
+/// the last block of the text is padded with zeros.
 template <typename Test, typename Take>
 std::size_t bytesBefore(std::string_view text, Test found, Take take) {
   std::size_t before = 0;
@@ -44,16 +44,16 @@ std::size_t bytesBefore(std::string_view text, Test found, Take take) {
   return before + std::min(left, bytesBefore(block, found));
 }
 
-/// How many bytes at the start of `text` come before the first one that is found. The test is given
-/// a block and made of comparisons joined by `|`:
+/// The number of bytes in `text` before the first match. The test takes a block and consists of
+/// comparisons joined by `|`:
 /// `[](Block bytes) { return (bytes == Byte{'"'}) | (bytes < Byte{' '}); }`.
 template <typename Test>
 std::size_t bytesBefore(std::string_view text, Test found) {
   return bytesBefore(text, found, [](std::size_t /*place*/, Block /*block*/) {});
 }
 
-/// The same, and copies these bytes to `to`, with what fills their last block: `to` has room for
-/// whole blocks.
+/// The same, and copies these bytes to `to`, rounded up to whole blocks: `to` must have room for
+/// them.
 template <typename Test>
 std::size_t copyBefore(std::string_view text, char* to, Test found) {
   return bytesBefore(text, found, [to](std::size_t place, Block block) {

@@ -1,12 +1,12 @@
 #pragma once
 
-/// What Unicode says of one character.
+/// Unicode properties of a character.
 namespace quillstead::Text {
 
 /// A letter, a digit or other number, or a mark that belongs to the letter before it.
 bool isWordCharacter(char32_t character);
 
-/// The scripts whose words cannot be told apart by spaces, or (Hangul) not well.
+/// Scripts that do not separate words by spaces, or (Hangul) not reliably.
 enum class PairedScript {
   none,
   han,
@@ -21,10 +21,10 @@ PairedScript pairedScript(char32_t character);
 /// A character of a script that is written without spaces between its words.
 bool isUnspacedScript(char32_t character);
 
-/// Its lower-case form, or the character itself.
+/// The lower-case form, or the character itself.
 char32_t lowered(char32_t character);
 
-/// What kind of character Unicode says one is.
+/// The Unicode category of a character.
 enum class Category {
   letter,
   mark,  ///< belongs to the character before it
@@ -32,16 +32,16 @@ enum class Category {
   sign,  ///< punctuation and symbols
   whiteSpace,
   control,  ///< tab and line ends included
-  format,   ///< invisible, it changes how others are shown; all tag characters are such
+  format,   ///< invisible; changes how others are shown. Includes all tag characters
   other,    ///< private or not assigned
 };
 
 Category categoryOf(char32_t character);
 
-/// A picture, such as an emoji, that can be joined with others to one.
+/// A pictograph, such as an emoji, that can be joined with others into one.
 bool isPicture(char32_t character);
 
-/// One of the characters that choose how the one before them is drawn.
+/// A variation selector: it chooses how the character before it is drawn.
 bool isVariationSelector(char32_t character);
 
 /// A letter or mark of a script in which an invisible joiner can change what a word says, such as

@@ -13,11 +13,11 @@ constexpr std::uint64_t mixed(std::uint64_t value) {
   return value ^ (value >> 31U);
 }
 
-/// Tells byte strings apart, but for a chance of one in 2^64 and not against somebody who looks for
-/// two that meet. The same on every machine and in every version, so that it may be kept in files.
+/// A hash of 64 bits that is not safe against an attacker who looks for collisions. It is the same
+/// on every machine and in every version, so it may be stored in files.
 std::uint64_t hashOf(std::string_view bytes);
 
-/// Lower-case hexadecimal digits, without zeros in front.
+/// Lower-case hexadecimal digits, without leading zeros.
 std::string inHexadecimal(std::uint64_t number);
 
 }  // namespace quillstead::Text

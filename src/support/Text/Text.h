@@ -10,7 +10,7 @@ namespace quillstead::Text {
 
 inline constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";  ///< U+FFFD
 
-/// Whether a byte stands inside a character: no character begins with it.
+/// Whether a byte continues a character: no character begins with it.
 constexpr bool isContinuation(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80;
 }
@@ -33,10 +33,10 @@ bool appendCharacter(std::string& text, std::uint32_t character);
 /// `bytes` with each invalid sequence replaced by U+FFFD.
 std::string repaired(std::string bytes);
 
-/// `text` without the white space and line ends (by Unicode) at both of its ends.
+/// `text` without Unicode white space and line ends at both ends.
 std::string_view trimmed(std::string_view text);
 
-/// True when nothing but white space and line ends is in `text`.
+/// True when `text` contains only white space and line ends.
 bool isBlank(std::string_view text);
 
 /// The texts one behind the other, with `separator` between them.
@@ -54,11 +54,11 @@ std::string joined(const Texts& texts, std::string_view separator) {
 /// The first `count` user-perceived characters (extended grapheme clusters) of `text`.
 std::string_view firstCharacters(std::string_view text, std::size_t count);
 
-/// The first line of `text`, without its line feed and a carriage return before that; removes it
-/// from `text`, which must not be empty.
+/// Removes the first line from `text`, which must not be empty, and returns it without its line
+/// end.
 std::string_view takeLine(std::string_view& text);
 
-/// `text` with line feeds for carriage returns and line feeds.
+/// `text` with each "\r\n" replaced by "\n".
 std::string withLineFeeds(std::string_view text);
 
 /// `text` as one line: every run of white space and control characters one blank, none at the ends.
