@@ -13,13 +13,13 @@ namespace quillstead::server {
 namespace {
 
 /// A line of at most so many bytes, its end counted, goes into a pipe at once.
-constexpr std::size_t longestLine = 4'096;
+constexpr std::size_t longestComplaint = 4'096;
 
 /// `line`, which is UTF-8, cut at the border of a character.
 std::string cut(std::string line) {
   constexpr std::string_view ellipsis = "…";
-  if (line.size() < longestLine) return line;
-  std::size_t end = longestLine - 1 - ellipsis.size();
+  if (line.size() < longestComplaint) return line;
+  std::size_t end = longestComplaint - 1 - ellipsis.size();
   while (Text::isContinuation(line[end])) --end;
   line.resize(end);
   return line.append(ellipsis);
