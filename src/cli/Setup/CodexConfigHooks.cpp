@@ -26,9 +26,9 @@ JSON::Value valueOf(const toml::node& node) {
     for (const toml::node& value : *list) array.push_back(valueOf(value));
     return array;
   }
-  if (const auto* const text = node.as_string()) return JSON::Value(text->get());
-  if (const auto* const number = node.as_integer()) return JSON::Value(number->get());
-  if (const auto* const truth = node.as_boolean()) return JSON::Value(truth->get());
+  if (const auto* const text = node.as_string()) return {text->get()};
+  if (const auto* const number = node.as_integer()) return {number->get()};
+  if (const auto* const truth = node.as_boolean()) return {truth->get()};
   return nullptr;
 }
 
