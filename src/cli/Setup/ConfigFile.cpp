@@ -91,7 +91,7 @@ class TemporaryFile {
   explicit TemporaryFile(const OS::Descriptor& directory) : directory_(directory) {
     name_ = std::string(temporaryPrefix) + std::to_string(getpid()) + '-' +
             std::to_string(OS::randomNumber()) + std::string(temporarySuffix);
-    file_ = OS::NamelessFile::create(directory, onlyForTheUser);
+    file_ = OS::NamelessFile::create(directory);
     if (file_.isOpen()) return;
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
     file_ = OS::Descriptor(openat(directory.number(), name_.c_str(), flags, onlyForTheUser));

@@ -4,7 +4,7 @@
 
 namespace quillstead::OS::NamelessFile {
 
-Descriptor create(const Descriptor& /*directory*/, mode_t /*mode*/) { return {}; }
+Descriptor create(const Descriptor& /*directory*/) { return {}; }
 
 int giveName(const Descriptor& /*file*/, const Descriptor& /*directory*/, const char* /*name*/) {
   return ENOTSUP;

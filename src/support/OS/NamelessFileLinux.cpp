@@ -13,11 +13,14 @@ namespace {
 // Without it there is no way to give a file a name that every user may go.
 constexpr const char* openFiles = "/proc/self/fd";
 
+constexpr mode_t onlyForTheUser = 0600;
+
 }  // namespace
 
-Descriptor create(const Descriptor& directory, mode_t mode) {
+Descriptor create(const Descriptor& directory) {
   if (access(openFiles, X_OK) != 0) return {};
-  return Descriptor(openat(directory.number(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
+  return Descriptor(
+      openat(directory.number(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, onlyForTheUser));
 }
 
 int giveName(const Descriptor& file, const Descriptor& directory, const char* name) {
