@@ -19,8 +19,9 @@ Database& database() {
     Database made = Database::inMemory();
     IndexTables::create(made);
     const Card card{.title = "Title", .tags = {"tag"}, .body = "some body"};
-    IndexTables::Writer(made).add({.store = Store::Kind::project, .name = "a.md", .stamp = {}},
-                                  &card, 1);
+    IndexTables::CardCounts counts{};
+    IndexTables::Writer(made, counts)
+        .add({.store = Store::Kind::project, .name = "a.md", .stamp = {}}, &card, 1);
     return made;
   }();
   return only;
@@ -43,7 +44,7 @@ int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     Fuzz::require(term.says > 0 && term.says <= 1, "a term says something, at most 1");
     Fuzz::require(seen.insert(term.word).second, "each term is there once");
   }
-  Fuzz::require(CardSearch::find(database(), text, 8).has_value(),
+  Fuzz::require(CardSearch::find(database(), text, 1, 8).has_value(),
                 "any prompt can be searched for");
 
   const std::string repaired = Text::repaired(std::string(text));
