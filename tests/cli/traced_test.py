@@ -207,12 +207,18 @@ class ChangedMeanwhile(unittest.TestCase):
         deadline = time.monotonic() + 60
         while time.monotonic() < deadline:
             for child in pathlib.Path(f"/proc/{run.pid}/task/{run.pid}/children").read_text().split():
-                state = pathlib.Path(f"/proc/{child}/stat").read_text().rpartition(")")[2].split()[0]
                 trace = home.root.parent / "trace"
-                if state in "Tt" and trace.exists() and "SIGSTOP" in trace.read_text():
+                if self.is_stopped(child) and trace.exists() and "SIGSTOP" in trace.read_text():
                     return run, int(child)
             time.sleep(0.01)
         self.fail("it does not stop")
+
+    def is_stopped(self, child):
+        try:
+            stat = pathlib.Path(f"/proc/{child}/stat").read_text()
+        except FileNotFoundError:  # strace tries children of its own first
+            return False
+        return stat.rpartition(")")[2].split()[0] in "Tt"
 
     def finish(self, run, child):
         os.kill(child, signal.SIGCONT)
