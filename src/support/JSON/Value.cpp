@@ -4,6 +4,13 @@
 
 namespace quillstead::JSON {
 
+namespace {
+
+/// How many members most objects get that are filled one by one.
+constexpr std::size_t usualMembers = 8;
+
+}  // namespace
+
 Value Value::number(std::string text) {
   Value value;
   value.data_ = NumberText{std::move(text)};
@@ -60,6 +67,7 @@ void Object::set(std::string_view key, Value value) {
   if (present != members_.end()) {
     present->value = std::move(value);
   } else {
+    if (members_.empty()) members_.reserve(usualMembers);
     members_.push_back({.key = std::string(key), .value = std::move(value)});
   }
 }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <span>
 #include <string>
@@ -116,10 +117,8 @@ inline Value::Value(View part) : data_(part) {}
 /// An object literal: `objectOf({{"id", 1}, {"method", "initialize"}})`. Keys must differ.
 template <std::size_t count>
 Object objectOf(Member (&&members)[count]) {
-  std::vector<Member> list;
-  list.reserve(count);
-  for (Member& member : members) list.push_back(std::move(member));
-  return Object(std::move(list));
+  return Object(std::vector<Member>(std::move_iterator(std::begin(members)),
+                                    std::move_iterator(std::end(members))));
 }
 
 }  // namespace quillstead::JSON
