@@ -67,6 +67,16 @@ struct Told {
     return all;
   }
 
+  /// The same of numbers.
+  [[nodiscard]] std::vector<std::int64_t> numbers(std::string_view key, std::string_view of) const {
+    std::vector<std::int64_t> all;
+    for (const JSON::View each : member(key).elements()) {
+      const auto number = each.object()->find(of).number();
+      all.push_back(number ? number->integer().value_or(-1) : -1);
+    }
+    return all;
+  }
+
   std::optional<JSON::Document> document;
 };
 
@@ -88,6 +98,18 @@ TEST_F(Recall, NamesTheWordsThatMatchedInWhateverCase) {
   EXPECT_THAT(recall({"--json", "earl", "GREY"}).output, HasSubstr(R"("words":["earl","grey"])"));
 }
 
+TEST_F(Recall, NamesABeginningThatMatched) {
+  home.write(".quillstead/memory/cat.md", "# 猫の手\n\nA proverb.\n");
+  EXPECT_THAT(recall({"--json", "proverb 猫"}).output, HasSubstr(R"("words":["proverb","猫"])"));
+}
+
+TEST_F(Recall, NumbersTheCardsFromOneInTheirOrder) {
+  home.write(".quillstead/memory/closed.md", "# The shop is closed\nOn Mondays.\n");
+  const Told told(recall({"--json", "shop"}).output);
+  EXPECT_EQ(told.texts("cards", "file").size(), 2U);
+  EXPECT_THAT(told.numbers("cards", "rank"), ElementsAre(1, 2));
+}
+
 TEST_F(Recall, TellsScriptsTheSame) {
   for (const HarnessFacts& facts : harnessFacts()) {
     const std::string& harness = facts.name;
@@ -104,9 +126,12 @@ TEST_F(Recall, TellsScriptsTheSame) {
     EXPECT_THAT(told.texts("trail"), ElementsAre("card=1", "rules=1", "cards=1"));
     EXPECT_THAT(told.texts("missed"), IsEmpty());
     std::int64_t size = 0;
+    std::vector<std::int64_t> sizes;
     for (const std::string& text : told.texts("parts", "text")) {
-      size += static_cast<std::int64_t>(text.size()) + 2;
+      sizes.push_back(static_cast<std::int64_t>(text.size()));
+      size += sizes.back() + 2;
     }
+    EXPECT_EQ(told.numbers("parts", "bytes"), sizes);
     EXPECT_EQ(told.number("bytes"), size - 2);
   }
 }
@@ -168,6 +193,19 @@ TEST_F(Recall, SaysWhenTheServerIsBroken) {
   EXPECT_THAT(told.texts("missed"), ElementsAre("rules=MISS:no-envelope", "cards=MISS:declined"));
   EXPECT_THAT(told.texts("cards"), IsEmpty());
   EXPECT_THAT(recall({"shop"}).output, HasSubstr("The agent gets nothing."));
+}
+
+TEST_F(Recall, FailsWhenTheServerAnswersForRulesOnly) {
+  home.write("halfServer",
+             "#!/bin/sh\n"
+             "read -r first && read -r second\n"
+             "case $second in *memory_get_relevant*) exit ;; esac\n"
+             "printf '%s\\n' \"$first\" \"$second\" | '" QUILLSTEAD_MCP_BINARY "'\n");
+  fs::permissions(home.path("halfServer"), fs::perms::owner_all);
+  home.set("QUILLSTEAD_MCP_BIN", home.path("halfServer"));
+  const auto end = recall({"--json", "shop"});
+  EXPECT_EQ(end.status, 1);
+  EXPECT_THAT(Told(end.output).texts("missed"), ElementsAre("cards=MISS:no-envelope"));
 }
 
 TEST_F(Recall, SaysWhenThereIsNoHook) {
