@@ -12,10 +12,10 @@ namespace quillstead::server {
 
 namespace {
 
-/// A line of at most so many bytes, its end counted, goes into a pipe at once.
+/// A line of at most this many bytes, line end included, is written to a pipe in one piece.
 constexpr std::size_t longestComplaint = 4'096;
 
-/// `line`, which is UTF-8, cut at the border of a character.
+/// `line`, which is UTF-8, cut between characters.
 std::string cut(std::string line) {
   constexpr std::string_view ellipsis = "…";
   if (line.size() < longestComplaint) return line;

@@ -39,7 +39,7 @@ JSON::Value error(JSON::View id, Error code, std::string_view message) {
 
 }  // namespace Response
 
-/// What the server does is the same in all of them.
+/// The server behaves the same in all of them.
 constexpr std::array<std::string_view, 4> versions{"2024-11-05", "2025-03-26", "2025-06-18",
                                                    "2025-11-25"};
 
@@ -93,7 +93,7 @@ JSON::Value callTool(JSON::View id, JSON::ObjectView parameters,
   return Response::result(id, Tools::asResult(std::move(*reply)));
 }
 
-/// To a well-formed request, errors included.
+/// The response to a well-formed request; it may be an error.
 JSON::Value responseTo(JSON::View id, std::string_view method, JSON::ObjectView parameters,
                        const OS::Environment& environment) {
   if (method == "initialize") return initialize(id, parameters);
@@ -104,7 +104,7 @@ JSON::Value responseTo(JSON::View id, std::string_view method, JSON::ObjectView 
                          "there is no method \"" + Shown::line(method) + '"');
 }
 
-/// So many take less than 200 MB, and are more than a client can mean.
+/// This many values take less than 200 MB; no real client sends more.
 constexpr std::size_t mostValues = 4'000'000;
 
 bool isResponse(JSON::ObjectView message) {
@@ -133,8 +133,8 @@ std::optional<JSON::Value> responseTo(JSON::View value, const OS::Environment& e
   return responseTo(id, *method, parameters.object().value_or(JSON::ObjectView()), environment);
 }
 
-/// Several messages in one array, as one of the protocol's versions allows. Each is dealt with
-/// before the next is looked at, so that no more than one response is held.
+/// A batch: several messages in one array, which one version of the protocol allows. Each is
+/// answered before the next is read, so that only one response is in memory.
 bool respondToBatch(JSON::ArrayView batch, const OS::Environment& environment, const Sink& write) {
   std::string_view before = "[";
   for (const JSON::View message : batch) {

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t longestLine = 16'777'216;  // bytes
 
-/// Responses are gathered up to this size before they are written.
+/// Responses are buffered up to this size before they are written.
 constexpr std::size_t responsesAtOnce = 65'536;  // bytes
 
 class Session {

@@ -18,10 +18,10 @@ constexpr char32_t nonJoiner = 0x200C;
 constexpr char32_t joiner = 0x200D;
 constexpr std::string_view ellipsis = "…";
 
-/// A line is made of so many bytes at most, so that an endless title costs nothing.
+/// The most bytes of a text that a line is made from, so that an endless title costs nothing.
 constexpr std::size_t mostLookedAt = 4'096;
 
-/// What the names of our fences begin with.
+/// The prefixes of our fences' names.
 constexpr std::array<std::string_view, 2> fenceNames{"user-rules", "quillstead-"};
 
 Decoded takeFirst(std::string_view& text) {
@@ -30,7 +30,7 @@ Decoded takeFirst(std::string_view& text) {
   return first;
 }
 
-/// What a reader does not see: it does not keep "<" and the letter behind it apart.
+/// True for characters that a reader does not see. Between "<" and a letter they do not stop a tag.
 bool isUnseen(char32_t character) {
   const Category category = Text::categoryOf(character);
   const bool isSpace = character == '\t' || character == '\n';
@@ -55,7 +55,7 @@ bool isSlash(char32_t character) {
   return std::find(slashes.begin(), slashes.end(), plain) != slashes.end();
 }
 
-/// `text` begins, unseen characters and marks aside, with the name of a fence.
+/// True when `text` begins with the name of a fence, ignoring unseen characters and marks.
 bool beginsWithFenceName(std::string_view text) {
   std::string folded;
   constexpr std::size_t longestName = 11;
@@ -68,7 +68,7 @@ bool beginsWithFenceName(std::string_view text) {
                      [&](std::string_view name) { return folded.starts_with(name); });
 }
 
-/// `text` begins just behind a "<".
+/// True when the text after a "<" could be a tag of ours.
 bool isOurTag(std::string_view text) {
   while (!text.empty()) {
     const Decoded next = Text::decodeFirst(text);
@@ -81,7 +81,7 @@ bool isOurTag(std::string_view text) {
   return beginsWithFenceName(text);
 }
 
-/// The same, for anything that could pass for a tag.
+/// The same for any tag.
 bool isTag(std::string_view text) {
   bool afterSpace = false;
   for (std::string_view rest = text; !rest.empty();) {
@@ -104,7 +104,7 @@ bool isTag(std::string_view text) {
   return false;
 }
 
-/// Copies text character by character, leaving out what is not to be seen.
+/// Copies text character by character and drops what must not be shown.
 class Writer {
  public:
   explicit Writer(std::size_t size) { result_.reserve(size); }
@@ -120,7 +120,7 @@ class Writer {
     previous_ = next.character;
   }
 
-  /// Characters that are all kept as they are.
+  /// Appends characters that need no check.
   void addPlain(std::string_view ascii) {
     if (ascii.empty()) return;
     result_ += ascii;
@@ -155,7 +155,7 @@ class Writer {
   char32_t previous_ = 0;
 };
 
-/// How much of the beginning of `text` is ASCII that needs no look.
+/// The length of the ASCII prefix of `text` that needs no check.
 std::size_t plainLength(std::string_view text) {
   const auto* const end = std::find_if(text.begin(), text.end(), [](char byte) {
     const bool isPlain = (byte >= ' ' && byte < 0x7F && byte != '<') || byte == '\n';
@@ -164,14 +164,14 @@ std::size_t plainLength(std::string_view text) {
   return static_cast<std::size_t>(end - text.begin());
 }
 
-/// At most `limit` bytes of `text`, none of its code points taken apart.
+/// At most `limit` bytes of `text`, cut between code points.
 std::string_view codePointsWithin(std::string_view text, std::size_t limit) {
   if (text.size() <= limit) return text;
   while (limit > 0 && (static_cast<unsigned char>(text[limit]) & 0xC0U) == 0x80) --limit;
   return text.substr(0, limit);
 }
 
-/// The same, and no character of several code points either, unless one alone is too long.
+/// The same, cut between grapheme clusters, unless the first one alone is too long.
 std::string_view charactersWithin(std::string_view text, std::size_t limit) {
   std::string_view kept;
   for (std::size_t count = 1; count <= limit; ++count) {
@@ -194,7 +194,7 @@ constexpr std::array<Fence, 4> fences{{
     {"<quillstead-now>", "</quillstead-now>"},
 }};
 
-/// The length of the block that begins `text`; 0 when none does.
+/// The length of the block at the start of `text`; 0 when there is none.
 std::size_t lengthOfBlock(std::string_view text) {
   for (const Fence& fence : fences) {
     if (!text.starts_with(fence.opening)) continue;

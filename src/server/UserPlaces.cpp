@@ -26,7 +26,7 @@ std::string cachesOfAllPrograms(const OS::Environment& environment) {
   return directory.empty() ? std::string() : joined(directory, OS::cacheDirectoryInHome());
 }
 
-/// Takes others' rights away. `status`: of what is at `path`, which is no link.
+/// Removes other users' permissions. `status`: of the file at `path`, which is not a link.
 bool closed(const std::string& path, const struct stat& status, mode_t mode) {
   if (status.st_uid != geteuid()) return false;
   return (status.st_mode & rightsOfOthers) == 0 || chmod(path.c_str(), mode) == 0;

@@ -10,7 +10,7 @@
 int main(int count, char** arguments) {
   using namespace quillstead;
   using namespace quillstead::server;
-  // A client that went away, or a file that may not grow, is an error, not the end.
+  // A closed pipe or a file size limit must be an error of the call, not the end of the process.
   for (const int signal : {SIGPIPE, SIGXFSZ}) (void)std::signal(signal, SIG_IGN);
 
   const std::span<char*> all(arguments, static_cast<std::size_t>(count));

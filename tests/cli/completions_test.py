@@ -60,7 +60,7 @@ class Zsh(Shell):
     """Completes in a terminal, with every match written down."""
 
     SETUP = """PS1= PS2= RPS1=
-fpath=($PWD $fpath)  # a dot would be passed over
+fpath=($PWD $fpath)  # a dot would be skipped
 autoload -Uz compinit && compinit -u -D
 compadd() {
   local -a hits

@@ -187,7 +187,7 @@ class Update {
     // A file that may have changed again since it was read is noted with another stamp than it has.
     const bool isSettled = !next.isUnfinished && next.fingerprint == survey_.fingerprint().sum();
     next.namesStamp.reset();
-    // What is passed over may become a card without a change of its name.
+    // A skipped file may become a card without a change of its name.
     if (isSettled && !survey_.passedOver()) next.namesStamp = namesStamp_;
     next.seenParts = next.namesStamp ? SeenFiles::partsFor(survey_.files().size()) : 0;
     return next;

@@ -13,12 +13,12 @@ namespace {
 constexpr std::string_view opening = "<!--";
 constexpr std::string_view closing = "-->";
 
-/// The end of a run of backticks.
+/// The end of the run of backticks at `at`.
 std::size_t endOfRun(std::string_view text, std::size_t at) {
   return std::min(text.find_first_not_of('`', at), text.size());
 }
 
-/// Copies a text, line by line, and leaves comments out.
+/// Copies a text line by line without its comments.
 class Copy {
  public:
   explicit Copy(std::string_view text) : text_(text) {}
@@ -53,7 +53,7 @@ class Copy {
     place_ = end;
   }
 
-  /// Whether a line is code since it is indented: behind an empty line, and not within a list.
+  /// True when a line is code because of its indentation: after an empty line, and not in a list.
   bool isIndentedCode(std::string_view line) {
     constexpr std::string_view indent = "    ";
     if (Text::isBlank(line)) {
@@ -70,7 +70,7 @@ class Copy {
     return isCode;
   }
 
-  /// Copies to the end of the line in which the last of its comments and code ends.
+  /// Copies up to the end of the line in which its last comment or code span ends.
   void copyLine() {
     bool isFirst = true;  // nothing but blanks so far
     while (place_ < text_.size()) {
@@ -88,8 +88,8 @@ class Copy {
     }
   }
 
-  /// Behind the backticks that close the code which those at the place open. It does not go beyond
-  /// an empty line; without a close, backticks are backticks.
+  /// The place after the closing backticks of the code span that opens here. A span ends before an
+  /// empty line; without closing backticks there is no span.
   std::size_t endOfCode() {
     const std::size_t end = endOfRun(text_, place_);
     if (paragraph_ < end) paragraph_ = std::min(text_.find("\n\n", end), text_.size());
@@ -101,7 +101,7 @@ class Copy {
     return end;
   }
 
-  /// False when what looks like a comment has no end, and so is none.
+  /// False when a comment has no end: then it is ordinary text.
   bool skipComment(bool isFirst) {
     constexpr std::size_t shortest = 2;  // "<!-->" is one as well
     const std::size_t end =
@@ -112,7 +112,7 @@ class Copy {
     return true;
   }
 
-  /// Takes away the rest of a line that held nothing but the comment.
+  /// Removes the rest of a line that contained only the comment.
   bool wasWholeLine() {
     const std::string_view rest = lineAt(place_);
     if (!Text::isBlank(rest)) return false;

@@ -12,7 +12,8 @@ namespace {
 
 constexpr std::string_view border = "---";
 
-/// The text of a quoted value at the start of `text`, which it removes; absent when it is not one.
+/// Removes a quoted value from the start of `text` and returns its content; absent when there is
+/// none.
 std::optional<std::string> takeQuoted(std::string_view& text) {
   const char quote = text[0];
   std::size_t end = 1;

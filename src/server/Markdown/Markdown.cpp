@@ -71,7 +71,7 @@ bool CodeFence::covers(std::string_view line) {
 
 namespace {
 
-/// Where code begins that does not end; the end of `text` when all of it does.
+/// The start of a code block that is never closed; the end of `text` when every block is closed.
 std::size_t beginOfOpenCode(std::string_view text) {
   CodeFence code;
   std::size_t begin = text.size();
@@ -84,8 +84,8 @@ std::size_t beginOfOpenCode(std::string_view text) {
   return code.isOpen() ? begin : text.size();
 }
 
-/// The level of the heading that this line makes of the text above it: 1 for "===", 2 for "---";
-/// 0 when it makes none.
+/// The heading level that this underline gives to the text above it: 1 for "===", 2 for "---";
+/// else 0.
 std::size_t levelByUnderline(std::string_view line) {
   const std::size_t indent = lengthOfRun(line, ' ');
   if (indent >= codeIndent || indent == line.size()) return 0;
@@ -96,7 +96,7 @@ std::size_t levelByUnderline(std::string_view line) {
   return mark == '=' ? 1 : 2;
 }
 
-/// Text that an underline can make a heading: no list, quotation, code, rule or other heading.
+/// True for text that an underline can turn into a heading: not a list, quotation, code or rule.
 bool isPlainText(std::string_view line) {
   const std::size_t indent = lengthOfRun(line, ' ');
   if (indent >= codeIndent || line.starts_with('\t') || heading(line)) return false;
@@ -109,7 +109,7 @@ bool isPlainText(std::string_view line) {
   });
 }
 
-/// Copies lines, the headings among them lower than they were.
+/// Copies lines and lowers the headings.
 class Lowering {
  public:
   enum class Line { mayBeHeading, isCode };
@@ -134,7 +134,7 @@ class Lowering {
   std::string result() && { return std::move(result_); }
 
  private:
-  /// A heading of several lines has no other form, so it becomes text above a rule.
+  /// A heading of several lines cannot be written another way, so it becomes text above a rule.
   void makeHeadingAbove(std::string_view underline, std::size_t level) {
     if (linesOfText_ > 1) {
       result_.append("\n").append(underline) += '\n';

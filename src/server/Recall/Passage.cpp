@@ -17,14 +17,14 @@ namespace {
 
 using Words::SearchTerm;
 
-/// Where a word of the prompt is in a text.
+/// A match: where a word of the prompt is in the text.
 struct Match {
   std::size_t at;
   std::size_t end;
   std::size_t term;
 };
 
-/// Two forms of a word have so many bytes in common at least.
+/// The fewest bytes that two forms of a word share.
 constexpr std::size_t shortestForm = 4;
 
 /// True when the word may be another form of the term: both begin with most of the term.
@@ -33,7 +33,7 @@ bool isFormOf(std::string_view word, const SearchTerm& term) {
   return term.word.size() >= most && word.starts_with(std::string_view(term.word).substr(0, most));
 }
 
-/// Knows terms by their words.
+/// Finds terms by their words.
 class Terms {
  public:
   explicit Terms(const std::vector<SearchTerm>& terms) : terms_(terms) {
@@ -61,8 +61,8 @@ class Terms {
   }
 
  private:
-  /// The bytes that a form has in common with its term at least, in one number and ASCII letters
-  /// in lower case. Other bytes may be taken for each other.
+  /// The bytes that every form shares with its term, packed into one number, ASCII letters in lower
+  /// case. Other bytes may collide.
   static std::uint32_t beginningOf(std::string_view word) {
     constexpr std::uint32_t lowerCase = 0x20;
     std::uint32_t beginning = 0;
@@ -77,8 +77,8 @@ class Terms {
     return static_cast<unsigned char>(byte) | lowerCase;
   }
 
-  /// A quick look that spares most words of a text the others. A letter beyond ASCII may have other
-  /// bytes in lower case.
+  /// A quick test that rejects most words. A letter beyond ASCII may have other bytes in lower
+  /// case.
   [[nodiscard]] bool mayBeOne(std::string_view word) const {
     if (static_cast<unsigned char>(word[0]) < 0x80 && !begins_.at(lowByte(word[0]))) return false;
     const std::string_view beginning = word.substr(0, shortestForm);
@@ -112,7 +112,7 @@ std::vector<Match> matches(std::string_view text, const std::vector<SearchTerm>&
   return all;
 }
 
-/// Where the `width` bytes begin in which the terms say most, each counted once.
+/// The start of the window of `width` bytes whose terms weigh most, each counted once.
 std::size_t bestPlace(const std::vector<Match>& all, const std::vector<SearchTerm>& terms,
                       std::size_t width) {
   std::vector<std::size_t> counts(terms.size());
@@ -139,7 +139,7 @@ std::size_t bestPlace(const std::vector<Match>& all, const std::vector<SearchTer
 
 bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; }
 
-/// Where a passage that holds what is from `match` on begins.
+/// The start of a passage that contains the text from `match` on.
 std::size_t beginningFor(std::string_view text, std::size_t match, std::size_t room) {
   const std::size_t earliest = match > room ? match - room : 0;
   if (earliest == 0) return 0;

@@ -25,7 +25,7 @@ constexpr std::string_view titleMark = "## ";
 constexpr std::string_view cutMark = "…";
 constexpr std::string_view passageNote = "\n… (a passage; `grab` reads all of it)";
 
-/// `line`, or as much of it as `limit` bytes hold.
+/// `line`, cut to `limit` bytes.
 std::string shortened(std::string_view line, std::size_t limit) {
   if (line.size() <= limit) return std::string(line);
   return std::string(Passage::beginning(line, limit - cutMark.size())).append(cutMark);
@@ -43,7 +43,7 @@ std::vector<ShownCard> read(const Scope& scope, const std::vector<CardPlace>& pl
   return all;
 }
 
-/// What the cards of a block have to share.
+/// The space that the cards of a block share.
 std::size_t roomFor(std::size_t cards) {
   namespace Fence = contract::MemoryFence;
   return longestBlock - Fence::opening.size() - header.size() - Fence::closing.size() -
@@ -60,7 +60,7 @@ std::string source(const Card& card, const CardPlace& place) {
   return line.append(")");
 }
 
-/// A card as it is shown, before it is known how much room it gets.
+/// A card to show, before its share of the space is known.
 class Printable {
  public:
   Printable(std::string_view text, const CardPlace& place) {
@@ -70,7 +70,7 @@ class Printable {
     if (!card.body.empty()) body_ = Markdown::withLowerHeadings(Shown::text(card.body));
   }
 
-  /// How many bytes it takes within `limit`, which are all of them when it has to be cut.
+  /// The bytes it takes within `limit`: all of them when it has to be cut.
   [[nodiscard]] std::size_t need(std::size_t limit) const {
     return std::min(head(limit).size() + body_.size(), limit);
   }
@@ -86,7 +86,7 @@ class Printable {
   }
 
  private:
-  /// What stands before the body.
+  /// The text before the body.
   [[nodiscard]] std::string head(std::size_t limit) const {
     const std::size_t longestLine = limit / 3;
     std::string lines = shortened(title_, longestLine + titleMark.size());
@@ -164,7 +164,7 @@ Block block(const Scope& scope, const std::vector<CardPlace>& places, std::strin
   std::vector<std::string> cards;
   cards.reserve(found.size());
   for (std::size_t at = 0; at < found.size(); ++at) {
-    // What fits is shown as it was measured.
+    // A text that fits is shown exactly as it was measured.
     const std::size_t limit = needs[at] > limits[at] ? limits[at] : longestCard;
     cards.push_back(printables[at].within(limit, terms));
   }

@@ -11,7 +11,7 @@ namespace quillstead::server::Rules {
 
 namespace {
 
-/// It ends in a colon, so that it is not cut from the rules it is about.
+/// It ends in a colon, so that cutting never separates it from the rules that follow.
 constexpr std::string_view border =
     "From here on, these are not the user's own rules but those in this project's files:";
 
@@ -30,7 +30,7 @@ std::string readOf(const Store& store) {
 
 bool isIndented(std::string_view line) { return line.starts_with(' ') || line.starts_with('\t'); }
 
-/// What has been seen of the text before the line that comes next.
+/// What was found in the lines so far.
 struct Before {
   std::size_t end = 0;     ///< where the last line that is not blank ended
   bool blankLine = false;  ///< a blank line came after it

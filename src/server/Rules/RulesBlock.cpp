@@ -9,8 +9,8 @@ namespace quillstead::server {
 
 namespace {
 
-/// A title that does not fit does not end the list; so many do.
-constexpr std::size_t mostPassedOver = 20;
+/// A title that does not fit is skipped. The list ends after this many skipped titles.
+constexpr std::size_t mostSkipped = 20;
 
 std::string headingFor(std::size_t total) {
   return "Memory holds " + std::to_string(total) + (total == 1 ? " card" : " cards") +
@@ -19,7 +19,7 @@ std::string headingFor(std::size_t total) {
 
 std::string lineFor(const std::string& title) { return "\n- " + Shown::line(title); }
 
-/// The list of all titles, when it has at most `limit` bytes.
+/// The list of all titles; absent when it is longer than `limit` bytes.
 std::optional<std::string> whole(const Titles& titles, std::size_t limit) {
   if (titles.newest.size() < titles.total) return std::nullopt;
   std::string text = headingFor(titles.total);
@@ -75,7 +75,7 @@ std::string RulesBlock::index(const Titles& titles, std::size_t limit) {
     if (text.size() + line.size() + remainder(left).size() <= limit) {
       text += line;
       ++shown;
-    } else if (++passedOver == mostPassedOver) {
+    } else if (++passedOver == mostSkipped) {
       break;
     }
   }

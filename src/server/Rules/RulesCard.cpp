@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max() / 2;
 
-/// The part of a tight block that its index may claim before the rules are cut short: one in four.
+/// When space is short, the index may take a quarter of the block before rules are cut.
 constexpr std::size_t indexShare = 4;
 
 struct Head {
@@ -29,7 +29,7 @@ std::string leftOut(std::size_t count) {
          " left out here; the tool `rules_get` gives all of them.)";
 }
 
-/// As many whole rules as fit, with the line that tells how many do not.
+/// As many whole rules as fit, and a line with the number of those left out.
 std::optional<std::string> cut(std::string_view rules, std::size_t limit) {
   const std::vector<std::size_t> borders = Rules::borders(rules);
   for (std::size_t kept = less(borders.size(), 1); kept > 0; --kept) {
@@ -58,7 +58,7 @@ Head headWithin(std::string_view rules, std::size_t limit) {
   return pointer(rules, limit);
 }
 
-/// What comes short when rules and index do not both fit.
+/// What is cut when rules and index do not both fit.
 enum class Shortened { index, rules };
 
 Card within(std::string_view rules, const Titles& titles, const Ceilings& ceilings,
@@ -66,7 +66,7 @@ Card within(std::string_view rules, const Titles& titles, const Ceilings& ceilin
   const std::size_t room = less(ceilings.block.value_or(unlimited), RulesBlock::fenceSize);
   const std::size_t headRoom = less(ceilings.head.value_or(unlimited), RulesBlock::fenceSize);
 
-  // Rules that fit beside a small index are not cut for the sake of a large one.
+  // Rules that fit beside a small index are not cut to make room for a large one.
   const std::size_t wanted = RulesBlock::index(titles, RulesBlock::ordinaryIndex).size();
   const std::size_t reserved =
       wanted == 0 ? 0 : std::min(wanted + RulesBlock::lineBeforeIndex, room / indexShare);
@@ -84,8 +84,8 @@ Card within(std::string_view rules, const Titles& titles, const Ceilings& ceilin
 
 Card madeWithoutNote(std::string_view rules, const Titles& titles, const Ceilings& ceilings) {
   if (ceilings.head && !ceilings.block) {
-    // Who asks for the head alone to be short may take head and index apart, but also the block
-    // whole or not at all. So all of it stays within that size where this leaves both something.
+    // A caller that limits only the head may split head and index, or may take the block whole or
+    // not at all. So the whole block stays within the head's limit when both parts still fit.
     const Ceilings same{.block = ceilings.head, .head = ceilings.head};
     Card card = within(rules, titles, same, Shortened::rules);
     if (card.block.indexSpan && (card.kind == Kind::whole || card.kind == Kind::cut)) return card;

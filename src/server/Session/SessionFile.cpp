@@ -26,7 +26,7 @@ constexpr std::chrono::hours lifetime = 24h * 7;
 constexpr std::string_view suffix = ".session";
 constexpr std::size_t largest = 262'144;  // bytes
 
-/// True when the lock was had in time.
+/// True when the lock was taken in time.
 bool locked(const OS::Descriptor& file) {
   const auto start = OS::MonotonicClock::now();
   for (;;) {
@@ -85,7 +85,7 @@ std::optional<SessionState> SessionFile::read() const {
 }
 
 void SessionFile::write(const SessionState& state) const {
-  // Emptied first: whoever is killed in between leaves nothing that could be taken for a state.
+  // Emptied first: a process killed in between leaves no half-written state.
   if (ftruncate(file_.number(), 0) != 0 || lseek(file_.number(), 0, SEEK_SET) != 0) return;
   OS::writeAll(file_.number(), state.written());
 }

@@ -18,7 +18,7 @@ constexpr std::uint64_t rulesLastPrompts = 20;
 constexpr std::uint64_t cardsLastPrompts = 30;
 constexpr std::size_t mostCards = 300;  ///< of a state, which keeps it small
 
-/// What a prompt may take for its cards when nothing was said of its rules.
+/// The bytes for a prompt's cards when the size of its rules is unknown.
 constexpr std::size_t leastRoom = 0;
 
 std::int64_t inMilliseconds(SessionMemory::Clock::time_point time) {
@@ -30,15 +30,15 @@ bool isWithin(std::int64_t time, std::int64_t now, std::chrono::milliseconds spa
   return time <= now && now - time < span.count();
 }
 
-/// What tells this session from all others. A session that goes on in another transcript, such as
-/// a sub-agent's, is another one: what this one saw, that one did not.
+/// The identity of a session. One that continues in another transcript, such as a sub-agent's, is
+/// another session: it has not seen what this one has.
 std::string nameOf(const SessionMemory::Caller& caller) {
   std::string name = *caller.sessionID;
   name += '\0';
   return name += caller.transcriptPath.value_or("");
 }
 
-/// The state as it is for a call that comes now.
+/// The state that applies to a call made now.
 SessionState movedOn(const std::optional<SessionState>& known, const SessionMemory::Caller& caller,
                      std::int64_t now) {
   SessionState state = known.value_or(SessionState());

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::uint64_t mostAdded = 16'777'216;  // bytes
 
-/// The marks of a compaction. In what a user or a tool said the quotes would be escaped.
+/// The marks of a compaction. In a user's or a tool's text the quotes would be escaped.
 constexpr std::array<std::string_view, 3> marks{
     R"("subtype":"compact_boundary")",  // Claude Code
     R"("isCompactSummary":true)",       // Claude Code

@@ -42,8 +42,8 @@ std::string titleOf(const NewCard& card) {
   return shortened.size() < line.size() ? std::string(shortened) + "…" : line;
 }
 
-/// The line that is read back as a heading of that title. A title that ends in "#" needs an end of
-/// its own, because a heading may be closed with that sign.
+/// A heading line that reads back as `title`. A title that ends in "#" gets a closing " #", because
+/// Markdown drops a closing "#" from a heading.
 std::string headingOf(const std::string& title) {
   std::string line = "# " + title;
   if (Markdown::heading(line) != title) line += " #";

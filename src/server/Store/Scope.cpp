@@ -18,11 +18,11 @@ namespace quillstead::server {
 
 namespace {
 
-void passOver(const std::string& path, std::string_view reason) {
-  complain(path + " is passed over: " + std::string(reason));
+void reportSkipped(const std::string& path, std::string_view reason) {
+  complain(path + " is skipped: " + std::string(reason));
 }
 
-/// Something called like a store, in a directory that may be a project.
+/// A directory entry named `.quillstead`, and the directory that may be a project.
 struct Candidate {
   std::string path;         ///< as it was found
   std::string project;      ///< the canonical path of the directory that holds it
@@ -45,7 +45,7 @@ std::optional<Candidate> candidateIn(const std::string& directory) {
                    .ownership = OS::ownershipOf(own)};
 }
 
-/// Opens `root`, which lies in `top`, without a way out of it.
+/// Opens `root`, which lies in `top`. No link on the way may lead out of `top`.
 OS::Descriptor openIn(const std::string& top, const std::string& root) {
   const OS::Descriptor base = OS::openDirectory(top, OS::Links::refused);
   const std::string beginning = UserPlaces::joined(top, "");
@@ -58,27 +58,27 @@ bool isUsersOwn(const std::string& path, OS::Ownership ownership) {
     case OS::Ownership::ours:
       return true;
     case OS::Ownership::someoneElses:
-      passOver(path, "it belongs to another user");
+      reportSkipped(path, "it belongs to another user");
       return false;
     case OS::Ownership::everybodys:
       break;
   }
-  passOver(path, "everybody may write it");
+  reportSkipped(path, "any user can write to it");
   return false;
 }
 
-/// The store, when it is the user's own and lies where the user's trust reaches.
+/// The store, when the user owns it and trusts its place.
 std::optional<Store> opened(const Candidate& found, const Trust& trust) {
   const bool isInProject = found.root.starts_with(UserPlaces::joined(found.project, ""));
   const auto top = isInProject ? found.project : trust.coverOf(found.root);
   if (!top) {
-    passOver(found.path, "it is a symbolic link out of the project");
+    reportSkipped(found.path, "it is a symbolic link out of the project");
     return std::nullopt;
   }
   auto directory = std::make_shared<const OS::Descriptor>(openIn(*top, found.root));
   struct stat status {};
   if (!directory->isOpen() || fstat(directory->number(), &status) != 0) {
-    passOver(found.path, "it cannot be opened");
+    reportSkipped(found.path, "it cannot be opened");
     return std::nullopt;
   }
   if (!isUsersOwn(found.path, OS::ownershipOf(status))) return std::nullopt;
@@ -91,10 +91,10 @@ struct FoundProject {
   bool leftOut = false;  ///< a project exists, but is not trusted; it was not opened
 };
 
-/// The nearest `.quillstead` in `start`, an absolute path, or above it. Passed over, so that
-/// the search goes on above: those in `personal`; what is not the user's own or everybody may
-/// write; a link that leads neither into its project nor into another trusted directory. Standard
-/// error tells of the last two.
+/// The nearest `.quillstead` in `start`, an absolute path, or above it. Skipped, so that the search
+/// goes on above: those in `personal`; those that another user owns or any user can write to; links
+/// that lead neither into their project nor into another trusted directory. Standard error reports
+/// the last two.
 FoundProject projectAbove(const std::string& start, const std::vector<std::string>& personal,
                           const OS::Environment& environment) {
   if (start.size() >= PATH_MAX) return {};  // there is no such directory
@@ -116,7 +116,7 @@ FoundProject projectAbove(const std::string& start, const std::vector<std::strin
 
 std::string ownDirectory() { return OS::canonicalPath(".").value_or(std::string()); }
 
-/// `path` made absolute, as far as possible without links; empty when nothing is known.
+/// `path` made absolute, with links resolved where possible; empty when that fails.
 std::string absolute(std::string_view path) {
   std::string whole(path);
   if (!whole.starts_with('/')) {
@@ -135,7 +135,7 @@ std::optional<Store> personalAt(std::string root) {
   struct stat status {};
   if (directory.isOpen() && fstat(directory.number(), &status) == 0 &&
       OS::ownershipOf(status) == OS::Ownership::everybodys) {
-    complain(root + " is passed over: everybody may write it");
+    complain(root + " is skipped: any user can write to it");
     return std::nullopt;
   }
   Store store{.kind = Store::Kind::personal, .root = std::move(root)};

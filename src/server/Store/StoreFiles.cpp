@@ -37,13 +37,13 @@ NoText reason(OS::NoContent reason) {
   return NoText::unreadable;
 }
 
-/// Why a file or directory of such a store is passed over; absent when it is not.
+/// Why a file or directory of such a store is skipped; absent when it is not.
 std::optional<NoText> flawOf(Store::Kind kind, OS::Ownership ownership) {
   switch (ownership) {
     case OS::Ownership::ours:
       break;
     case OS::Ownership::someoneElses:
-      // The personal store is where the user says it is, whoever it belongs to.
+      // The user chose the personal store's place, so its owner does not matter.
       if (kind == Store::Kind::project) return NoText::someoneElses;
       break;
     case OS::Ownership::everybodys:
@@ -63,11 +63,11 @@ std::string cardNamed(Store::Kind kind, const std::string& name) {
   return "the " + std::string(nameOf(kind)) + " card " + name;
 }
 
-void passOver(const std::string& path, NoText flaw) {
-  complain(path + " is passed over: " + std::string(explained(flaw)));
+void reportSkipped(const std::string& path, NoText flaw) {
+  complain(path + " is skipped: " + std::string(explained(flaw)));
 }
 
-/// True when the text has git's marks around two sides that nobody has chosen from yet.
+/// True when the text contains git's conflict markers.
 bool holdsConflict(std::string_view text) {
   constexpr std::string_view beginning = "<<<<<<< ";
   constexpr std::string_view end = ">>>>>>> ";
@@ -92,7 +92,7 @@ TextOrReason asText(Store::Kind kind, std::variant<OS::FileContent, OS::NoConten
   return FileText{.text = std::move(text), .stamp = content.stamp};
 }
 
-/// The store's directory: the one that is held open, or one that came later.
+/// The store's directory: the descriptor held open, or one opened now when it was created later.
 class Root {
  public:
   explicit Root(const Store& store) : held_(store.directory) {
@@ -148,7 +148,7 @@ OS::Descriptor openCards(const Store& store) {
   if (!cards.isOpen() || fstat(cards.number(), &status) != 0) return {};
   const auto flaw = linkFlaw ? linkFlaw : flawOf(store.kind, OS::ownershipOf(status));
   if (!flaw) return cards;
-  passOver(path, *flaw);
+  reportSkipped(path, *flaw);
   return {};
 }
 
@@ -172,7 +172,7 @@ std::string_view explained(NoText reason) {
     case NoText::someoneElses:
       return "it belongs to another user";
     case NoText::everybodys:
-      return "everybody may write it";
+      return "any user can write to it";
     case NoText::notAFile:
       return "it is not a file";
     case NoText::tooLarge:
@@ -180,7 +180,7 @@ std::string_view explained(NoText reason) {
     case NoText::binary:
       return "it is not text";
     case NoText::conflict:
-      return "it holds a merge conflict that is not solved";
+      return "it contains an unresolved merge conflict";
     case NoText::missing:
     case NoText::unreadable:
       break;
@@ -200,7 +200,7 @@ std::optional<OS::FileStamp> cardStamp(const OS::Descriptor& cards, Store::Kind 
   const auto state = OS::stateOf(cards, name);
   if (!state) return std::nullopt;
   if (const auto flaw = flawOf(kind, state->ownership)) {
-    passOver(cardNamed(kind, name), *flaw);
+    reportSkipped(cardNamed(kind, name), *flaw);
     return std::nullopt;
   }
   return state->stamp;
@@ -209,7 +209,7 @@ std::optional<OS::FileStamp> cardStamp(const OS::Descriptor& cards, Store::Kind 
 TextOrReason readCard(const OS::Descriptor& cards, Store::Kind kind, const std::string& name) {
   auto read = asText(kind, OS::readFile(cards, name, largestFile));
   const auto* reason = std::get_if<NoText>(&read);
-  if (reason && *reason == NoText::conflict) passOver(cardNamed(kind, name), *reason);
+  if (reason && *reason == NoText::conflict) reportSkipped(cardNamed(kind, name), *reason);
   return read;
 }
 
@@ -224,7 +224,7 @@ TextOrReason readRules(const Store& store) {
   if (!root.directory().isOpen()) return NoText::missing;
   auto read = readFollowing(store, rulesName, root.directory(), rulesName);
   const auto* const reason = std::get_if<NoText>(&read);
-  if (reason && *reason != NoText::missing) passOver(store.root + '/' + rulesName, *reason);
+  if (reason && *reason != NoText::missing) reportSkipped(store.root + '/' + rulesName, *reason);
   return read;
 }
 

@@ -34,7 +34,7 @@ bool cardsLeadOut(const Store& store);
 void forEachCardName(const OS::Descriptor& cards, const std::function<void(const char*)>& visit);
 
 /// The stamp of a card's file in the directory of such a store; absent when it is no regular file
-/// or is passed over.
+/// or is skipped.
 std::optional<OS::FileStamp> cardStamp(const OS::Descriptor& cards, Store::Kind kind,
                                        const char* name);
 

@@ -14,7 +14,7 @@ namespace quillstead::server {
 
 namespace {
 
-/// The directories of a list with colons between. Those that are not there trust nothing.
+/// The directories of a colon-separated list. Those that do not exist are left out.
 std::vector<std::string> listed(std::string_view list) {
   std::vector<std::string> directories;
   while (!list.empty()) {
@@ -32,7 +32,7 @@ bool isDirectory(const std::string& path) {
   return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-/// The project that is meant: what is called as a store stands for the directory that holds it.
+/// The project that is meant: a directory named like a store stands for its parent.
 std::string projectOf(std::string directory) {
   const std::string ending = "/" + std::string(UserPlaces::storeName);
   if (directory.size() > ending.size() && directory.ends_with(ending)) {

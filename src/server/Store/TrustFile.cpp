@@ -33,7 +33,8 @@ bool isOurs(const OS::Descriptor& directory) {
   return fstat(directory.number(), &status) == 0 && OS::ownershipOf(status) == OS::Ownership::ours;
 }
 
-/// A store of ours that is neither the personal one nor where that is by default.
+/// True when `directory` has a store that is not the personal one, nor in the personal one's
+/// default place.
 bool holdsProject(const std::string& directory, const std::string& personal,
                   const std::string& byDefault) {
   const std::string store = UserPlaces::joined(directory, UserPlaces::storeName);
@@ -63,10 +64,10 @@ Place placeOf(const OS::Environment& environment) {
   return {.path = std::move(path), .directory = std::move(directory)};
 }
 
-/// Why no file there is the user's word; absent when one is.
+/// Why a file there cannot be trusted; absent when it can.
 std::optional<Unusable> flawOf(const Place& place, const OS::Environment& environment) {
   const std::string file = place.path + '/' + fileName;
-  if (!isOurs(place.directory)) return Unusable{file + " lies in a directory of others"};
+  if (!isOurs(place.directory)) return Unusable{file + " lies in a directory that is not yours alone"};
   if (liesInProject(place.path, UserPlaces::defaultPersonalStore(environment))) {
     return Unusable{file + " lies in a project"};
   }
@@ -93,7 +94,7 @@ std::variant<Lines, Unusable> linesIn(const Place& place, const OS::Environment&
   return lines;
 }
 
-/// Reads the lines, lets `edit` change them and writes them, with nobody else in between.
+/// Reads the lines, lets `edit` change them and writes them back, under a lock.
 Outcome changed(const OS::Environment& environment, const std::function<bool(Lines&)>& edit) {
   const Place place = placeOf(environment);
   if (!place.directory.isOpen()) return Unusable{"there is no directory for personal memory"};

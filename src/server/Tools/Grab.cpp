@@ -20,13 +20,13 @@ struct FoundCard {
   std::string text;
 };
 
-/// What looking for a card in the stores brought.
+/// The result of looking for a card in the stores.
 struct Found {
   std::vector<FoundCard> cards;      ///< at most one of each store
   std::optional<ToolReply> refusal;  ///< why a card that is there is not shown
 };
 
-/// The user's own card comes as it is, but for what could end the fence.
+/// A card of the user's own is unchanged, except for text that could end the fence.
 std::string fenced(std::string_view text, Store::Kind store) {
   std::string block(contract::MemoryFence::opening);
   block += store == Store::Kind::personal ? Shown::escapeFences(text) : Shown::text(text);
@@ -84,14 +84,14 @@ ToolReply notFound(std::string_view name, const std::vector<Store>& stores, bool
   std::string text = "There is no card \"" + Shown::line(name) + "\".";
   for (const Store& store : stores) {
     if (!StoreFiles::cardsLeadOut(store)) continue;
-    text += " Cards in " + store.root + "/memory were passed over: it is a symbolic link out of " +
+    text += " Cards in " + store.root + "/memory were skipped: it is a symbolic link out of " +
             "the store.";
   }
   if (leftOut) text.append(" ").append(projectLeftOutNote);
   return refusal(text);
 }
 
-/// Looks for a file of that name in the store. True when there is one, shown or not.
+/// Looks for a file of that name in the store. True when there is one, even if it cannot be shown.
 bool look(const Store& store, const std::string& name, Found& found) {
   auto read = StoreFiles::readCardOrLink(store, name);
   if (auto* file = std::get_if<StoreFiles::FileText>(&read)) {
@@ -122,7 +122,7 @@ Found byTitle(const std::vector<Store>& stores, const std::vector<CardPlace>& pl
   return found;
 }
 
-/// Absent when nothing was found.
+/// Absent when no card was found.
 std::optional<ToolReply> replyOf(Found found) {
   if (!found.cards.empty()) return cardReply(found.cards);
   return std::move(found.refusal);

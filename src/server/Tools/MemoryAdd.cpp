@@ -42,7 +42,7 @@ ToolReply run(Arguments& arguments, const OS::Environment& environment) {
   const std::optional<std::string> cwd = arguments.cwd();
   if (arguments.flaw()) return badArguments(*arguments.flaw());
   if (Text::isBlank(card.text)) {
-    return refusal("Not remembered: it holds nothing but what memory had given.");
+    return refusal("Not remembered: it is only a copy of what memory sent earlier.");
   }
 
   const Scope scope = Scope::find(environment, cwd);

@@ -18,7 +18,7 @@ namespace quillstead::server::MemoryGetRelevant {
 
 namespace {
 
-/// A harness makes such a prompt by itself, to say that something in the background has ended.
+/// A harness sends such a prompt itself, when a background task has ended.
 bool isFromHarness(std::string_view prompt) {
   return Text::trimmed(prompt).starts_with("<task-notification>");
 }

@@ -15,11 +15,11 @@ namespace quillstead::server::RulesGet {
 
 namespace {
 
-/// More titles than an index of ordinary size can hold.
+/// More titles than fit into an index of ordinary size.
 constexpr std::size_t mostTitles = 1'000;
 
-/// The smallest context of a harness that sends no ceiling, and the most of it that rules take: a
-/// block that is too large for the harness would be lost whole.
+/// The smallest context of a harness that sends no ceiling, and the share of it for rules. A block
+/// that is too large for the harness would be dropped whole.
 constexpr std::size_t leastContext = 30'000;
 constexpr std::size_t ceilingOfCards = 28'000;
 
@@ -27,7 +27,7 @@ constexpr std::string_view pointerToKnownRules =
     "The user's rules, given earlier in this conversation, still hold. (The tool `rules_get` gives "
     "them again.)";
 
-/// What the call is for.
+/// Why the tool was called.
 struct Wanted {
   bool asCard;
   RulesCard::Ceilings ceilings;
@@ -48,8 +48,7 @@ Wanted wantedBy(Arguments& arguments) {
   return wanted;
 }
 
-/// The bytes that are left for cards beside rules of `size` bytes, in whatever harness sent these
-/// ceilings.
+/// The bytes left for cards beside rules of `size` bytes, in the harness that sent these ceilings.
 std::size_t roomBeside(std::size_t size, const RulesCard::Ceilings& ceilings) {
   std::size_t context = leastContext;
   if (ceilings.block && *ceilings.block != ceilingOfCards) context = *ceilings.block;
@@ -58,7 +57,7 @@ std::size_t roomBeside(std::size_t size, const RulesCard::Ceilings& ceilings) {
   return context > taken ? context - taken : 0;
 }
 
-/// Absent unless this session was shown these rules and a pointer does.
+/// A pointer, when this session has already seen these rules; else absent.
 std::optional<RulesCard::Card> pointerFor(std::string_view rules, const Wanted& wanted,
                                           const OS::Environment& environment) {
   auto session = SessionMemory::of(wanted.caller, environment);

@@ -30,7 +30,7 @@ std::optional<std::uint64_t> namesStamp(const Descriptor& directory);
 enum class Ownership {
   ours,          ///< of the user this process works for; a group may write it too
   someoneElses,  ///< of another user
-  everybodys,    ///< whoever it belongs to, everybody may write it
+  everybodys,    ///< any user can write to it, whoever owns it
 };
 
 /// A symbolic link's own permissions say nothing, so it is never everybody's.

@@ -153,7 +153,7 @@ TEST_F(Session, IsNotAnsweredByWhatItWasGiven) {
           .isError);
   EXPECT_THAT(stage.call("grab", R"({"name":"The ibis."})").text, Not(HasSubstr("Be careful")));
   EXPECT_THAT(stage.call("memory_add", R"({"text":"<user-rules>\nr\n</user-rules>"})").text,
-              HasSubstr("nothing but what memory had given"));
+              HasSubstr("only a copy of what memory sent earlier"));
 }
 
 TEST_F(Session, ShowsACardAgainThatMayNotHaveFitted) {

@@ -16,10 +16,10 @@ namespace {
 
 TEST(Complaint, IsOneLineThatIsWrittenOnce) {
   const unit::Captured told(STDERR_FILENO);
-  complain("a card\nis\tpassed over");
-  complain("a card is passed over");
+  complain("a card\nis\tskipped");
+  complain("a card is skipped");
   complain("another");
-  EXPECT_EQ(told.text(), "quillstead-mcp: a card is passed over\nquillstead-mcp: another\n");
+  EXPECT_EQ(told.text(), "quillstead-mcp: a card is skipped\nquillstead-mcp: another\n");
 }
 
 TEST(Complaint, IsCutAtFourKilobytesBetweenCharacters) {

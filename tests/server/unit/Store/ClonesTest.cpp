@@ -100,7 +100,8 @@ TEST_F(Clones, ShowNeitherSideOfACardThatBothChangedUntilItIsSolved) {
   EXPECT_TRUE(stage.recalled("heron").empty());
   EXPECT_THAT(stage.call("grab", R"({"name":"a"})").text, ::testing::HasSubstr("merge conflict"));
   const std::string rules = stage.call("rules_get").text;
-  EXPECT_THAT(rules, ::testing::HasSubstr("rules.md were left out: it holds a merge conflict"));
+  EXPECT_THAT(rules, ::testing::HasSubstr(
+                         "rules.md were left out: it contains an unresolved merge conflict"));
   EXPECT_THAT(rules, ::testing::Not(::testing::AnyOf(::testing::HasSubstr("the rule"),
                                                      ::testing::HasSubstr("Heron"))));
 

@@ -168,8 +168,8 @@ TEST_F(ScopeTest, PassesOverWhatEverybodyMayWrite) {
   EXPECT_EQ(rootOf(scope.project), "none");
   EXPECT_EQ(rootOf(scope.personal), "none");
   EXPECT_EQ(told.text(), "quillstead-mcp: " + directory / "home/.quillstead" +
-                             " is passed over: everybody may write it\nquillstead-mcp: " + store +
-                             " is passed over: everybody may write it\n");
+                             " is skipped: any user can write to it\nquillstead-mcp: " + store +
+                             " is skipped: any user can write to it\n");
 
   fs::permissions(store, fs::perms::all & ~fs::perms::others_write);
   EXPECT_EQ(rootOf(Scope::find(environment, directory / "home/project").project), store);

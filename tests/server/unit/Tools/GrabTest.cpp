@@ -88,7 +88,7 @@ TEST(Grab, SaysThatAMemoryDirectoryLeadsOutOfTheStore) {
   const Answer answer = stage.call("grab", named("a"));
   EXPECT_TRUE(answer.isError);
   EXPECT_THAT(answer.text, ::testing::StartsWith("There is no card \"a\". Cards in "));
-  EXPECT_THAT(answer.text, HasSubstr("/project/.quillstead/memory were passed over"));
+  EXPECT_THAT(answer.text, HasSubstr("/project/.quillstead/memory were skipped"));
   EXPECT_EQ(stage.call("grab", named("b")).text, fenced("# B"));
 }
 

@@ -179,13 +179,13 @@ TEST_F(ProjectTrust, PassesOverFilesThatEverybodyMayWrite) {
   const std::string rules = stage.call("rules_get").text;
   for (const char* const name : {"project/.quillstead/rules.md", "home/.quillstead/rules.md"}) {
     EXPECT_THAT(told.text(), HasSubstr("quillstead-mcp: " + stage.path(name) +
-                                       " is passed over: everybody may write it\n"));
+                                       " is skipped: any user can write to it\n"));
   }
   EXPECT_THAT(rules, Not(::testing::AnyOf(HasSubstr("my rule"), HasSubstr("stranger's rule"),
                                           HasSubstr("heron"))));
-  EXPECT_THAT(rules, HasSubstr("rules.md were left out: everybody may write it.)"));
+  EXPECT_THAT(rules, HasSubstr("rules.md were left out: any user can write to it.)"));
   EXPECT_TRUE(stage.recalled("heron").empty());
-  EXPECT_THAT(stage.call("grab", R"({"name":"stranger"})").text, HasSubstr("everybody may write"));
+  EXPECT_THAT(stage.call("grab", R"({"name":"stranger"})").text, HasSubstr("any user can write"));
   fs::permissions(stage.path("home/.quillstead/memory/mine.md"), fs::perms::others_write,
                   fs::perm_options::remove);
   EXPECT_THAT(stage.recalled("heron"), ::testing::ElementsAre("My heron"));
