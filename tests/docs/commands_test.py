@@ -147,6 +147,42 @@ class Commands(unittest.TestCase):
                         self.assertIn(case, sources)
 
 
+class Packages(unittest.TestCase):
+    """What scripts/release makes, by the sources of what packs it."""
+
+    @classmethod
+    def setUpClass(cls):
+        version = re.search(r"^project\(.* VERSION ([\d.]+)", pages.text("CMakeLists.txt"), re.MULTILINE).group(1)
+        packed = {"npm/pack": (r'"name": "(quillstead[\w-]*)"', "{}-{}.tgz"),
+                  "deb/pack": (r'"linux-\w+": "(\w+)"', "quillstead_{1}_{0}.deb"),
+                  "homebrew/formula": (r'"\w+": "((?:linux|macos)-\w+)"', "quillstead-{1}-{0}.tar.gz")}
+        cls.made = {"quillstead.rb"}
+        for source, (pattern, name) in packed.items():
+            found = set(re.findall(pattern, pages.text(f"packaging/{source}")))
+            assert len(found) > 1, source
+            cls.made.update(name.format(each, version) for each in found)
+
+    @staticmethod
+    def named(text):
+        for word in re.findall(r"quillstead[\w.{},-]*\.(?:tgz|tar\.gz|deb|rb)\b", text):
+            start, braces, rest = re.fullmatch(r"([^{]*)(?:\{(.*)\})?(.*)", word).groups()
+            yield from (start + each + rest for each in (braces or "").split(","))
+
+    def test_that_the_pages_name_are_made(self):
+        for page in pages.pages():
+            for name in self.named(pages.text(page)):
+                with self.subTest(page=pages.name(page), name=name):
+                    self.assertIn(name, self.made)
+
+    def test_that_are_made_are_told(self):
+        self.assertEqual(set(self.named(pages.text("docs/installing.md"))), self.made)
+
+    def test_can_be_installed_with_one_line_each(self):
+        block = next(block for kind, block in pages.blocks("README.md") if "dist/" in block)
+        self.assertEqual([re.sub("^sudo ", "", line).split()[0] for line in block.splitlines()],
+                         ["npm", "brew", "dpkg", "tar"])
+
+
 class Variables(unittest.TestCase):
     NAME = re.compile(r"QUILLSTEAD_[A-Z_]*[A-Z]")
 
