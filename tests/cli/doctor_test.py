@@ -376,6 +376,19 @@ class DoctorTest(unittest.TestCase):
         self.assert_check(checks, "server.start", "warn", "version 0.9.0", "together")
         self.assert_check(checks, "cursor.run", "ok")
 
+    def test_a_mixture_of_versions(self):
+        self.install()
+        self.write_program("quillstead-hook", "#!/bin/sh\n[ \"$1\" = --version ] && echo 'quillstead-hook 0.8.0' && exit\n"
+                                              f"exec '{self.kept.name}/quillstead-hook' \"$@\"\n")
+        self.write_program("quillstead-mcp", f"#!/bin/sh\n'{self.kept.name}/quillstead-mcp' | "
+                                             "sed 's/\\(\"quillstead-mcp\",\"version\":\"\\)[^\"]*/\\10.9.0/'\n")
+        self.environment["QUILLSTEAD_MCP_BIN"] = str(self.bin / "quillstead-mcp")
+        checks = self.doctor()
+        own = self.quillstead("--version").stdout.split()[1]
+        for harness in HARNESSES:
+            self.assert_check(checks, f"{harness}.run", "warn", f"version 0.8.0, and this is {own}")
+        self.assert_check(checks, "server.start", "warn", f"version 0.9.0, and this is {own}", "together")
+
     IN_CONFIG = """
 [[hooks.UserPromptSubmit]]
 [[hooks.UserPromptSubmit.hooks]]

@@ -14,10 +14,17 @@ OLDER = "0.9.0"
 PROGRAMS = ("quillstead", "quillstead-hook", "quillstead-mcp")
 
 
+def _time():
+    """The time that everything in DIST has, as the head of a Debian package says it."""
+    package = next(DIST.glob("*.deb"))
+    return package.read_bytes()[24:36].decode().strip()
+
+
 def pack(kind, stage, dist, version=VERSION):
     """Makes the packages of that kind, and gives their paths."""
     command = [SOURCE / "packaging" / kind / "pack", stage, dist, version]
-    made = subprocess.run(command, check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, cwd="/")
+    made = subprocess.run(command, check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, cwd="/",
+                          env={**os.environ, "SOURCE_DATE_EPOCH": _time()})
     return [pathlib.Path(line) for line in made.stdout.splitlines()]
 
 
