@@ -65,7 +65,6 @@ class DoctorTest(unittest.TestCase):
         self.assertEqual(run.returncode, 0, run.stderr)
         (self.home / ".quillstead/rules.md").write_text("- Answer briefly.\n")
         (self.home / ".quillstead/memory/tea.md").write_text("# Tea\nNever coffee.\n")
-        (self.home / ".quillstead/memory/tea.md").chmod(0o600)
 
     def doctor(self, *harnesses):
         run = self.quillstead("doctor", "--json", *harnesses)
@@ -319,12 +318,15 @@ class DoctorTest(unittest.TestCase):
         store.chmod(0o755)
         self.assert_check(self.doctor("cursor"), "store.personal", "warn",
                           f"{store} is open to other users", f"chmod -R go= {store}")
-        store.chmod(0o700)
-        for name in ("one.md", "two.md", "three.md"):
+        (store / "memory").chmod(0o711)
+        for name in ("one.md", "two.md"):
             (store / "memory" / name).write_text("# Open\n")
             (store / "memory" / name).chmod(0o640)
         self.assert_check(self.doctor("cursor"), "store.personal", "warn",
-                          f"{store}/memory/one.md and 2 more are open to other users")
+                          f"{store} and 3 more are open to other users")
+        store.chmod(0o700)  # now no other user can reach the files in it
+        self.assert_check(self.doctor("cursor"), "store.personal", "ok")
+        store.chmod(0o755)
         subprocess.run(["/bin/sh", "-c", f"chmod -R go= {store}"], check=True)
         self.assert_check(self.doctor("cursor"), "store.personal", "ok")
 

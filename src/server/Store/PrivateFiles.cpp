@@ -10,6 +10,12 @@ namespace quillstead::server::PrivateFiles {
 
 namespace {
 
+/// True when others can reach what is in the directory `path`.
+bool isEnterable(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && (status.st_mode & (S_IXGRP | S_IXOTH)) != 0;
+}
+
 void addWhenWide(const std::string& path, std::vector<Wide>& wide) {
   constexpr mode_t permissions = 07777;
   constexpr mode_t ofOthers = S_IRWXG | S_IRWXO;
@@ -26,10 +32,12 @@ std::vector<Wide> widerThanPrivate(const Store& personal) {
   std::vector<Wide> wide;
   const std::string memory = personal.root + "/memory";
   addWhenWide(personal.root, wide);
+  if (!isEnterable(personal.root)) return wide;
   addWhenWide(memory, wide);
   addWhenWide(personal.root + "/rules.md", wide);
   addWhenWide(personal.root + "/trusted", wide);
 
+  if (!isEnterable(memory)) return wide;
   std::vector<std::string> cards;
   StoreFiles::forEachCardName(StoreFiles::openCards(personal),
                               [&](const char* name) { cards.emplace_back(memory + '/' + name); });

@@ -15,9 +15,9 @@ struct Wide {
   mode_t mode;  ///< its permissions
 };
 
-/// What others may read or write in the store: its directory, `memory`, `rules.md`, `trusted` and
-/// the cards, in this order. Symbolic links are left out. The server never changes the mode of a
-/// file that it did not create.
+/// What others can read or write in the store: its directory, `memory`, `rules.md`, `trusted` and
+/// the cards, in this order. Files in a directory that others cannot enter are left out, and so are
+/// symbolic links. The server never changes the mode of a file that it did not create.
 std::vector<Wide> widerThanPrivate(const Store& personal);
 
 }  // namespace quillstead::server::PrivateFiles

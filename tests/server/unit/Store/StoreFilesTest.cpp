@@ -171,15 +171,22 @@ TEST_F(StoreFilesTest, TellsWhatOfThePersonalStoreOthersMayRead) {
   const auto only = [&](const char* name, fs::perms mode) {
     fs::permissions(directory / "store" + std::string(name), mode);
   };
-  only("", fs::perms::owner_all);
+  only("", static_cast<fs::perms>(0710));
   only("/memory", static_cast<fs::perms>(0750));
   only("/memory/a.md", static_cast<fs::perms>(0600));
   only("/memory/b.md", static_cast<fs::perms>(0644));
   const auto wide = PrivateFiles::widerThanPrivate(personal);
-  ASSERT_EQ(wide.size(), 2U);
-  EXPECT_EQ(wide.front().path, directory / "store/memory");
-  EXPECT_EQ(wide.front().mode, 0750U);
-  EXPECT_EQ(wide.back().path, directory / "store/memory/b.md");
+  ASSERT_EQ(wide.size(), 3U);
+  EXPECT_EQ(wide[0].path, directory / "store");
+  EXPECT_EQ(wide[1].path, directory / "store/memory");
+  EXPECT_EQ(wide[1].mode, 0750U);
+  EXPECT_EQ(wide[2].path, directory / "store/memory/b.md");
+
+  only("/memory", fs::perms::owner_all);
+  EXPECT_EQ(PrivateFiles::widerThanPrivate(personal).size(), 1U) << "no way to the cards";
+  only("", fs::perms::owner_all);
+  only("/memory", static_cast<fs::perms>(0755));
+  EXPECT_TRUE(PrivateFiles::widerThanPrivate(personal).empty()) << "no way into the store";
 }
 
 TEST_F(StoreFilesTest, FollowsLinksWithinTheStoreOnly) {
