@@ -31,9 +31,9 @@ class Reader {
     app_.set_version_flag("--version", "quillstead " QUILLSTEAD_VERSION, "Print the version");
     addSetup("install", "Set up your coding agents", Direction::install)
         .footer(
-            "Without a harness: all that are there. Only what has to change in their settings "
+            "Without a harness: all that you have. Only what has to change in their settings "
             "does, and uninstall gives them back as they were.");
-    addSetup("uninstall", "Take out of your coding agents what install set up",
+    addSetup("uninstall", "Remove what install set up from your coding agents",
              Direction::uninstall);
     addDoctor();
     addLog();
@@ -85,7 +85,7 @@ class Reader {
     options->direction = direction;
     const std::vector<std::string> harnesses(Harnesses::names.begin(), Harnesses::names.end());
     command
-        .add_option("harness", options->harnesses, "The harnesses; without one, all that are there")
+        .add_option("harness", options->harnesses, "The harnesses; without one, all that you have")
         ->type_name("HARNESS")
         ->check(CLI::IsMember(harnesses));
     command.add_flag("--dry-run", options->isDryRun, "Print what would change, and write nothing");
@@ -94,9 +94,9 @@ class Reader {
 
   void addDoctor() {
     const auto [command, options] =
-        add<Doctor::Options>("doctor", "Say what works, what does not, and what to do about it");
+        add<Doctor::Options>("doctor", "Check what works, and say what to do about the rest");
     command
-        .add_option("harness", options->harnesses, "The harnesses; without one, all that are there")
+        .add_option("harness", options->harnesses, "The harnesses; without one, all that you have")
         ->type_name("HARNESS")
         ->check(CLI::IsMember(harnessNames()));
     command.add_flag("--json", options->json, "Print one JSON object");
@@ -106,8 +106,10 @@ class Reader {
   }
 
   void addLog() {
-    const auto [command, options] = add<Log::Options>("log", "Show what the hook's log comes to");
-    command.add_option("--since", options->since, "Only the prompts of that time, as 7d or 12h")
+    const auto [command, options] = add<Log::Options>("log", "Sum up the hook's log");
+    command
+        .add_option("--since", options->since,
+                    "Only prompts of this long ago or less, such as 7d or 12h")
         ->type_name("AGE")
         ->check([](const std::string& text) {
           return Log::age(text) ? "" : "\"" + text + "\" is not a number with s, m, h, d or w";
@@ -130,14 +132,14 @@ class Reader {
     command.add_option("prompt", options->prompt, "The prompt, in one or more words")
         ->type_name("PROMPT")
         ->required();
-    command.add_option("--harness", options->harness, "The harness that is to get it")
+    command.add_option("--harness", options->harness, "The harness that would get it")
         ->type_name("HARNESS")
         ->check(CLI::IsMember(harnessNames()));
-    command.add_option("--cwd", options->directory, "The directory that the agent works in")
+    command.add_option("--cwd", options->directory, "The agent's working directory")
         ->type_name("DIR");
     command.add_flag("--json", options->json, "Print one JSON object");
     command.footer(
-        "The hook is run as the harness would run it, but for no session, and it leaves no line in "
+        "The hook runs as the harness would run it, but without a session, and writes no line to "
         "its log. Without --harness it is run for claude-code.");
   }
 
@@ -148,13 +150,13 @@ class Reader {
 
   void addTrust() {
     const auto [command, options] =
-        add<Trust::Options>("trust", "Let a project's memory speak to your agent");
+        add<Trust::Options>("trust", "Let a project's memory reach your agent");
     auto* const directory =
         command.add_option("directory", options->directory,
                            "The project, or one above it; without it, the project that you are in");
     directory->type_name("DIR");
     auto* const list = command.add_flag("--list", options->list, "Print what you trust");
-    auto* const revoke = command.add_flag("--revoke", options->revoke, "Trust it no longer");
+    auto* const revoke = command.add_flag("--revoke", options->revoke, "Stop trusting it");
     list->excludes(directory)->excludes(revoke);
     command.footer(
         "A project's rules and cards come from whoever wrote to it. They reach your agent only "
@@ -163,9 +165,9 @@ class Reader {
   }
 
   void addInit() {
-    const auto [command, options] = add<Init::Options>("init", "Make the place for your memory");
+    const auto [command, options] = add<Init::Options>("init", "Create your memory store");
     command.add_flag("--project", options->project,
-                     "Make that of the project you are in, and trust it");
+                     "Create that of the project you are in, and trust it");
   }
 
   void addTexts() {

@@ -27,7 +27,7 @@ int make(const std::string& root, PersonalStore::Audience audience, const Contex
     case PersonalStore::Outcome::failed:
       break;
   }
-  context.console.complain(root + ": cannot be made");
+  context.console.complain(root + ": cannot be created");
   return EXIT_FAILURE;
 }
 

@@ -58,7 +58,7 @@ bool makePlaces(const Context& context, const Programs& programs) {
   if (programs.log == programs.installedLog &&
       !OS::makeDirectories(context.places.stateDirectory, onlyForTheUser)) {
     context.console.complain(context.places.stateDirectory +
-                             ": cannot be made, so there is no log");
+                             ": cannot be created, so there is no log");
     isDone = false;
   }
   switch (PersonalStore::make(store)) {
@@ -69,7 +69,7 @@ bool makePlaces(const Context& context, const Programs& programs) {
       context.console.print("\nYour memory is in " + store + ".\n");
       break;
     case PersonalStore::Outcome::failed:
-      context.console.complain(store + ": cannot be made");
+      context.console.complain(store + ": cannot be created");
       isDone = false;
   }
   return isDone;

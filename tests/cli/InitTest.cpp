@@ -58,7 +58,7 @@ TEST(Init, SaysWhenThereIsNoPlace) {
   home.write(".quillstead", "a file");
   const auto end = home.run({"init"});
   EXPECT_EQ(end.status, 1);
-  EXPECT_THAT(end.error, HasSubstr(home.path(".quillstead") + ": cannot be made"));
+  EXPECT_THAT(end.error, HasSubstr(home.path(".quillstead") + ": cannot be created"));
 }
 
 }  // namespace

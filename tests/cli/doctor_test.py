@@ -176,7 +176,7 @@ class DoctorTest(unittest.TestCase):
 
     def test_missing_hanging_and_babbling_servers(self):
         self.install()
-        for text, words in [("#!/bin/sh\necho Welcome; exec cat >/dev/null\n", "something else than MCP: Welcome"),
+        for text, words in [("#!/bin/sh\necho Welcome; exec cat >/dev/null\n", "something other than MCP: Welcome"),
                             ("#!/bin/sh\nexit 3\n", "ends with status 3"),
                             ("#!/bin/sh\necho boom >&2; exit 3\n", "saying: boom"),
                             ("#!/bin/sh\ncat >/dev/null\n", "says nothing"),
@@ -227,7 +227,7 @@ class DoctorTest(unittest.TestCase):
     def test_an_entry_by_way_of_another_program(self):
         (self.home / ".cursor/hooks.json").write_text(json.dumps({"version": 1, "hooks": {"beforeSubmitPrompt": [
             {"command": f"timeout 3 {self.bin}/quillstead-hook --harness cursor"}]}}))
-        self.assert_check(self.doctor("cursor"), "cursor.hooks", "fail", "by way of another program")
+        self.assert_check(self.doctor("cursor"), "cursor.hooks", "fail", "through another program")
 
     def test_entries_at_two_levels(self):
         self.install()
@@ -238,7 +238,7 @@ class DoctorTest(unittest.TestCase):
             shutil.copy(self.home / user, self.work / project)
         checks = self.doctor()
         for harness in ("codex", "cursor", "opencode"):
-            self.assert_check(checks, f"{harness}.double", "warn", str(self.work), "take ours out")
+            self.assert_check(checks, f"{harness}.double", "warn", str(self.work), "remove our entries")
         self.assert_check(checks, "claude-code.double", "ok")  # which runs what is the same once
         project = self.work / ".claude/settings.json"
         project.write_text(project.read_text().replace(str(self.bin), "/elsewhere"))
@@ -265,14 +265,14 @@ class DoctorTest(unittest.TestCase):
                 codex.chmod(0o755)
                 self.assert_check(self.doctor("codex"), "codex.trust", status, word)
         codex.write_text("#!/bin/sh\nexit 1\n")
-        self.assert_check(self.doctor("codex"), "codex.trust", "skip", "does not tell")
+        self.assert_check(self.doctor("codex"), "codex.trust", "skip", "does not say")
 
     def test_a_log_that_cannot_be_written(self):
         self.install()
         self.environment["QUILLSTEAD_HOOK_LOG"] = str(self.home)
         self.assert_check(self.doctor("cursor"), "log.file", "warn", "is no file")
         self.environment["QUILLSTEAD_HOOK_LOG"] = str(self.home / "no/such/directory/log")
-        self.assert_check(self.doctor("cursor"), "log.file", "warn", "cannot be made")
+        self.assert_check(self.doctor("cursor"), "log.file", "warn", "cannot be created")
         self.environment["QUILLSTEAD_HOOK_LOG"] = ""
         self.assert_check(self.doctor("cursor"), "log.file", "skip", "switched off")
         if os.geteuid() != 0:
@@ -408,10 +408,10 @@ command = "%(hook)s --harness codex --slot pretool --decision allow"
         config, hooks = self.home / ".codex/config.toml", self.home / ".codex/hooks.json"
         with open(config, "a", encoding="utf-8") as file:
             file.write(self.IN_CONFIG % {"hook": self.bin / "quillstead-hook"})
-        self.assert_check(self.doctor("codex"), "codex.double", "warn", str(config), "take ours out")
+        self.assert_check(self.doctor("codex"), "codex.double", "warn", str(config), "remove our entries")
         hooks.unlink()
         checks = self.doctor("codex")
-        self.assert_check(checks, "codex.hooks", "warn", str(config), "take them out", "quillstead install codex")
+        self.assert_check(checks, "codex.hooks", "warn", str(config), "remove them", "quillstead install codex")
         self.assert_check(checks, "codex.run", "ok", "2 commands answered")
         self.assert_check(checks, "codex.double", "ok")
         config.write_text(config.read_text().partition("[[hooks.PreToolUse]]")[0])
@@ -492,12 +492,12 @@ command = "%(hook)s --harness codex --slot pretool --decision allow"
              "claude-code.run", "warn", "version 0.9.0", "quillstead install claude-code"),
             ("server missing", server.unlink, "server.start", "FAIL", "cannot be started", "put quillstead-mcp back"),
             ("server hanging", lambda: self.write_program(server.name, "#!/bin/sh\nsleep 60\n"), "server.start", "FAIL", "hangs", "put quillstead-mcp back"),
-            ("server babbling", lambda: self.write_program(server.name, "#!/bin/sh\necho Hi; cat >/dev/null\n"), "server.start", "FAIL", "something else than MCP: Hi", "put quillstead-mcp back"),
+            ("server babbling", lambda: self.write_program(server.name, "#!/bin/sh\necho Hi; cat >/dev/null\n"), "server.start", "FAIL", "something other than MCP: Hi", "put quillstead-mcp back"),
             ("entries missing", lambda: claude.write_text("{}"), "claude-code.hooks", "FAIL", "no hooks of ours", "quillstead install claude-code"),
             ("entries old", lambda: replace(codex, "--slot pretool --decision", "--slot=pretool --decision"), "codex.hooks", "warn", "not up to date", "quillstead install codex"),
-            ("doubled at two levels", lambda: copy_to_project(cursor), "cursor.double", "warn", "as well", "take ours out of"),
+            ("doubled at two levels", lambda: copy_to_project(cursor), "cursor.double", "warn", "our entries too", "remove our entries"),
             ("Codex not trusting", untrusting_codex, "codex.trust", "FAIL", "not reviewed", "start codex once"),
-            ("log not writable", lambda: log.mkdir(), "log.file", "warn", "is no file", "take it away"),
+            ("log not writable", lambda: log.mkdir(), "log.file", "warn", "is no file", "remove it"),
             ("prompts timing out", lambda: log.write_text(late * 9), "log.recent", "warn", "9 of the last 9 prompts timed out", "quillstead log"),
             ("rules too long", lambda: (self.home / ".quillstead/rules.md").write_text("- A rule of some length.\n" * 360),
              "store.personal", "warn", "cursor takes 8,000", "shorten rules.md"),

@@ -82,19 +82,19 @@ Check run(const Context& context, std::chrono::milliseconds limit) {
        .limit = limit,
        .isEnough = [](std::string_view output) { return answerIn(output).has_value(); }});
   const auto answer = answerIn(end.output);
-  if (!answer) return skipped(id, "this codex does not tell which hooks it trusts");
+  if (!answer) return skipped(id, "this version of codex does not say which hooks it trusts");
 
   const Known known = knownIn(*answer);
   const std::string review = "start codex once, and review the hooks with /hooks";
   Findings findings;
   if (known.hooks == 0) {
-    findings.fail("codex knows no hooks of ours", "quillstead install codex");
+    findings.fail("codex has none of our hooks", "quillstead install codex");
   } else if (known.untrusted > 0) {
     findings.fail("codex does not run " + std::to_string(known.untrusted) + " of " +
                       std::to_string(known.hooks) + " hooks of ours: they are not reviewed",
                   review);
   }
-  if (known.disabled > 0) findings.fail("hooks of ours are switched off in codex", review);
+  if (known.disabled > 0) findings.fail("some of our hooks are switched off in codex", review);
   return findings.check(id, "codex trusts the " + std::to_string(known.hooks) + " hooks of ours");
 }
 

@@ -30,7 +30,7 @@ Compared compare(const Harnesses::Target& target, const std::string& what, bool 
   Compared compared;
   const auto read = ConfigFile::read(target.path);
   if (const auto* const problem = std::get_if<ConfigFile::Problem>(&read)) {
-    compared.findings.fail(target.path + " " + problem->what, "see to the file");
+    compared.findings.fail(target.path + " " + problem->what, "correct the file");
     return compared;
   }
   compared.text = std::get<ConfigFile::Content>(read).bytes;
@@ -73,7 +73,7 @@ void findMissing(const ConfiguredHooks& configured, Findings& findings, const st
     (hook.isPretool() ? answersTools : answersPrompts) = true;
   }
   if (configured.hasForeignWays) {
-    findings.warn("one entry runs the hook by way of another program, and is left as it is", "");
+    findings.warn("one entry runs the hook through another program, and is left as it is", "");
     return;
   }
   if (configured.hooks.empty()) return;  // told already
@@ -142,8 +142,8 @@ Check doubled(const std::string& harness, const std::string& path, const Configu
         });
     seen.insert(seen.end(), others.begin(), others.end());
     if (!comesTwice) continue;
-    findings.warn(file + " has entries of ours as well, so memory comes twice",
-                  "take ours out of " + file);
+    findings.warn(file + " has our entries too, so memory comes twice",
+                  "remove our entries from " + file);
   }
   return findings.check(harness + ".double", "each entry is there once");
 }
@@ -156,8 +156,8 @@ ConfiguredHooks hooksOfUserElsewhere(const std::string& harness, const Context& 
 
 Findings leftToUser(const Harnesses::Target& target) {
   Findings findings;
-  findings.warn(target.path + " has our hooks, and install cannot bring them up to date there",
-                "take them out of it, then: " + installFor(std::string(target.harness)));
+  findings.warn(target.path + " has our hooks, which install cannot update there",
+                "remove them from it, then: " + installFor(std::string(target.harness)));
   return findings;
 }
 
@@ -172,8 +172,8 @@ void findTwoHomes(const std::string& harness, Compared& server, const Configured
   const auto named = [](const std::string& home) { return home.empty() ? "nothing" : home; };
   server.findings.warn("QUILLSTEAD_HOME is " + named(ofHooks) + " for the hook and " +
                            named(ofServer) +
-                           " for the server: what the agent notes is not recalled",
-                       "set it to the same for both, or for neither");
+                           " for the server: what the agent saves is not recalled",
+                       "set it to the same value for both, or for neither");
 }
 
 }  // namespace

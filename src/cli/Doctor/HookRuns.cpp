@@ -73,7 +73,7 @@ class Tries {
     } else if (!hook.isPretool() && !trial.isReadable) {
       findings.fail(hook.event + ": the answer is not what the harness takes: " +
                         Wording::plain(Text::trimmed(trial.end.output)).substr(0, 60),
-                    "nothing that the shell's profile prints may come with it; then: " + fix_);
+                    "keep the shell's profile from printing anything, then: " + fix_);
     } else {
       findMisses(trial);
     }

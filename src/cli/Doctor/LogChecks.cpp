@@ -82,16 +82,16 @@ Check file(const Context& context, const std::optional<std::string>& named) {
   struct stat status {};
   const bool isThere = stat(path.c_str(), &status) == 0;
   if (isThere && !S_ISREG(status.st_mode)) {
-    findings.warn(path + " is no file, so nothing is logged", "take it away");
+    findings.warn(path + " is no file, so nothing is logged", "remove it");
   } else if (isThere && access(path.c_str(), W_OK) != 0) {
     const bool isOurs = status.st_uid == geteuid();
     findings.warn(path + " cannot be written, so nothing is logged",
-                  isOurs ? "chmod u+w " + path : "it belongs to another user: take it away");
+                  isOurs ? "chmod u+w " + path : "it belongs to another user: remove it");
   } else if (!isThere && access(directory.empty() ? "." : directory.c_str(), W_OK) != 0) {
-    findings.warn(path + " cannot be made, so nothing is logged", "mkdir -p " + directory);
+    findings.warn(path + " cannot be created, so nothing is logged", "mkdir -p " + directory);
   }
   return findings.check("log.file", isThere ? path + ": " + Wording::counted(status.st_size, "byte")
-                                            : path + ": is made at the first prompt");
+                                            : path + ": will be created at the first prompt");
 }
 
 Check recent(const Context& context, const std::optional<std::string>& named) {
@@ -123,8 +123,8 @@ Check recent(const Context& context, const std::optional<std::string>& named) {
                       Wording::counted(recent.prompts, "prompt") + what,
                   fix);
   }
-  return findings.check(
-      "log.recent", "nothing was missed in the last " + Wording::counted(recent.prompts, "prompt"));
+  return findings.check("log.recent", "nothing was missing in the last " +
+                                          Wording::counted(recent.prompts, "prompt"));
 }
 
 }  // namespace quillstead::cli::LogChecks

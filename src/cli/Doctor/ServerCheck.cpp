@@ -97,7 +97,8 @@ void findFlaws(const ChildEnd& end, Findings& findings, const std::string& fix) 
                   fix);
   } else if (answers.result(handshake).empty()) {
     const std::string said = firstLine(end.output);
-    findings.fail(said.empty() ? "says nothing" : "says something else than MCP: " + said, fix);
+    findings.fail(said.empty() ? "says nothing" : "answers with something other than MCP: " + said,
+                  fix);
   } else if (answers.result(rules).find("isError").boolean().value_or(false)) {
     findings.fail("cannot tell the rules", fix);
   } else {

@@ -54,7 +54,7 @@ void findLeftOut(const Store& store, const Cards& cards, Findings& findings) {
   for (const auto& [name, reason] : cards.leftOut) {
     if (++told > most) break;
     findings.warn("the card " + Wording::plain(name) + " is left out: " + std::string(reason),
-                  "correct the card, or take it away");
+                  "correct the card, or remove it");
   }
   if (cards.leftOut.size() > most) {
     findings.warn("and so are " + std::to_string(cards.leftOut.size() - most) + " more", "");

@@ -79,7 +79,7 @@ std::optional<JSONC::Complaint> ours(const std::string& content) {
   return JSONC::Complaint{.line = place.line,
                           .column = place.column,
                           .what =
-                              "this runs our hook, and is left to you. Take it out, then: "
+                              "this runs our hook, and install does not edit it. Remove it, then: "
                               "quillstead install codex"};
 }
 

@@ -78,7 +78,8 @@ FileChanges::Attempt FileChanges::write(const Harnesses::Target& target,
                                         std::string_view word) {
   if (!lock_.isOpen()) {
     if (!lock()) {
-      return leaveAlone(target, "", context_.places.stateDirectory + " cannot be made for a copy");
+      return leaveAlone(target, "",
+                        context_.places.stateDirectory + " cannot be created for a copy");
     }
     return Attempt::again;  // another run may have changed the file while this one waited
   }
