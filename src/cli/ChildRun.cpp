@@ -22,7 +22,7 @@ using Clock = OS::MonotonicClock;
 
 constexpr std::size_t mostKept = std::size_t{8} * 1024 * 1024;  ///< bytes of a stream
 
-/// What a program is started with, made and destroyed as the system wants it.
+/// The system's description of how to start a program.
 class SpawnPlan {
  public:
   SpawnPlan() {
@@ -76,7 +76,7 @@ class SpawnPlan {
   posix_spawnattr_t attributes_{};
 };
 
-/// One started program, until it has ended.
+/// A running child process.
 class Running {
  public:
   Running(const ChildStart& start, pid_t process, OS::Descriptor input, OS::Descriptor output,
@@ -128,7 +128,7 @@ class Running {
     return std::move(end_);
   }
 
-  /// Reads what is there already.
+  /// Reads what is available without waiting.
   void drain() {
     constexpr int most = 1'000;  // of reads: whoever else has the stream may write for ever
     for (int reads = 0; reads < most && read(output_, end_.output); ++reads) {
@@ -159,7 +159,7 @@ class Running {
     if (isOver || (written_ == start_.input.size() && !start_.isEnough)) input_.close();
   }
 
-  /// Reads once; false when there was nothing, or the stream has ended and was closed.
+  /// Reads once. False when nothing was available, or the stream ended and was closed.
   static bool read(OS::Descriptor& stream, std::string& kept) {
     if (!stream.isOpen()) return false;
     std::array<char, 65'536> buffer;

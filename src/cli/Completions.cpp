@@ -11,8 +11,7 @@ namespace quillstead::cli::Completions {
 
 namespace {
 
-/// `text` in single quotes, for all three shells: no text of ours has one in it but as an
-/// apostrophe.
+/// `text` in single quotes, for all three shells. Our texts contain a quote only as an apostrophe.
 std::string quoted(std::string_view text) {
   std::string word = "'";
   for (const char character : text) {
@@ -34,7 +33,7 @@ std::vector<std::string> namesOf(const std::vector<CommandText>& commands) {
   return names;
 }
 
-/// All that can stand on the command line of a command, but for paths.
+/// All words that a command accepts, except paths.
 std::vector<std::string> wordsOf(const CommandText& command) {
   std::vector<std::string> words;
   for (const OptionText& word : command.words) {
@@ -108,7 +107,7 @@ std::string bash(const ProgramText& program) {
 
 // --- zsh
 
-/// `text` as it stands in a specification of `_arguments`.
+/// `text`, escaped for a specification of `_arguments`.
 std::string inSpecification(std::string_view text) {
   std::string safe;
   for (const char character : text) {

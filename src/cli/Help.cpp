@@ -15,7 +15,7 @@ struct Row {
   std::string right;
 };
 
-/// `text` in lines that are at most `width` wide, each behind `indent` blanks but the first.
+/// `text` wrapped to `width`. Every line but the first is indented by `indent` spaces.
 std::string filled(std::string_view text, std::size_t indent, std::size_t width) {
   std::string lines;
   std::size_t column = 0;

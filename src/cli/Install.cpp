@@ -19,7 +19,7 @@ namespace quillstead::cli::Install {
 
 namespace {
 
-/// Whether our programs are where the harnesses will look for them; complains when not.
+/// True when our programs are where the harnesses will look for them; complains when not.
 bool areProgramsThere(const Context& context) {
   for (const std::string& path : {context.places.hook, context.places.server}) {
     if (access(path.c_str(), X_OK) != 0) {
@@ -50,7 +50,7 @@ void tellWhatIsLeft(const std::vector<std::string>& harnesses, const Context& co
   }
 }
 
-/// Makes the place for memory and the log's directory; complains when they cannot be made.
+/// Creates the memory store and the log's directory; complains when it cannot.
 bool makePlaces(const Context& context, const Programs& programs) {
   constexpr mode_t onlyForTheUser = 0700;
   const std::string& store = context.places.personalStore;

@@ -17,7 +17,7 @@ namespace {
 
 using Clock = std::chrono::system_clock;
 
-/// The earliest time that counts.
+/// The earliest time that is included.
 LogLine::Time beginning(const Options& options) {
   const auto age = Log::age(options.since);
   if (!age) return LogLine::Time::min();

@@ -11,14 +11,14 @@ namespace quillstead::cli {
 
 namespace {
 
-/// The value of a variable that says something.
+/// The value of a variable; absent when it is unset or empty.
 std::optional<std::string> chosen(const OS::Environment& environment, std::string_view name) {
   const auto value = environment.value(name);
   if (!value || value->empty()) return std::nullopt;
   return std::string(*value);
 }
 
-/// A base directory by the XDG rules, which have a relative path count as none.
+/// A base directory by the XDG rules: a relative path counts as unset.
 std::string baseDirectory(const OS::Environment& environment, std::string_view name,
                           const std::string& byDefault) {
   const auto value = environment.value(name);

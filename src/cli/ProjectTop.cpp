@@ -9,7 +9,7 @@ namespace quillstead::cli::ProjectTop {
 
 namespace {
 
-/// The nearest directory from the current one upwards for which the question is answered with yes.
+/// The nearest directory, from the current one upwards, for which the predicate is true.
 template <typename Question>
 std::optional<std::string> nearest(Question isIt) {
   std::optional<std::string> own = OS::canonicalPath(".");

@@ -28,7 +28,7 @@ void removeMadeDirectories(std::string_view harness, const Context& context) {
   }
 }
 
-/// What stays on the disk, since it is the user's.
+/// The user's files that stay on the disk.
 void tellWhatStays(const Context& context) {
   std::string text;
   for (const std::string& path :

@@ -30,7 +30,7 @@ std::string requests(const std::string& directory) {
          "\n";
 }
 
-/// The answer to the list request among what was written.
+/// The response to the list request, from the program's output.
 std::optional<JSON::Document> answerIn(std::string_view output) {
   while (!output.empty()) {
     const std::size_t end = output.find('\n');

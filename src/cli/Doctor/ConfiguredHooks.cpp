@@ -18,7 +18,7 @@ using JSONC::Node;
 
 constexpr std::string_view programName = "quillstead-hook";
 
-/// How a harness starts a line of shell text.
+/// How a harness runs a shell command.
 std::vector<std::string> shellFor(std::string_view harness, const std::string& text,
                                   const OS::Environment& environment) {
   const std::string_view own = environment.value("SHELL").value_or("");
@@ -28,7 +28,7 @@ std::vector<std::string> shellFor(std::string_view harness, const std::string& t
   return {"/bin/sh", "-c", text};
 }
 
-/// The line without the log that it names, so that trying it out leaves none of ours there.
+/// The command without its log variable, so that a trial run leaves no line in the user's log.
 std::string withoutLog(const std::string& text) {
   constexpr std::string_view log = "QUILLSTEAD_HOOK_LOG='";
   const std::size_t end = text.starts_with(log) ? text.find('\'', log.size()) : std::string::npos;

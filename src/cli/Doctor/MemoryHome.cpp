@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view variable = "QUILLSTEAD_HOME";
 
-/// The value behind an equals sign: in quotes, or up to a blank.
+/// The value after an equals sign: in quotes, or up to a space.
 std::string valueAt(std::string_view text) {
   while (text.starts_with(' ')) text.remove_prefix(1);
   if (text.empty()) return {};
@@ -21,7 +21,7 @@ std::string valueAt(std::string_view text) {
   return std::string(text.substr(1, text.find(text.front(), 1) - 1));
 }
 
-/// What a text sets the variable to, "NAME=value" or "NAME = value"; absent when it does not.
+/// The value of the variable in "NAME=value" or "NAME = value"; absent when `text` does not set it.
 std::optional<std::string> setIn(std::string_view text) {
   for (std::size_t at = text.find(variable); at != std::string_view::npos;
        at = text.find(variable, at + 1)) {
@@ -39,7 +39,7 @@ std::string elsewhere(const ConfiguredHooks& configured, const OS::Environment& 
   return std::string(environment.value(variable).value_or(""));
 }
 
-/// What a server's entry in JSON settings sets it to.
+/// The value in a server's entry in JSON settings.
 std::optional<std::string> setInEntry(std::string_view harness, const std::string& content) {
   const auto document = JSONC::Document::read(content);
   const auto* const taken = std::get_if<JSONC::Document>(&document);
@@ -68,7 +68,7 @@ std::string ofServer(std::string_view harness, const std::optional<std::string>&
   const std::string text = content.value_or("");
   if (harness == "codex") {
     if (const auto value = setIn(text)) return *value;
-    // Codex hands on only the variables that the entry names.
+    // Codex passes on only the variables that the entry names.
     const bool isHandedOn = text.find(variable) != std::string::npos;
     return isHandedOn ? elsewhere(configured, environment) : std::string();
   }

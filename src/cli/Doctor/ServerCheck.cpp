@@ -37,7 +37,7 @@ class Answers {
     }
   }
 
-  /// The result of the request of that number; empty when there is none.
+  /// The result of the request with that id; empty when there is none.
   [[nodiscard]] JSON::ObjectView result(int id) const {
     for (const JSON::Document& document : documents_) {
       const auto number = document.object().find("id").number();
@@ -48,7 +48,7 @@ class Answers {
     return {};
   }
 
-  /// Whether all answers to the requests are there.
+  /// True when all requests were answered.
   [[nodiscard]] bool areComplete() const {
     return !result(handshake).empty() && !result(toolList).empty() && !result(rules).empty();
   }
@@ -70,7 +70,7 @@ std::string firstLine(std::string_view text) {
   return Wording::plain(trimmed.substr(0, std::min(trimmed.find('\n'), longest)));
 }
 
-/// Only ours has to be of our version.
+/// Only our own server must have our version.
 void findOtherVersion(const Answers& answers, Findings& findings) {
   const auto server = answers.result(handshake).find("serverInfo").object();
   if (!server || server->find("name").string() != "quillstead-mcp") return;

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view key = "hooks";
 
-/// What hooks are made of: tables, arrays, strings, numbers and truth values.
+/// The types that occur in hooks: tables, arrays, strings, numbers and booleans.
 JSON::Value valueOf(const toml::node& node) {
   if (const auto* const table = node.as_table()) {
     JSON::Object object;

@@ -32,7 +32,7 @@ std::string variablesText() {
   return text + "]";
 }
 
-/// A text of lines, and where in it they are.
+/// A text and the positions of its lines.
 class Lines {
  public:
   explicit Lines(std::string text) : text_(std::move(text)) {
@@ -46,7 +46,7 @@ class Lines {
   [[nodiscard]] const std::string& text() const { return text_; }
   [[nodiscard]] std::size_t count() const { return begins_.size(); }
 
-  /// Lines count from 1; the one behind the last begins at the end.
+  /// Lines count from 1. The line after the last one begins at the end.
   [[nodiscard]] std::size_t begin(std::size_t line) const {
     return line > begins_.size() ? text_.size() : begins_[line - 1];
   }
@@ -55,7 +55,7 @@ class Lines {
     return std::string_view(text_).substr(begin(number), begin(number + 1) - begin(number));
   }
 
-  /// The place in bytes. Columns count characters.
+  /// The position in bytes. Columns count characters.
   [[nodiscard]] std::size_t place(const toml::source_position& position) const {
     std::size_t place = begin(position.line);
     for (std::size_t column = 1; column < position.column && place < text_.size(); ++column) {
@@ -71,7 +71,7 @@ class Lines {
   std::vector<std::size_t> begins_;
 };
 
-/// A file that was read.
+/// A parsed file.
 struct Config {
   Lines lines;
   toml::table root;
@@ -104,7 +104,7 @@ std::variant<Config, Complaint> read(std::string text) {
   return config;
 }
 
-/// All but our entry, and the table that holds it when that holds nothing else.
+/// Everything except our entry, and except its table when it has no other entry.
 toml::table others(toml::table root) {
   if (auto* servers = root.get_as<toml::table>("mcp_servers")) {
     servers->erase("quillstead");
@@ -120,7 +120,7 @@ Complaint byHand(const Config& config, std::string_view what) {
   return complaintAt(node == nullptr ? top : node->source().begin, what);
 }
 
-/// Whether `after` is what `before` was, but for our entry.
+/// True when `after` differs from `before` only in our entry.
 bool keepsOthers(const Config& before, const Config& after) {
   return others(before.root) == others(after.root);
 }
@@ -130,7 +130,7 @@ std::string tableText(const std::string& lineEnd, const std::string& server) {
          "env_vars = " + variablesText() + lineEnd;
 }
 
-/// The variables that are passed on, with those of ours among them.
+/// The variables to pass on, including ours.
 void updateVariables(const Config& config, const toml::array& list, std::string& text) {
   std::string missing;
   for (const std::string_view name : variables) {
@@ -143,7 +143,7 @@ void updateVariables(const Config& config, const toml::array& list, std::string&
   text.insert(place, missing);
 }
 
-/// Adds the variables behind the program: on a line of their own, written as the program's is, or
+/// Adds the variables after the program: on a line of their own, formatted like the program's, or
 /// in the same braces.
 void addVariables(const Config& config, const toml::table& entry, std::string& text) {
   const toml::node& program = *entry.get("command");
@@ -163,7 +163,7 @@ void addVariables(const Config& config, const toml::table& entry, std::string& t
                         (isCut ? "" : lineEnd));
 }
 
-/// The text with the entry that is there brought up to date.
+/// The text with the existing entry updated.
 std::string updated(const Config& config, const std::string& server) {
   std::string text = config.lines.text();
   const auto& program = *config.program();
@@ -171,7 +171,7 @@ std::string updated(const Config& config, const std::string& server) {
   const std::size_t begin = config.lines.place(program.source().begin);
   const std::size_t end = config.lines.place(program.source().end);
 
-  // What is behind in the text first, so that places stay what they are.
+  // From the end backwards, so that earlier positions stay valid.
   const toml::node* list = entry.get("env_vars");
   const bool isBefore = list != nullptr && config.lines.place(list->source().begin) < begin;
   const auto variablesToo = [&] {
@@ -209,7 +209,7 @@ void mark(const Lines& lines, const toml::node& node, std::size_t firstLine,
   for (const auto& [key, value] : *table) mark(lines, value, key.source().begin.line, marks);
 }
 
-/// The text without these lines, and without the line end that went before a table at the end.
+/// The text without these lines, and without the line end that was added before a table at the end.
 /// Absent when nothing is left of a file that was made with the table.
 std::optional<std::string> without(const Lines& lines, const std::vector<bool>& marks) {
   std::string text;

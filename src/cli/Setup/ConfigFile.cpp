@@ -56,7 +56,7 @@ Problem problem(OS::NoContent reason) {
   return {"cannot be read"};
 }
 
-/// Where the file lies; absent when the path is a link that leads nowhere.
+/// The file's real path; absent when the path is a link that leads nowhere.
 std::optional<std::string> realPath(const std::string& path) {
   if (auto real = OS::canonicalPath(path)) return real;
   struct stat status {};
@@ -75,7 +75,7 @@ std::variant<std::string, OS::NoContent> bytesOf(const std::string& path) {
   return std::move(std::get<OS::FileContent>(content).bytes);
 }
 
-/// Whether the file is what it was when it was read.
+/// True when the file has not changed since it was read.
 bool isAsItWas(const Content& before) {
   const auto now = bytesOf(before.path);
   if (const auto* none = std::get_if<OS::NoContent>(&now)) {
@@ -84,8 +84,8 @@ bool isAsItWas(const Content& before) {
   return std::get<std::string>(now) == before.bytes;
 }
 
-/// A new file beside others, which goes away unless it gets the name that it is made for. Where the
-/// system lets it, it has no name before.
+/// A new file that disappears unless it gets its final name. Where the system supports it, it has
+/// no name until then.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const OS::Descriptor& directory) : directory_(directory) {
@@ -103,7 +103,7 @@ class TemporaryFile {
     if (isNamed_) unlinkat(directory_.number(), name_.c_str(), 0);
   }
 
-  /// False, with errno, when that failed. `like`: whose mode and owner it gets; may be null.
+  /// False, with errno set, on failure. `like`: the file whose mode and owner it gets; may be null.
   bool write(std::string_view bytes, const struct stat* like) {
     if (!file_.isOpen() || !OS::writeAll(file_.number(), bytes)) return false;
     if (like != nullptr) {
@@ -114,7 +114,7 @@ class TemporaryFile {
     return fsync(file_.number()) == 0;
   }
 
-  /// Gives 0 or the error number. A name that is taken is taken over only when `isReplacing`.
+  /// Returns 0 or the error number. An existing file is replaced only when `isReplacing`.
   int rename(const std::string& name, bool isReplacing) {
     int error = 0;
     if (!isNamed_) {
@@ -159,7 +159,7 @@ std::variant<Written, Problem> removed(const Content& before) {
   return Written::done;
 }
 
-/// The process that a name of ours has in it.
+/// The process id in a name of ours.
 std::optional<pid_t> writerOf(std::string_view name) {
   if (!name.starts_with(temporaryPrefix)) return std::nullopt;
   name.remove_prefix(temporaryPrefix.size());

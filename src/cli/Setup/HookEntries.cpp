@@ -26,7 +26,7 @@ Path with(Path path, const Step& step) {
   return path;
 }
 
-/// A handler of ours that is there.
+/// An existing handler of ours.
 struct Found {
   std::string event;
   Path holder;  ///< the array that holds it
@@ -67,13 +67,13 @@ std::vector<Found> allOurs(const Document& document, const HookTable& table) {
   return found;
 }
 
-/// From the last one on, so that the places of the others stay as they are.
+/// The last first: removing in this order keeps the positions of the others valid.
 std::vector<Found> fromTheLast(std::vector<Found> found) {
   std::reverse(found.begin(), found.end());
   return found;
 }
 
-/// Whether the group that holds these handlers is of no use without those of ours.
+/// True when the group of these handlers is useless without ours.
 bool isGroupOurs(const Document& document, const Path& holder) {
   const Node& handlers = *document.at(holder);
   const Node& group = *document.at(std::span(holder).first(holder.size() - 1));
@@ -87,7 +87,7 @@ bool isGroupOurs(const Document& document, const Path& holder) {
          });
 }
 
-/// What goes with a handler: its group when that holds nothing else.
+/// What to remove with a handler: its group, when it has no other handler.
 Path pathOfRemoval(const Document& document, const HookTable& table, const Found& one) {
   const bool isGrouped = table.form != HookForm::shellHandlers;
   if (!isGrouped || document.at(one.holder)->items.size() > 1 ||
@@ -99,7 +99,7 @@ Path pathOfRemoval(const Document& document, const HookTable& table, const Found
   return group;
 }
 
-/// One event's handlers, on their way to what they are to be.
+/// Changes one event's handlers into the wanted ones.
 class Event {
  public:
   Event(const HookTable& table, const HookEvent& event, const Programs& programs)
@@ -124,7 +124,7 @@ class Event {
     return {.table = table_, .event = event_, .number = number, .programs = programs_};
   }
 
-  /// Which of the handlers that are there becomes which: first by their slots, then in their order.
+  /// Which existing handler becomes which wanted one: first by slot, then in order.
   void assign(const Document& document) {
     surplus_ = allOurs(document, table_);
     std::erase_if(surplus_, [this](const Found& one) { return one.event != event_.name; });

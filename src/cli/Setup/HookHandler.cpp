@@ -35,14 +35,14 @@ std::string joined(std::string text, const std::vector<std::string>& words) {
   return text;
 }
 
-/// The line of shell text that runs the hook.
+/// The shell command that runs the hook.
 std::string shellText(const std::string& assignments, const std::string& hook,
                       const std::vector<std::string>& arguments, bool isAlwaysQuoted) {
   return joined(assignments + (isAlwaysQuoted ? inSingleQuotes(hook) : quotedWhereNeeded(hook)),
                 arguments);
 }
 
-/// The assignments with the log among them, where the harness has no other way to name it.
+/// The assignments, with the log's where the harness has no other way to set it.
 std::string withLog(const std::string& assignments, bool setsLog, const Wanted& wanted) {
   const bool isNamed = wanted.table.form == HookForm::shellGroups && wanted.programs.log;
   if (!isNamed || setsLog) return assignments;
@@ -62,7 +62,7 @@ std::optional<std::vector<std::string>> stringsOf(const JSONC::Document& documen
   return strings;
 }
 
-/// Brings one that is written as a program with arguments up to date.
+/// Updates a handler that is written as a program with arguments.
 JSONC::Document updateProgramForm(JSONC::Document document, const JSONC::Path& path, const Run& run,
                                   const std::string& hook,
                                   const std::vector<std::string>& arguments) {

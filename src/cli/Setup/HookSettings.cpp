@@ -23,7 +23,7 @@ using JSONC::Step;
 const std::vector<std::string> logKeys{"env", "QUILLSTEAD_HOOK_LOG"};
 const std::vector<std::string> versionKeys{"version"};
 
-/// Reads the settings when they have the shape that the harness takes.
+/// Parses the settings, if they have a shape that the harness accepts.
 std::variant<Document, Complaint> read(const std::optional<std::string>& before,
                                        const HookTable& table) {
   auto document = SettingsText::read(before);
@@ -70,7 +70,7 @@ std::optional<Complaint> misshapenVersion(const Document& document) {
   return document.complaint(*version, "\"version\" is not a number");
 }
 
-/// Whether install wrote the version: a handler that it wrote then has its timeout first.
+/// True when install wrote the version. A handler from such a run has its timeout first.
 bool isVersionOurs(const Document& document) {
   const Node* version = document.at(Members::pathOf(versionKeys));
   const Node* handlers = document.at(std::vector<Step>{Step("hooks"), Step("beforeSubmitPrompt")});

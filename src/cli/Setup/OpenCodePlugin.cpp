@@ -9,7 +9,7 @@ namespace {
 constexpr std::string_view firstWords = "// OpenCode plugin: the bridge to quillstead-hook.";
 constexpr std::string_view programOnPath = R"(QUILLSTEAD_HOOK_BIN || "quillstead-hook")";
 
-/// A JSON string is one of JavaScript as well.
+/// A JSON string is also a valid JavaScript string.
 std::string pluginFor(const std::string& hook) {
   std::string text(source);
   text.replace(text.find(programOnPath), programOnPath.size(),

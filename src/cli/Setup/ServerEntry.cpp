@@ -30,7 +30,7 @@ JSON::Value entry(Form form, const std::string& server) {
   return object;
 }
 
-/// Where the program's path is in the entry.
+/// The position of the program's path in the entry.
 Path pathOfProgram(const Where& where) {
   Path path = Members::pathOf(where.keys);
   path.emplace_back("command");
@@ -38,7 +38,7 @@ Path pathOfProgram(const Where& where) {
   return path;
 }
 
-/// Whether the entry runs our server itself, from wherever.
+/// True when the entry runs our server directly, from any path.
 bool isOurs(const Document& document, const Where& where) {
   const Node* program = document.at(pathOfProgram(where));
   const auto path = program == nullptr ? std::nullopt : document.string(*program);

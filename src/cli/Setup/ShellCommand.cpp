@@ -6,7 +6,7 @@ namespace quillstead::cli {
 
 namespace {
 
-/// Takes words off the front of a line.
+/// Splits a line into words.
 class Words {
  public:
   explicit Words(std::string_view text) : text_(text) {}

@@ -21,14 +21,14 @@ Lines linesOf(std::string_view text) {
   return lines;
 }
 
-/// A line that stays, goes or comes.
+/// A line that is kept, removed or added.
 struct Step {
   char kind;  ///< ' ', '-' or '+'
   std::string_view line;
 };
 
-/// The steps from one to the other, by the shortest way; by the way of all old lines and then all
-/// new ones where the shortest is too long to be looked for.
+/// The shortest edit from one text to the other. When finding it would take too long: all old lines
+/// are removed, then all new ones added.
 class Way {
  public:
   Way(const Lines& before, const Lines& after) : before_(before), after_(after) {
@@ -60,7 +60,7 @@ class Way {
   void goes(std::size_t row) { steps_.push_back({'-', before_[front_ + row]}); }
   void comes(std::size_t column) { steps_.push_back({'+', after_[front_ + column]}); }
 
-  /// Fills a table with how many lines can stay from each pair of places on.
+  /// Fills a table: the number of lines that can be kept from each pair of positions on.
   void middle(std::size_t rows, std::size_t columns) {
     std::vector<std::vector<unsigned>> stay(rows + 1, std::vector<unsigned>(columns + 1));
     const auto isSame = [this](std::size_t row, std::size_t column) {
@@ -112,7 +112,7 @@ std::string hunks(const std::vector<Step>& steps) {
   std::size_t oldLine = 0;
   std::size_t newLine = 0;
   for (std::size_t i = 0; i < steps.size();) {
-    // A hunk reaches from some lines before a change to as many behind the last one near it.
+    // A hunk includes some lines before its first change and as many after its last.
     std::size_t first = i;
     while (first < steps.size() && steps[first].kind == ' ') ++first;
     if (first == steps.size()) break;

@@ -7,7 +7,7 @@ namespace quillstead::cli {
 
 namespace {
 
-/// So many kinds of misses, and stages, are told apart; a hook knows far fewer.
+/// The most kinds of misses, and of stages, that are counted separately; a hook has far fewer.
 constexpr std::size_t mostKinds = 256;
 constexpr const char* otherKinds = "other";
 

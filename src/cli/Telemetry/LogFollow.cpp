@@ -18,13 +18,13 @@ namespace {
 
 constexpr int pause = 200;  ///< milliseconds between two looks
 
-/// Waits for the pause; false when nobody reads the output any more.
+/// Waits between two reads. False when nobody reads the output any more.
 bool waitWhileHeard(const Console& console) {
   poll(nullptr, 0, pause);
   return console.isHeard();
 }
 
-/// True when the file at the path is another than the open one, or was cut.
+/// True when the file at the path is not the open one, or was truncated.
 bool isReplaced(const OS::Descriptor& log, const std::string& path) {
   struct stat now {};
   struct stat there {};
@@ -47,7 +47,7 @@ void addWords(std::string& text, const std::string& words) {
   text.append(text.empty() ? "" : ", ").append(words);
 }
 
-/// What came, and what did not.
+/// What was received, and what was missing.
 std::string happened(const LogLine& line, const Console& console) {
   std::string came;
   if (line.value("rules") == "1") addWords(came, "rules");

@@ -16,7 +16,7 @@ constexpr std::size_t mostStages = 16;
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
 bool isSmallLetter(char character) { return character >= 'a' && character <= 'z'; }
 
-/// The number that is all of `text`, no sign but a minus.
+/// `text` as a number; absent when anything else is in it. A minus sign is allowed.
 std::optional<std::int64_t> number(std::string_view text) {
   std::int64_t value = 0;
   const char* const end = text.data() + text.size();
@@ -25,7 +25,7 @@ std::optional<std::int64_t> number(std::string_view text) {
   return value;
 }
 
-/// Takes the text up to the next blank, and the blank.
+/// Removes the text up to the next space, and the space, and returns the text.
 std::string_view takeWord(std::string_view& text) {
   const std::string_view word = text.substr(0, text.find(' '));
   text.remove_prefix(std::min(text.size(), word.size() + 1));
@@ -77,7 +77,7 @@ bool isField(std::string_view word) {
          std::all_of(word.begin(), word.end(), isPrintable);
 }
 
-/// Reads "parse 0 rules 12 residual 5"; true when stages and rest make up the whole.
+/// Parses "parse 0 rules 12 residual 5". True when stages and residual add up to the whole.
 bool readStages(std::string_view text, std::int64_t whole, std::vector<LogLine::Stage>& stages) {
   constexpr std::int64_t longest = std::numeric_limits<std::int64_t>::max() / 64;
   std::int64_t rest = whole;

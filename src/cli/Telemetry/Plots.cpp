@@ -12,7 +12,7 @@ namespace quillstead::cli::Plots {
 
 namespace {
 
-// Sizes are those of a phone held upright, so that letters keep their size there.
+// The size of an upright phone screen, so that letters are not scaled there.
 constexpr double width = 340;
 constexpr double height = 190;
 constexpr double left = 44;
@@ -20,7 +20,7 @@ constexpr double right = 8;
 constexpr double top = 10;
 constexpr double bottom = 24;
 
-/// A coordinate, with one digit behind the point.
+/// A coordinate with one decimal.
 std::string place(double coordinate) {
   constexpr double tenth = 10;
   const long tenths = std::lround(coordinate * tenth);
@@ -72,7 +72,7 @@ class Scale {
     return height - bottom - part * (height - top - bottom);
   }
 
-  /// Lines across the plot with their numbers.
+  /// The grid lines and their numbers.
   [[nodiscard]] std::string drawn() const {
     std::string lines;
     for (std::int64_t number = 0; number <= most_; number += step_) {

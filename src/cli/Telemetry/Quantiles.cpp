@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::int64_t mostInTable = 16'384;  ///< milliseconds
 
-/// So many different long durations are told apart; the next ones count as the one before them.
+/// The most different long durations that are kept; further ones count as the next shorter one.
 constexpr std::size_t mostApart = 50'000;
 
 }  // namespace
