@@ -25,8 +25,11 @@ std::string baseDirectory(const OS::Environment& environment, std::string_view n
   return value && value->starts_with('/') ? std::string(*value) : byDefault;
 }
 
-/// The directory of the running program with a slash at its end; empty when it is not known.
-std::string ownDirectory() {
+/// The directory of the programs with a slash at its end: the one that a package names whose own
+/// directory changes with each version, or that of the running program. Empty when it is not known.
+std::string directoryOfPrograms(const OS::Environment& environment) {
+  const auto named = environment.value("QUILLSTEAD_PROGRAMS");
+  if (named && named->starts_with('/')) return std::string(*named) + "/";
   const auto own = OS::ownExecutable();
   const auto path = own ? OS::canonicalPath(*own) : std::nullopt;
   return path ? path->substr(0, path->rfind('/') + 1) : std::string();
@@ -52,7 +55,7 @@ Places Places::find(const OS::Environment& environment) {
       baseDirectory(environment, "XDG_STATE_HOME", home + "/.local/state") + "/quillstead";
   places.cacheDirectory = baseDirectory(environment, "XDG_CACHE_HOME", cacheInHome) + "/quillstead";
   places.personalStore = personal.empty() ? home + "/.quillstead" : personal;
-  places.programs = ownDirectory();
+  places.programs = directoryOfPrograms(environment);
   places.hook = places.programs + "quillstead-hook";
   places.server = places.programs + "quillstead-mcp";
   places.log = installedLog(home, places.stateDirectory);

@@ -18,7 +18,8 @@ struct Places {
   std::string stateDirectory;     ///< quillstead under XDG_STATE_HOME, or under ~/.local/state
   std::string cacheDirectory;     ///< quillstead under XDG_CACHE_HOME, or where the system has it
   std::string personalStore;      ///< QUILLSTEAD_HOME, or ~/.quillstead
-  std::string programs;  ///< the directory of the running program, links followed; empty: unknown
+  std::string programs;  ///< QUILLSTEAD_PROGRAMS, or the directory of the running program, links
+                         ///< followed; empty: unknown
   std::string hook;      ///< quillstead-hook there
   std::string server;    ///< quillstead-mcp there
   std::string log;       ///< the log that install sets up; on macOS the hook's own default

@@ -64,6 +64,20 @@ TEST(Places, PutTheOtherProgramsBesideTheRunningOne) {
   EXPECT_EQ(places.server, places.programs + "quillstead-mcp");
 }
 
+TEST(Places, HaveTheProgramsWhereAPackageSays) {
+  const Places places =
+      Places::find(unit::EnvironmentOf{"HOME=/h", "QUILLSTEAD_PROGRAMS=/opt/quillstead/bin"});
+  EXPECT_EQ(places.hook, "/opt/quillstead/bin/quillstead-hook");
+  EXPECT_EQ(places.server, "/opt/quillstead/bin/quillstead-mcp");
+}
+
+TEST(Places, TakeARelativePlaceOfProgramsForNone) {
+  const std::string beside = Places::find(unit::EnvironmentOf{"HOME=/h"}).programs;
+  for (const char* const named : {"QUILLSTEAD_PROGRAMS=", "QUILLSTEAD_PROGRAMS=bin"}) {
+    EXPECT_EQ(Places::find(unit::EnvironmentOf{"HOME=/h", named}).programs, beside);
+  }
+}
+
 }  // namespace
 
 }  // namespace quillstead::cli

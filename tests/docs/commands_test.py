@@ -195,7 +195,8 @@ class Variables(unittest.TestCase):
         return found
 
     def test_that_the_pages_name_are_read_somewhere(self):
-        known = self.named_in("src", "integrations", "scripts", "tests/faults", "tests/harnesses", "cmake")
+        known = self.named_in("src", "integrations", "scripts", "tests/faults", "tests/harnesses", "cmake",
+                              "packaging")
         known.update(self.NAME.findall(pages.text("CMakeLists.txt")))
         for page in pages.pages():
             for variable in sorted(set(self.NAME.findall(pages.text(page)))):

@@ -1,6 +1,7 @@
 """The Homebrew formula: its sums, and what it does, told to a stand-in for Homebrew."""
 
 import hashlib
+import pathlib
 import platform
 import re
 import shutil
@@ -9,64 +10,19 @@ import tempfile
 import unittest
 
 import made
+import user
 
 FORMULA = made.DIST / "quillstead.rb"
 URL = "https://downloads.example.org/quillstead/"
 
-# The few words of Homebrew's language that the formula uses. The first argument names the formula, the
-# second the system; then come the tree that was unpacked and the place to install it to.
-STAND_IN = r"""
-require "fileutils"
-require "minitest/assertions"
-require "open3"
-
-class Place < String
-  def install(names) = names.each { |name| FileUtils.cp_r(name, self) }
-end
-
-class Formula
-  class << self
-    attr_reader :told, :tested
-    def note(name, value) = (@told ||= {})[name] = value
-    %i[desc version url sha256].each { |name| define_method(name) { |value| note(name, value) } }
-    def on_macos = (yield if ARGV[1] == "macos")
-    def on_linux = (yield if ARGV[1].start_with?("linux"))
-    def on_intel = (yield if ARGV[1].end_with?("x64"))
-    def on_arm = (yield if ARGV[1].end_with?("arm64"))
-    def test(&steps) = @tested = steps
-  end
-
-  include Minitest::Assertions
-  attr_accessor :assertions
-  def prefix = Place.new(ARGV[3])
-  def bin = "#{prefix}/bin"
-  def version = self.class.told[:version]
-  def shell_output(command) = Open3.capture2(command).first
-  def pipe_output(command, input, status)
-    output, ended = Open3.capture2(command, stdin_data: input)
-    assert_equal status, ended.exitstatus
-    output
-  end
-end
-
-load ARGV[0]
-puts Quillstead.told.map { |name, value| "#{name} #{value}" }
-if ARGV[2]
-  formula = Quillstead.new
-  formula.assertions = 0
-  Dir.chdir(ARGV[2]) { formula.install }
-  formula.instance_exec(&Quillstead.tested)
-  puts "assertions #{formula.assertions}"
-  puts formula.caveats
-end
-"""
+STAND_IN = pathlib.Path(__file__).with_name("homebrew.rb")
 HERE = f"linux-{ {'x86_64': 'x64', 'aarch64': 'arm64'}[platform.machine()] }"
 SYSTEMS = {"macos": "macos-universal", "linux-x64": "linux-x64", "linux-arm64": "linux-arm64"}
 
 
 def told(formula, system, *places):
     """What the formula says for that system, by name."""
-    ended = subprocess.run(["ruby", "-e", STAND_IN, "--", formula, system, *places], check=True,
+    ended = subprocess.run(["ruby", STAND_IN, formula, system, *places], check=True,
                            stdout=subprocess.PIPE, text=True)
     return dict(line.split(" ", 1) for line in ended.stdout.splitlines() if " " in line)
 
@@ -102,8 +58,46 @@ class InRuby(unittest.TestCase):
                 self.assertEqual(said["sha256"], hashlib.sha256(content).hexdigest())
 
     def test_installs_and_passes_its_own_test(self):
-        with tempfile.TemporaryDirectory() as tree, tempfile.TemporaryDirectory() as prefix:
-            subprocess.run(["tar", "-xzf", made.DIST / f"quillstead-{made.VERSION}-{HERE}.tar.gz",
+        with tempfile.TemporaryDirectory() as brew:
+            self.assertEqual(self.install(FORMULA, made.DIST, brew)["assertions"], "3")
+
+    def test_installs_what_its_users_live_with(self):
+        somebody = user.User(self)
+        self.install(FORMULA, made.DIST, somebody.place / "prefix")
+        user.lives_with(somebody, somebody.home / "prefix/bin/quillstead")
+
+    def test_upgrades_and_keeps_the_settings_working(self):
+        somebody = user.User(self)
+        brew, quillstead = somebody.place / "prefix", somebody.home / "prefix/bin/quillstead"
+        with tempfile.TemporaryDirectory() as scratch:
+            self.install(*self.older(pathlib.Path(scratch)), brew)
+        self.assertEqual(somebody.run(quillstead, "--version"), f"quillstead {made.OLDER}\n")
+        somebody.run(quillstead, "install")
+        somebody.write_card()
+        self.install(FORMULA, made.DIST, brew)
+        shutil.rmtree(brew / "Cellar/quillstead" / made.OLDER)  # as `brew cleanup` does
+        hook = somebody.handlers()["recall"][0]
+        self.assertEqual(somebody.run(hook, "--version"), f"quillstead-hook {made.VERSION}\n")
+        self.assertIn("Never order coffee", somebody.ask())
+        for name, check in somebody.doctor(quillstead).items():
+            self.assertIn(check["status"], ("ok", "skip"), f"{name}: {check}")
+
+    def install(self, formula, dist, brew):
+        """Does what `brew install` or `brew upgrade` would."""
+        version = re.search('version "(.*)"', formula.read_text()).group(1)
+        with tempfile.TemporaryDirectory() as tree:
+            subprocess.run(["tar", "-xzf", dist / f"quillstead-{version}-{HERE}.tar.gz",
                             "-C", tree, "--strip-components=1"], check=True)
-            said = told(FORMULA, HERE, tree, prefix)
-        self.assertEqual(said["assertions"], "3")
+            return told(formula, HERE, tree, brew)
+
+    @staticmethod
+    def older(scratch):
+        """A formula of an older version, and where its archives are."""
+        stage = made.older_stage(scratch / "stage")
+        for system in SYSTEMS.values():
+            name = f"quillstead-{made.OLDER}-{system}"
+            (stage / system).rename(stage / name)
+            subprocess.run(["tar", "-czf", scratch / f"{name}.tar.gz", "-C", stage, name], check=True)
+        subprocess.run([made.SOURCE / "packaging/homebrew/formula", scratch, made.OLDER], check=True,
+                       stdout=subprocess.DEVNULL)
+        return scratch / "quillstead.rb", scratch
