@@ -450,7 +450,7 @@ class LeftAlone(unittest.TestCase):
         self.check("codex", ".codex/config.toml", b"mcp_servers = { other = {} }\n", ":1:15", "this cannot be edited by lines")
         self.check("codex", ".codex/config.toml", b"[mcp_servers]\nquillstead = 1\n", ":2:14", "")
 
-    def test_codex_hooks_in_its_other_file_are_left_to_the_user(self):
+    def test_codex_hooks_in_its_other_file_are_not_edited_by_install(self):
         ours = (b"[[hooks.UserPromptSubmit]]\n[[hooks.UserPromptSubmit.hooks]]\ntype = 'command'\n"
                 b"command = '/a/quillstead-hook --harness codex'\n")
         with Home() as home:
@@ -462,13 +462,44 @@ class LeftAlone(unittest.TestCase):
                 self.assertNotIn(".codex/hooks.json", home.settings(), "memory would come twice")
             self.assertTrue(path.read_bytes().startswith(b"a = 1\n" + ours))
             self.assertEqual(home.run("install", "codex", "--dry-run").returncode, 1)
-            ended = home.run("uninstall", "codex")
-            self.assertEqual((ended.returncode, path.read_bytes()), (1, b"a = 1\n" + ours))
-            self.assertIn(f"{path}:3:1: ", ended.stderr)
         with Home() as home:
             home.write(TOML[1], ours.replace(b"/a/quillstead-hook", b"/a/others-hook"))
             self.assertEqual(home.run("install", "codex").returncode, 0)
             self.assertEqual(len(our_handlers(parsed(home.settings()[".codex/hooks.json"]))), 2)
+
+    def test_codex_hooks_in_its_other_file_go_with_uninstall(self):
+        prompt = "[[hooks.UserPromptSubmit]]\n"
+        ours = "[[hooks.UserPromptSubmit.hooks]]\ntype = 'command' # c\ncommand = '/ä/quillstead-hook --harness codex'\n"
+        other = "[[hooks.UserPromptSubmit.hooks]]\ntype = 'command'\ncommand = 'date'\n"
+        tool = "[[hooks.PreToolUse]]\nmatcher = 'x'\n" + ours.replace("UserPromptSubmit", "PreToolUse")
+        for before, after in [
+            ("a = 1\n" + prompt + ours, "a = 1\n"),
+            ("a = 1\n\n" + prompt + ours + "\n" + tool, "a = 1\n"),
+            ("a = 1\n\n" + prompt + ours + tool + "\n[b]\nc = 1\n", "a = 1\n\n[b]\nc = 1\n"),
+            (prompt + ours + other, prompt + other),
+            (prompt + other + ours + tool + "[b]\n", prompt + other + "[b]\n"),
+            (prompt + other + prompt + ours, prompt + other),
+            (prompt + "mine = true\n" + ours, prompt + "mine = true\n"),
+            ("# mine\n[hooks]\n" + prompt + ours, "# mine\n[hooks]\n"),
+            (prompt + other, prompt + other),
+            ("a = 1\nhooks = { Stop = [{ hooks = [{ command = '/a/quillstead-hook' }] }] }\n", "a = 1\n"),
+        ]:
+            for end in ("\n", "\r\n"):
+                before, after = before.replace("\n", end), after.replace("\n", end)
+                with self.subTest(before), Home() as home:
+                    path = home.write(TOML[1], before.encode())
+                    dry = home.run("uninstall", "codex", "--dry-run")
+                    self.assertEqual((dry.returncode, path.read_bytes().decode()), (0, before))
+                    self.assertEqual(home.run("uninstall", "codex").returncode, 0)
+                    self.assertEqual(path.read_bytes().decode(), after)
+
+    def test_codex_hooks_that_are_no_lines_of_their_own_are_left_to_the_user(self):
+        with Home() as home:
+            content = b"hooks = { Stop = [{ hooks = [{ command = '/a/quillstead-hook' }, { command = 'date' }] }] }\n"
+            path = home.write(TOML[1], content)
+            ended = home.run("uninstall", "codex")
+            self.assertEqual((ended.returncode, path.read_bytes()), (1, content))
+            self.assertIn(f"{path}:1:30: this runs our hook; remove it by hand", ended.stderr)
 
     def test_a_read_only_file_that_need_not_change_is_well(self):
         with Home() as home:

@@ -1,12 +1,15 @@
 #include "cli/Setup/CodexConfigHooks.h"
 
 #include "cli/Setup/HookHandler.h"
-#include "cli/Setup/Toml.h"
+#include "cli/Setup/TomlLines.h"
 #include "support/JSON/Writer.h"
 
+#include <algorithm>
+#include <functional>
 #include <string_view>
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace quillstead::cli::CodexConfigHooks {
 
@@ -52,7 +55,83 @@ const toml::node* oursIn(const toml::node& groups) {
   return nullptr;
 }
 
+/// Erases our handlers from one event's groups, and each group that has no other handler and no key
+/// of the user's. `erased` is called with each node before.
+void eraseOurs(toml::array& groups, const std::function<void(const toml::node&)>& erased) {
+  for (std::size_t i = groups.size(); i-- > 0;) {
+    auto* const group = groups[i].as_table();
+    auto* const handlers = group == nullptr ? nullptr : group->get_as<toml::array>(key);
+    if (handlers == nullptr) continue;
+    const auto isOurs = [](const toml::node& handler) {
+      return handler.is_table() && runsOurs(handler);
+    };
+    const bool areAllOurs =
+        !handlers->empty() && std::all_of(handlers->begin(), handlers->end(), isOurs);
+    const std::size_t usual = group->contains("matcher") ? 2 : 1;
+    if (areAllOurs && group->size() == usual) {
+      erased(*group);
+      groups.erase(groups.cbegin() + static_cast<std::ptrdiff_t>(i));
+      continue;
+    }
+    for (std::size_t j = handlers->size(); j-- > 0;) {
+      if (!isOurs((*handlers)[j])) continue;
+      erased((*handlers)[j]);
+      handlers->erase(handlers->cbegin() + static_cast<std::ptrdiff_t>(j));
+    }
+    if (areAllOurs) group->erase(key);
+  }
+}
+
+/// Erases events without groups, and the table of hooks when it has no event.
+void eraseEmpty(toml::table& root) {
+  auto* const hooks = root.get_as<toml::table>(key);
+  if (hooks == nullptr) return;
+  for (auto event = hooks->begin(); event != hooks->end();) {
+    const auto* const groups = event->second.as_array();
+    event = groups != nullptr && groups->empty() ? hooks->erase(event) : std::next(event);
+  }
+  if (hooks->empty()) root.erase(key);
+}
+
+bool isBlank(std::string_view line) { return line == "\n" || line == "\r\n"; }
+
+/// The text without the marked lines, and without an empty line before them that would then be
+/// beside another one or at the end.
+std::string without(const TomlLines& lines, const std::vector<bool>& marks) {
+  std::string text = lines.text().substr(0, lines.begin(1));
+  for (std::size_t i = 1; i <= lines.count(); ++i) {
+    const bool isGap = isBlank(lines.line(i)) && marks[i + 1];
+    std::size_t next = i + 1;
+    while (isGap && next <= lines.count() && marks[next]) ++next;
+    const bool isDoubled = isGap && (lines.line(next).empty() || isBlank(lines.line(next)));
+    if (!marks[i] && !isDoubled) text += lines.line(i);
+  }
+  return text;
+}
+
 }  // namespace
+
+EditOutcome uninstall(const std::string& before) {
+  const Edited unchanged{.text = before, .hadOurs = false};
+  toml::parse_result parsed = toml::parse(std::string_view(before));
+  auto* const hooks = parsed ? parsed.table().get_as<toml::table>(key) : nullptr;
+  if (hooks == nullptr) return unchanged;
+  const TomlLines lines(before);
+  std::vector<bool> marks(lines.count() + 2);
+  for (auto& [event, groups] : *hooks) {
+    if (!groups.is_array()) continue;
+    eraseOurs(*groups.as_array(),
+              [&](const toml::node& node) { lines.mark(node, node.source().begin.line, marks); });
+  }
+  eraseEmpty(parsed.table());
+  std::string text = without(lines, marks);
+  toml::parse_result after = toml::parse(std::string_view(text));
+  if (!after) return unchanged;
+  eraseEmpty(after.table());
+  if (after.table() != parsed.table()) return unchanged;
+  const bool hadOurs = text != before;
+  return Edited{.text = std::move(text), .hadOurs = hadOurs};
+}
 
 std::optional<std::string> asJSON(const std::string& content) {
   const toml::parse_result parsed = toml::parse(std::string_view(content));
@@ -76,11 +155,8 @@ std::optional<JSONC::Complaint> ours(const std::string& content) {
   }
   if (first == nullptr) return std::nullopt;
   const toml::source_position place = first->source().begin;
-  return JSONC::Complaint{.line = place.line,
-                          .column = place.column,
-                          .what =
-                              "this runs our hook, and install does not edit it. Remove it, then: "
-                              "quillstead install codex"};
+  return JSONC::Complaint{
+      .line = place.line, .column = place.column, .what = "this runs our hook; remove it by hand"};
 }
 
 }  // namespace quillstead::cli::CodexConfigHooks

@@ -1,8 +1,7 @@
 #include "cli/Setup/CodexServer.h"
 
-#include "cli/Setup/Toml.h"
+#include "cli/Setup/TomlLines.h"
 #include "support/JSON/Writer.h"
-#include "support/Text/Text.h"
 
 #include <array>
 #include <string_view>
@@ -32,48 +31,9 @@ std::string variablesText() {
   return text + "]";
 }
 
-/// A text and the positions of its lines.
-class Lines {
- public:
-  explicit Lines(std::string text) : text_(std::move(text)) {
-    const bool hasMark = text_.starts_with("\xEF\xBB\xBF");
-    begins_.push_back(hasMark ? 3 : 0);
-    for (std::size_t i = 0; i < text_.size(); ++i) {
-      if (text_[i] == '\n') begins_.push_back(i + 1);
-    }
-  }
-
-  [[nodiscard]] const std::string& text() const { return text_; }
-  [[nodiscard]] std::size_t count() const { return begins_.size(); }
-
-  /// Lines count from 1. The line after the last one begins at the end.
-  [[nodiscard]] std::size_t begin(std::size_t line) const {
-    return line > begins_.size() ? text_.size() : begins_[line - 1];
-  }
-
-  [[nodiscard]] std::string_view line(std::size_t number) const {
-    return std::string_view(text_).substr(begin(number), begin(number + 1) - begin(number));
-  }
-
-  /// The position in bytes. Columns count characters.
-  [[nodiscard]] std::size_t place(const toml::source_position& position) const {
-    std::size_t place = begin(position.line);
-    for (std::size_t column = 1; column < position.column && place < text_.size(); ++column) {
-      place += Text::decodeFirst(std::string_view(text_).substr(place)).length;
-    }
-    return place;
-  }
-
-  [[nodiscard]] std::string lineEnd() const { return line(1).ends_with("\r\n") ? "\r\n" : "\n"; }
-
- private:
-  std::string text_;
-  std::vector<std::size_t> begins_;
-};
-
 /// A parsed file.
 struct Config {
-  Lines lines;
+  TomlLines lines;
   toml::table root;
 
   [[nodiscard]] const toml::node* servers() const { return root.get("mcp_servers"); }
@@ -95,7 +55,7 @@ struct Config {
 std::variant<Config, Complaint> read(std::string text) {
   toml::parse_result parsed = toml::parse(std::string_view(text));
   if (!parsed) return complaintAt(parsed.error().source().begin, parsed.error().description());
-  Config config{.lines = Lines(std::move(text)), .root = std::move(parsed).table()};
+  Config config{.lines = TomlLines(std::move(text)), .root = std::move(parsed).table()};
   for (const auto& [node, name] :
        {std::pair(config.servers(), "mcp_servers"), std::pair(config.entry(), "quillstead")}) {
     if (node == nullptr || node->is_table()) continue;
@@ -189,29 +149,14 @@ std::string updated(const Config& config, const std::string& server) {
 
 /// The text with the table at its end.
 std::string added(const std::optional<std::string>& before, const std::string& server) {
-  const Lines lines(before.value_or(""));
+  const TomlLines lines(before.value_or(""));
   return before ? *before + lines.lineEnd() + tableText(lines.lineEnd(), server)
                 : tableText(lines.lineEnd(), server);
 }
 
-/// Marks the lines that the node's values and headers are on.
-void mark(const Lines& lines, const toml::node& node, std::size_t firstLine,
-          std::vector<bool>& marks) {
-  const auto* table = node.as_table();
-  if (table == nullptr || table->is_inline()) {
-    for (std::size_t i = firstLine; i <= node.source().end.line; ++i) marks[i] = true;
-    return;
-  }
-  const std::size_t header = node.source().begin.line;
-  const std::string_view line = lines.line(header);
-  const std::size_t first = std::min(line.find_first_not_of(" \t"), line.size());
-  if (line.substr(first).starts_with('[')) marks[header] = true;
-  for (const auto& [key, value] : *table) mark(lines, value, key.source().begin.line, marks);
-}
-
 /// The text without these lines, and without the line end that was added before a table at the end.
 /// Absent when nothing is left of a file that was made with the table.
-std::optional<std::string> without(const Lines& lines, const std::vector<bool>& marks) {
+std::optional<std::string> without(const TomlLines& lines, const std::vector<bool>& marks) {
   std::string text;
   for (std::size_t i = 1; i <= lines.count(); ++i) {
     if (i == 1 && lines.begin(1) > 0) text = lines.text().substr(0, lines.begin(1));
@@ -258,7 +203,7 @@ EditOutcome uninstall(const std::string& before) {
   const auto& servers = *config.servers()->as_table();
   std::vector<bool> marks(config.lines.count() + 2);
   const auto entry = servers.find("quillstead");
-  mark(config.lines, entry->second, entry->first.source().begin.line, marks);
+  config.lines.mark(entry->second, entry->first.source().begin.line, marks);
   auto text = without(config.lines, marks);
   const auto checked = read(text.value_or(""));
   const auto* after = std::get_if<Config>(&checked);

@@ -121,7 +121,11 @@ void FileChanges::tell(const Harnesses::Target& target, std::string_view outcome
 }
 
 void FileChanges::complainOfRest(const Harnesses::Target& target) {
-  const auto content = target.rest ? ConfigFile::textOf(target.path) : std::nullopt;
+  auto content = target.rest ? ConfigFile::textOf(target.path) : std::nullopt;
+  if (content && isDryRun_) {
+    const EditOutcome outcome = edited(target, direction_, content);
+    if (const auto* const edit = std::get_if<Edited>(&outcome)) content = edit->text;
+  }
   const auto complaint = content ? target.rest(*content) : std::nullopt;
   if (!complaint) return;
   context_.console.complain(target.path + placeOf(*complaint) + ": " + complaint->what);

@@ -82,6 +82,17 @@ EditOutcome installCodexHooks(const Before& before, const std::string& config,
   return outcome;
 }
 
+EditOutcome uninstallFromCodexConfig(const std::string& before) {
+  EditOutcome hooks = CodexConfigHooks::uninstall(before);
+  auto* const edited = std::get_if<Edited>(&hooks);
+  if (edited == nullptr || !edited->text) return hooks;
+  EditOutcome both = CodexServer::uninstall(*edited->text);
+  if (auto* const server = std::get_if<Edited>(&both)) {
+    server->hadOurs = server->hadOurs || edited->hadOurs;
+  }
+  return both;
+}
+
 std::vector<Target> codex(const Places& places, const Programs& programs) {
   const std::string config = places.codexDirectory + "/config.toml";
   return {
@@ -96,7 +107,7 @@ std::vector<Target> codex(const Places& places, const Programs& programs) {
            [&programs](const Before& before) {
              return CodexServer::install(before, programs.server);
            },
-       .uninstall = CodexServer::uninstall,
+       .uninstall = uninstallFromCodexConfig,
        .rest = CodexConfigHooks::ours}};
 }
 
