@@ -71,6 +71,16 @@ Example exampleFor(std::string_view tool) {
   return example;
 }
 
+/// Runs the page's example, which has to lead to the page's fields.
+LaneOutcome ranExample(std::string_view tool) {
+  const Example example = exampleFor(tool);
+  const unit::Server server;
+  server.print(tool, example.output);
+  LaneOutcome outcome = ran(tool, server);
+  EXPECT_EQ(joined(outcome.fields), example.fields);
+  return outcome;
+}
+
 struct Mistake {
   std::string tool;
   std::string result;
@@ -114,11 +124,7 @@ TEST(ServerProtocol, TheRequestsOnThePageAreTheOnesThatTheHookSends) {
 }
 
 TEST(ServerProtocol, TheCardsOnThePageCanBeTrimmedByTheirSpans) {
-  const Example example = exampleFor(memoryGetRelevant);
-  const unit::Server server;
-  server.print(memoryGetRelevant, example.output);
-  const LaneOutcome outcome = ran(memoryGetRelevant, server);
-  EXPECT_EQ(joined(outcome.fields), example.fields);
+  const LaneOutcome outcome = ranExample(memoryGetRelevant);
   ASSERT_TRUE(outcome.block && outcome.cardSpans && outcome.shortcut && outcome.justEnded);
   const auto envelope = ContextBudget::Envelope::measured(*outcome.block, *outcome.cardSpans);
   ASSERT_TRUE(envelope);
@@ -127,11 +133,7 @@ TEST(ServerProtocol, TheCardsOnThePageCanBeTrimmedByTheirSpans) {
 }
 
 TEST(ServerProtocol, TheRulesOnThePageSplitAtTheirIndex) {
-  const Example example = exampleFor(rulesGet);
-  const unit::Server server;
-  server.print(rulesGet, example.output);
-  const LaneOutcome outcome = ran(rulesGet, server);
-  EXPECT_EQ(joined(outcome.fields), example.fields);
+  const LaneOutcome outcome = ranExample(rulesGet);
   ASSERT_TRUE(outcome.block && outcome.indexSpan);
   const auto halves = BlockSplit::split(*outcome.block, *outcome.indexSpan);
   ASSERT_TRUE(halves);

@@ -39,7 +39,7 @@ class Session : public ::testing::Test {
                                 R"("transcript_path":)" +
                                 jsonText(stage.path(transcript)) + R"(,"prompt":)" +
                                 jsonText(prompt) + R"(,"cwd":)" + jsonText(stage.project()) + "}";
-    std::vector<std::string> arguments{"--harness", "claude-code"};
+    std::vector<std::string> arguments{"--harness", harness};
     if (!slot.empty()) arguments.insert(arguments.end(), {"--slot", slot});
     return ProgramRun({.executable = hookProgram(),
                        .arguments = arguments,
@@ -57,6 +57,7 @@ class Session : public ::testing::Test {
   [[nodiscard]] std::string logged() const { return unit::contentsOf(stage.path("log")); }
 
   MemoryStage stage;
+  std::string harness = "claude-code";
 };
 
 TEST_F(Session, IsToldItsRulesAndCardsOnce) {
@@ -91,16 +92,38 @@ TEST_F(Session, AnswersThreeSlotsAtOnceAlike) {
   }
 }
 
-TEST_F(Session, IsToldEverythingAgainAfterACompaction) {
+/// A compaction as a harness writes it into its transcript.
+struct Compaction {
+  std::string harness;
+  std::string line;
+};
+
+class CompactedSession : public Session, public ::testing::WithParamInterface<Compaction> {};
+
+TEST_P(CompactedSession, IsToldEverythingAgain) {
+  harness = GetParam().harness;
   (void)prompted("", "where is the heron?");
-  EXPECT_THAT(prompted("", "the heron?"), HasSubstr(std::string(pointer)));
-  std::ofstream(stage.path("transcript.jsonl"), std::ios::app)
-      << R"({"type":"system","subtype":"compact_boundary","content":"Conversation compacted"})"
-      << "\n";
+  const auto transcribe = [this](std::string_view line) {
+    std::ofstream(stage.path("transcript.jsonl"), std::ios::app) << line << '\n';
+  };
+  transcribe(R"({"type":"response_item","payload":{"text":"\"type\":\"compacted\""}})");
+  EXPECT_THAT(prompted("", "the heron?"),
+              AllOf(HasSubstr(std::string(pointer)), Not(HasSubstr("stands in the water"))));
+  transcribe(GetParam().line);
   EXPECT_THAT(prompted("", "the heron?"),
               AllOf(HasSubstr("Be careful."), HasSubstr("stands in the water")));
-  EXPECT_THAT(prompted("", "the heron?"), HasSubstr(std::string(pointer)));
+  EXPECT_THAT(prompted("", "the heron?"),
+              AllOf(HasSubstr(std::string(pointer)), Not(HasSubstr("stands in the water"))));
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    OfEachHarness, CompactedSession,
+    ::testing::Values(
+        Compaction{"claude-code",
+                   R"({"type":"system","subtype":"compact_boundary","content":"compacted"})"},
+        Compaction{"claude-code", R"({"type":"user","isCompactSummary":true,"message":{}})"},
+        Compaction{"codex", R"({"timestamp":"2026-11-20T10:00:00.000Z","type":"compacted",)"
+                            R"("payload":{"message":"","replacement_history":[]}})"}));
 
 TEST_F(Session, IsToldEverythingAgainWhenItGoesOnInAnotherTranscript) {
   const auto given = [this](const std::string& transcript) {

@@ -113,6 +113,16 @@ TEST_F(SessionMemoryTest, TellsRulesAgainAfterAnHour) {
   EXPECT_EQ(rulesFor("r"), "whole");
 }
 
+TEST_F(SessionMemoryTest, StaysWithThePointerWhenTheHourEndsWithinAPrompt) {
+  EXPECT_EQ(rulesFor("r"), "whole");
+  now += 1h - 1s;
+  EXPECT_EQ(rulesFor("r"), "pointer");
+  now += 2s;
+  EXPECT_EQ(rulesFor("r"), "pointer") << "another hook of the same prompt";
+  nextPrompt();
+  EXPECT_EQ(rulesFor("r"), "whole");
+}
+
 TEST_F(SessionMemoryTest, TellsRulesAgainWhenTheClockWentBack) {
   EXPECT_EQ(rulesFor("r"), "whole");
   now -= 30s;
@@ -252,6 +262,7 @@ TEST_F(SessionMemoryTest, IsSmallAndTheUsersAlone) {
   ASSERT_EQ(stat(file.c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777U, 0600U);
   EXPECT_TRUE(session()->knowsPlace("/m/999"));
+  EXPECT_TRUE(session()->knowsPlace("/m/700")) << "the last 300 are kept";
   EXPECT_FALSE(session()->knowsPlace("/m/1"));
 }
 
@@ -265,6 +276,12 @@ TEST_F(SessionMemoryTest, RemovesSessionsThatAreAWeekOld) {
   EXPECT_EQ(rulesFor("r"), "whole");
   EXPECT_FALSE(std::filesystem::exists(old));
   EXPECT_EQ(stage.sessionFiles().size(), 2U);
+  stage.write("elsewhere", "");
+  std::filesystem::rename(stage.path("elsewhere"), old);
+  std::filesystem::last_write_time(old, std::filesystem::file_time_type::clock::now() - 24h * 8);
+  nextPrompt();
+  EXPECT_EQ(rulesFor("r"), "pointer");
+  EXPECT_TRUE(std::filesystem::exists(old)) << "a session that goes on does not look for them";
 }
 
 }  // namespace

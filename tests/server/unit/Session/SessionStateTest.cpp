@@ -49,6 +49,9 @@ TEST(SessionState, RefusesWhateverIsNotWhole) {
   other.replace(other.find("prompt 7"), 8, "prompt x");
   EXPECT_FALSE(SessionState::parse(other));
   other = text;
+  other.replace(other.find("card 1 2 3"), 10, "card 1 2 3 4");
+  EXPECT_FALSE(SessionState::parse(other));
+  other = text;
   other.replace(other.find("card 1 2 3"), 10, "card 1 2");
   EXPECT_FALSE(SessionState::parse(other));
   EXPECT_FALSE(SessionState::parse(std::string(10'000, '\0')));
