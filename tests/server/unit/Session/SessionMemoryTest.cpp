@@ -127,6 +127,8 @@ TEST_F(SessionMemoryTest, TellsRulesAgainWhenTheClockWentBack) {
   EXPECT_EQ(rulesFor("r"), "whole");
   now -= 30s;
   EXPECT_EQ(rulesFor("r"), "whole");
+  nextPrompt();
+  EXPECT_EQ(rulesFor("r"), "pointer") << "it goes on from there";
 }
 
 TEST_F(SessionMemoryTest, ForgetsEverythingAtACompaction) {
