@@ -74,7 +74,7 @@ std::vector<CardReason> find(const std::string& prompt, const std::string& direc
   const std::vector<SearchTerm> asked = server::Words::searchTerms(prompt);
   std::vector<CardReason> reasons;
   for (const CardPlace& place :
-       server::Recall::choose(index.search(prompt, server::Recall::mostCandidates))) {
+       server::Recall::choose(index.search(asked, server::Recall::mostCandidates))) {
     if (auto reason = reasonFor(place, scope, asked)) reasons.push_back(std::move(*reason));
   }
   return reasons;

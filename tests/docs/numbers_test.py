@@ -34,6 +34,10 @@ LIMITS = [
     ("docs/cli.md", r"answers, within {} s", 1, "src/cli/Doctor.cpp", "serverTime"),
     ("docs/cli.md", r"its last {} lines", 1, "src/cli/Doctor/LogChecks.cpp", "mostLines"),
     ("docs/recall.md", r"less than {} of the best score", 1, "src/server/Index/Ranking.h", "leastPartOfBest"),
+    ("docs/recall.md", r"left out; {} if the prompt is mostly", 1, "src/server/Index/Ranking.h", "leastPartOfBestPairs"),
+    ("docs/memory.md", r"rank are left out; {} for a prompt", 1, "src/server/Index/Ranking.h", "leastPartOfBestPairs"),
+    ("docs/recall.md", r"in Thai {} % of the weight", 0.01, "src/server/Index/Ranking.h", "leastRunsOfAlphabet"),
+    ("docs/recall.md", r"in Korean {} %\.", 0.01, "src/server/Index/Ranking.h", "leastPairsOfHangul"),
 ]
 NUMBER = r"(\d[\d,.]*\d|\d)"
 
@@ -60,7 +64,7 @@ class Numbers(unittest.TestCase):
                 text = re.sub(r"\s+", " ", pages.text(page))
                 found = re.search(sentence.replace("{}", NUMBER), text)
                 self.assertTrue(found, "the page does not say this")
-                self.assertEqual(float(found.group(1).replace(",", "")) * unit, constant(source, name))
+                self.assertAlmostEqual(float(found.group(1).replace(",", "")) * unit, constant(source, name))
 
     def test_of_counted_costs_are_what_the_guard_holds_them_to(self):
         rows = {"pretool": "pre-tool, 0.5 KB", "recall": "recall, minimal server", "refusal": "refusal"}

@@ -6,7 +6,7 @@
 #include <array>
 #include <cmath>
 #include <functional>
-#include <limits>
+#include <numeric>
 #include <queue>
 #include <span>
 #include <tuple>
@@ -40,6 +40,17 @@ double weightOf(const Postings::Place& place) {
   return columnWeights.at(static_cast<std::size_t>(place.column));
 }
 
+/// What a phrase adds to the score of a card. `dampening`: by the card's length.
+double pointsFor(double weight, double frequency, double dampening) {
+  return weight * frequency * (Ranking::saturation + 1) / (frequency + dampening);
+}
+
+/// `part`: the length of a card, as a part of the average.
+double dampeningFor(double part) {
+  using namespace Ranking;
+  return saturation * (1 - lengthPenalty + lengthPenalty * part);
+}
+
 /// The prompt's side of a score.
 struct Query {
   const std::vector<Phrase>& phrases;
@@ -59,52 +70,57 @@ struct Query {
     }
     for (const double weight : scriptWeights) allWeights += weight;
   }
-};
 
-/// What a card has of one phrase.
-struct Match {
-  std::size_t phrase;
-  std::size_t begin;  ///< among the phrase's places
-  std::size_t end;
-};
-
-/// Gives the cards that have any of the phrases, in the order of their rows, each with what it has.
-class Walk {
- public:
-  explicit Walk(const std::vector<Phrase>& phrases) : phrases_(phrases), next_(phrases.size()) {}
-
-  /// False behind the last card.
-  bool step() {
-    matches_.clear();
-    card_ = std::numeric_limits<std::int64_t>::max();
-    for (std::size_t phrase = 0; phrase < phrases_.size(); ++phrase) {
-      if (hasMore(phrase)) card_ = std::min(card_, row(phrase));
+  /// What a score must be at least, as a part of the best one.
+  [[nodiscard]] double leastPart() const {
+    double pairs = 0;
+    double all = 0;
+    for (std::size_t at = 0; at < scripts; ++at) {
+      all += scriptWeights.at(at);
+      if (leastShare(PairedScript(at)) > 0) pairs += scriptWeights.at(at);
     }
-    for (std::size_t phrase = 0; phrase < phrases_.size(); ++phrase) {
-      if (!hasMore(phrase) || row(phrase) != card_) continue;
-      const std::vector<std::size_t>& ends = phrases_[phrase].postings->ends;
-      const std::size_t at = next_[phrase]++;
-      matches_.push_back({.phrase = phrase, .begin = at == 0 ? 0 : ends[at - 1], .end = ends[at]});
-    }
-    return !matches_.empty();
+    return pairs > all / 2 ? Ranking::leastPartOfBestPairs : Ranking::leastPartOfBest;
   }
 
-  [[nodiscard]] std::int64_t card() const { return card_; }
-  [[nodiscard]] const std::vector<Match>& matches() const { return matches_; }
-
- private:
-  [[nodiscard]] bool hasMore(std::size_t phrase) const {
-    return next_[phrase] < phrases_[phrase].postings->rows.size();
-  }
-  [[nodiscard]] std::int64_t row(std::size_t phrase) const {
-    return phrases_[phrase].postings->rows[next_[phrase]];
+  /// `covered`: the weight of the phrases that a card has.
+  [[nodiscard]] double partOf(double covered) const {
+    using Ranking::coverageShare;
+    return 1 - coverageShare + coverageShare * covered / allWeights;
   }
 
-  const std::vector<Phrase>& phrases_;
-  std::vector<std::size_t> next_;  ///< for each phrase, the first row that was not given
-  std::int64_t card_ = 0;
-  std::vector<Match> matches_;  ///< in the order of their phrases
+  /// What it adds that a phrase comes behind the one before it.
+  [[nodiscard]] double pointsForOrder(std::size_t phrase) const {
+    return Ranking::phraseWeight * std::min(weights[phrase], weights[phrase - 1]);
+  }
 };
+
+/// How often a card has a phrase, by the weights of the columns.
+double frequencyOf(const Query& query, const Match& match) {
+  const std::vector<Postings::Place>& places = query.phrases[match.phrase].postings->places;
+  double frequency = 0;
+  for (std::size_t place = match.begin; place < match.end; ++place) {
+    frequency += weightOf(places[place]);
+  }
+  return frequency;
+}
+
+/// What the score of a card is at most: were it the shortest of all, and its phrases in the
+/// prompt's order. 0 for one whose phrases say too little. It is had for much less than the score.
+double mostFor(const Query& query, std::span<const Match> matches) {
+  const double dampening = dampeningFor(0);
+  double says = 0;
+  double score = 0;
+  double covered = 0;
+  for (std::size_t at = 0; at < matches.size(); ++at) {
+    const std::size_t phrase = matches[at].phrase;
+    says += query.phrases[phrase].says;
+    covered += query.weights[phrase];
+    score += pointsFor(query.weights[phrase], frequencyOf(query, matches[at]), dampening);
+    const bool mayFollow = at > 0 && matches[at - 1].phrase + 1 == phrase;
+    if (mayFollow) score += query.pointsForOrder(phrase);
+  }
+  return says >= Ranking::enough ? score * query.partOf(covered) : 0;
+}
 
 /// One card's side of a score.
 class CardMatches {
@@ -114,9 +130,7 @@ class CardMatches {
     bool mayFollow = false;
     for (std::size_t at = 0; at < matches_.size(); ++at) {
       mayFollow = mayFollow || (at > 0 && matches_[at - 1].phrase + 1 == matches_[at].phrase);
-      for (std::size_t place = matches_[at].begin; place < matches_[at].end; ++place) {
-        frequencies_.at(at) += weightOf(placesOf(matches_[at])[place]);
-      }
+      frequencies_.at(at) = frequencyOf(query, matches_[at]);
     }
     if (mayFollow) follow();
   }
@@ -141,23 +155,16 @@ class CardMatches {
 
   /// `length`: words of the card.
   [[nodiscard]] double score(double length) const {
-    using namespace Ranking;
-    const double part = length / query_.averageLength;
-    const double dampening = saturation * (1 - lengthPenalty + lengthPenalty * part);
+    const double dampening = dampeningFor(length / query_.averageLength);
     double score = 0;
     double covered = 0;
     for (std::size_t at = 0; at < matches_.size(); ++at) {
       const std::size_t phrase = matches_[at].phrase;
-      const double frequency = frequencies_.at(at);
-      const double weight = query_.weights[phrase];
-      covered += weight;
-      score += weight * frequency * (saturation + 1) / (frequency + dampening);
-      if (following_.at(phrase)) {
-        score += phraseWeight * std::min(weight, query_.weights[phrase - 1]);
-      }
+      covered += query_.weights[phrase];
+      score += pointsFor(query_.weights[phrase], frequencies_.at(at), dampening);
+      if (following_.at(phrase)) score += query_.pointsForOrder(phrase);
     }
-    const double coverage = covered / query_.allWeights;
-    return score * (1 - coverageShare + coverageShare * coverage);
+    return score * query_.partOf(covered);
   }
 
  private:
@@ -208,7 +215,7 @@ class CardMatches {
 /// A card whose length is not known yet.
 struct Candidate {
   std::int64_t card;
-  double most;        ///< its score, were it the shortest of all
+  double most;        ///< that its score may be
   std::size_t begin;  ///< among the matches of all candidates
   std::size_t end;
 
@@ -226,15 +233,15 @@ struct Candidates {
   }
 };
 
-Candidates candidatesFor(const Query& query) {
+Candidates candidatesFor(const Query& query, const std::vector<bool>& leading) {
   Candidates all;
-  for (Walk walk(query.phrases); walk.step();) {
-    const CardMatches matches(query, walk.matches());
-    if (!matches.sayEnough()) continue;
+  for (Walk walk(query.phrases, leading); walk.step();) {
+    const double most = mostFor(query, walk.matches());
+    if (most <= 0) continue;
     const std::size_t begin = all.matches.size();
     all.matches.insert(all.matches.end(), walk.matches().begin(), walk.matches().end());
     all.heap.push_back(
-        {.card = walk.card(), .most = matches.score(0), .begin = begin, .end = all.matches.size()});
+        {.card = walk.card(), .most = most, .begin = begin, .end = all.matches.size()});
   }
   std::make_heap(all.heap.begin(), all.heap.end());
   return all;
@@ -243,7 +250,7 @@ Candidates candidatesFor(const Query& query) {
 /// The scores that are kept so far.
 class Best {
  public:
-  explicit Best(std::size_t limit) : limit_(limit) {}
+  Best(std::size_t limit, double leastPart) : limit_(limit), leastPart_(leastPart) {}
 
   void take(double score) {
     best_ = std::max(best_, score);
@@ -254,37 +261,88 @@ class Best {
   /// What a score must reach to be kept.
   [[nodiscard]] double least() const {
     const double last = kept_.size() == limit_ ? kept_.top() : 0;
-    return std::max(last, best_ * Ranking::leastPartOfBest);
+    return std::max(last, best_ * leastPart_);
   }
 
  private:
   std::size_t limit_;
+  double leastPart_;
   double best_ = 0;
   std::priority_queue<double, std::vector<double>, std::greater<>> kept_;  ///< the lowest on top
 };
+
+/// What a card can score at most that has none of the leading phrases; 0 when all are leading.
+double mostWithout(const std::vector<bool>& leading, const Query& query) {
+  double score = 0;
+  double covered = 0;
+  for (std::size_t phrase = 0; phrase < leading.size(); ++phrase) {
+    if (leading[phrase]) continue;
+    covered += query.weights[phrase];
+    score += query.weights[phrase] * (Ranking::saturation + 1);
+    if (phrase > 0 && !leading[phrase - 1]) score += query.pointsForOrder(phrase);
+  }
+  return score * query.partOf(covered);
+}
+
+/// The phrases, each true but for the most frequent ones, if hardly a card is worth showing that
+/// has only these: not when the best card has but the rarest phrase, and that once.
+std::vector<bool> leadingOf(const Query& query) {
+  std::vector<std::size_t> rarestFirst(query.phrases.size());
+  std::iota(rarestFirst.begin(), rarestFirst.end(), 0U);
+  std::sort(rarestFirst.begin(), rarestFirst.end(), [&query](std::size_t one, std::size_t other) {
+    return query.weights[one] > query.weights[other];
+  });
+  std::vector<bool> leading(query.phrases.size(), true);
+  if (leading.empty()) return leading;
+  const double rarest = query.weights[rarestFirst.front()];
+  const double least = query.leastPart() * rarest * query.partOf(rarest);
+  for (; !rarestFirst.empty(); rarestFirst.pop_back()) {
+    leading[rarestFirst.back()] = false;
+    if (mostWithout(leading, query) < least) continue;
+    leading[rarestFirst.back()] = true;
+    break;
+  }
+  return leading;
+}
+
+/// Scores the cards that may be worth showing of those with any leading phrase, and takes the
+/// scores. Absent when the database failed.
+std::optional<std::vector<Scored>> scored(const Query& query, const std::vector<bool>& leading,
+                                          PhraseReader& reader, Best& best) {
+  std::vector<Scored> all;
+  Candidates candidates = candidatesFor(query, leading);
+  std::vector<Candidate>& left = candidates.heap;
+  while (!left.empty() && left.front().most >= best.least()) {
+    std::pop_heap(left.begin(), left.end());
+    const Candidate one = left.back();
+    left.pop_back();
+    const CardMatches matches(query, candidates.matchesOf(one));
+    // To know how long a card is takes time, so that is not asked when it cannot matter.
+    if (!matches.sayEnough() || matches.score(0) < best.least()) continue;
+    const auto length = reader.lengthOf(one.card);
+    if (!length) return std::nullopt;
+    const double score = matches.score(*length);
+    all.push_back({.id = one.card, .score = score});
+    best.take(score);
+  }
+  return all;
+}
 
 }  // namespace
 
 std::optional<std::vector<Scored>> of(const std::vector<Phrase>& phrases, std::size_t unknown,
                                       PhraseReader& reader, std::size_t limit) {
   const Query query(phrases, unknown, reader.totals());
-  Best best(limit);
-  std::vector<Scored> all;
-  Candidates candidates = candidatesFor(query);
-  std::vector<Candidate>& left = candidates.heap;
-  // To know how long a card is takes time, so that is not asked when it cannot matter.
-  while (!left.empty() && left.front().most >= best.least()) {
-    std::pop_heap(left.begin(), left.end());
-    const Candidate& one = left.back();
-    const auto length = reader.lengthOf(one.card);
-    if (!length) return std::nullopt;
-    const double score = CardMatches(query, candidates.matchesOf(one)).score(*length);
-    all.push_back({.id = one.card, .score = score});
-    best.take(score);
-    left.pop_back();
+  Best best(limit, query.leastPart());
+  const std::vector<bool> leading = leadingOf(query);
+  auto all = scored(query, leading, reader, best);
+  if (all && mostWithout(leading, query) >= best.least() && mostWithout(leading, query) > 0) {
+    best = Best(limit, query.leastPart());
+    all = scored(query, std::vector<bool>(phrases.size(), true), reader, best);
   }
+  if (!all) return std::nullopt;
   const double least = best.least();
-  std::erase_if(all, [least](const Scored& one) { return one.score < least; });
+  std::erase_if(*all, [least](const Scored& one) { return one.score < least; });
   return all;
 }
 

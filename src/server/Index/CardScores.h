@@ -1,7 +1,7 @@
 #pragma once
 
+#include "server/Index/CardWalk.h"
 #include "server/Index/PhraseReader.h"
-#include "support/Text/Character.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,15 +11,6 @@
 /// How well cards match a prompt: BM25, more when words that follow each other in the prompt do so
 /// in the card, and when much of the prompt is in it.
 namespace quillstead::server::CardScores {
-
-/// A term of the prompt, as the index knows it.
-struct Phrase {
-  double cards;               ///< that have it, or as many as were counted
-  double says;                ///< as a search term's
-  Text::PairedScript script;  ///< as a search term's
-  bool follows;               ///< the phrase before it comes just before it in the prompt
-  const Postings* postings;
-};
 
 struct Scored {
   std::int64_t id;

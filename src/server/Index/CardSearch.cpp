@@ -21,6 +21,7 @@ struct Known {
   std::size_t place;      ///< in the prompt
   std::size_t cards = 0;  ///< that have it, or as many as were counted
   Postings postings;
+  bool isWhole = false;  ///< the postings are all there are
 };
 
 std::string expressionOf(const SearchTerm& term) {
@@ -55,23 +56,17 @@ std::optional<SearchTerm> guess(const SearchTerm& whole, const SearchTerm& tried
                     .isBeginning = true};
 }
 
-/// Of a term in more cards it is only counted at first: it may be too common to matter.
-constexpr std::size_t fewPlaced = 32;
-
 /// Looks terms up, one after the other.
 class Lookup {
  public:
-  Lookup(PhraseReader& reader, std::size_t mostCounted)
-      : reader_(reader), mostCounted_(mostCounted) {}
+  Lookup(PhraseReader& reader, std::size_t mostCounted, CommonTerms& common)
+      : reader_(reader), mostCounted_(mostCounted), common_(common) {}
 
   /// The term, or the guess at it, with the cards that have it. Absent when the database failed.
   std::optional<Known> find(const SearchTerm& term, std::size_t place) {
     Known known{.term = term, .place = place, .postings = {}};
     for (;;) {
-      auto postings = reader_.read(expressionOf(known.term), mostCounted_, fewPlaced);
-      if (!postings) return std::nullopt;
-      known.cards = postings->rows.size();
-      known.postings = std::move(*postings);
+      if (!read(known)) return std::nullopt;
       if (known.cards > 0 || guessesLeft_ == 0) return known;
       const auto next = guess(term, known.term);
       if (!next) return known;
@@ -81,15 +76,31 @@ class Lookup {
   }
 
  private:
+  bool read(Known& known) {
+    const std::string expression = expressionOf(known.term);
+    if (common_.contain(expression)) {
+      known.cards = mostCounted_;
+      return true;
+    }
+    auto found = reader_.read(expression, mostCounted_);
+    if (!found) return false;
+    known.cards = found->count;
+    known.isWhole = found->isWhole;
+    known.postings = std::move(found->postings);
+    if (known.cards >= mostCounted_) common_.add(expression);
+    return true;
+  }
+
   PhraseReader& reader_;
   std::size_t mostCounted_;
+  CommonTerms& common_;
   std::size_t guessesLeft_ = Ranking::mostGuesses;
 };
 
 std::optional<std::vector<Known>> lookedUp(PhraseReader& reader,
                                            const std::vector<SearchTerm>& terms,
-                                           std::size_t mostCounted) {
-  Lookup lookup(reader, mostCounted);
+                                           std::size_t mostCounted, CommonTerms& common) {
+  Lookup lookup(reader, mostCounted, common);
   std::vector<Known> all;
   for (const SearchTerm& term : terms) {
     auto one = lookup.find(term, all.size());
@@ -103,9 +114,11 @@ std::optional<std::vector<Known>> lookedUp(PhraseReader& reader,
   return all;
 }
 
-/// A term that is in more cards is common. None is in a small store.
-std::size_t mostOfRare(std::size_t cards) {
-  return cards < Ranking::largeStore ? cards : cards / 2;
+constexpr std::size_t every = std::numeric_limits<std::size_t>::max();
+
+/// A term that is in so many cards is common. None is in a small store.
+std::size_t leastOfCommon(std::size_t cards) {
+  return cards < Ranking::largeStore ? every : cards / 2 + 1;
 }
 
 std::optional<std::vector<Scored>> scores(const std::vector<const Known*>& terms,
@@ -126,26 +139,24 @@ std::optional<std::vector<Scored>> scores(const std::vector<const Known*>& terms
 
 /// Reads all there is of the terms that are in fewer than `limit` cards.
 bool readWhole(std::vector<Known>& terms, std::size_t limit, PhraseReader& reader) {
-  constexpr std::size_t all = std::numeric_limits<std::size_t>::max();
   return std::all_of(terms.begin(), terms.end(), [&](Known& one) {
-    if (one.postings.areWhole() || one.cards >= limit) return true;
-    auto postings = reader.read(expressionOf(one.term), all, all);
-    if (postings) one.postings = std::move(*postings);
-    return postings.has_value();
+    if (one.isWhole || one.cards >= limit) return true;
+    auto found = reader.read(expressionOf(one.term), every);
+    if (found) one.postings = std::move(found->postings);
+    return found.has_value();
   });
 }
 
 }  // namespace
 
-std::optional<std::vector<Scored>> find(Database& database, std::string_view prompt,
-                                        std::size_t cards, std::size_t limit) {
-  const std::vector<SearchTerm> wanted = Words::searchTerms(prompt);
+std::optional<std::vector<Scored>> find(Database& database, const std::vector<SearchTerm>& wanted,
+                                        std::size_t cards, std::size_t limit, CommonTerms& common) {
   if (wanted.empty() || limit == 0) return std::vector<Scored>();
   auto reader = PhraseReader::of(database);
   if (!reader) return std::nullopt;
   // How many more cards have a common term does not matter.
-  const std::size_t mostCounted = mostOfRare(cards) + 1;
-  auto terms = lookedUp(*reader, wanted, mostCounted);
+  const std::size_t mostCounted = leastOfCommon(cards);
+  auto terms = lookedUp(*reader, wanted, mostCounted, common);
   if (!terms) return std::nullopt;
   const std::size_t unknown =
       std::erase_if(*terms, [](const Known& one) { return one.cards == 0; });
@@ -153,14 +164,14 @@ std::optional<std::vector<Scored>> find(Database& database, std::string_view pro
   // The terms that are in more than half of a large store's cards add next to nothing to a score,
   // but would make it be computed for all those cards.
   if (!readWhole(*terms, mostCounted, *reader)) return std::nullopt;
-  std::vector<const Known*> all;
-  for (const Known& one : *terms) all.push_back(&one);
-  std::vector<const Known*> rare = all;
+  std::vector<const Known*> known;
+  for (const Known& one : *terms) known.push_back(&one);
+  std::vector<const Known*> rare = known;
   std::erase_if(rare, [mostCounted](const Known* one) { return one->cards >= mostCounted; });
   auto found = scores(rare, unknown, *reader, limit);
-  if (!found || !found->empty() || rare.size() == all.size()) return found;
-  if (!readWhole(*terms, std::numeric_limits<std::size_t>::max(), *reader)) return std::nullopt;
-  return scores(all, unknown, *reader, limit);
+  if (!found || !found->empty() || rare.size() == known.size()) return found;
+  if (!readWhole(*terms, every, *reader)) return std::nullopt;
+  return scores(known, unknown, *reader, limit);
 }
 
 }  // namespace quillstead::server::CardSearch

@@ -1,21 +1,24 @@
 #pragma once
 
 #include "server/Index/CardScores.h"
+#include "server/Index/CommonTerms.h"
 #include "server/Index/Database.h"
+#include "server/Index/Words.h"
 
 #include <cstddef>
 #include <optional>
-#include <string_view>
 #include <vector>
 
-/// Finds the cards with words of a prompt.
+/// Finds the cards with terms of a prompt.
 namespace quillstead::server::CardSearch {
 
 using CardScores::Scored;
 
 /// The cards worth showing, in no order: the `limit` best and those that are as good as the last of
-/// them. `cards`: how many there are. Absent when the database failed.
-std::optional<std::vector<Scored>> find(Database& database, std::string_view prompt,
-                                        std::size_t cards, std::size_t limit);
+/// them. `cards`: how many there are. `common`: those that are known to be in more than half of
+/// the cards; gets those that are found out to be. Absent when the database failed.
+std::optional<std::vector<Scored>> find(Database& database,
+                                        const std::vector<Words::SearchTerm>& wanted,
+                                        std::size_t cards, std::size_t limit, CommonTerms& common);
 
 }  // namespace quillstead::server::CardSearch

@@ -1,5 +1,6 @@
 #include "server/Index/Index.h"
 
+#include "server/Index/CommonTerms.h"
 #include "server/Index/IndexFile.h"
 #include "server/Index/IndexQueries.h"
 #include "server/Index/IndexUpdate.h"
@@ -15,14 +16,14 @@ using namespace std::chrono_literals;
 constexpr std::size_t mostOfOneTitle = 100;
 
 /// All statements of the query see the same state, whatever other servers write meanwhile. Gives
-/// the query's own result, absent also when it could not be asked.
+/// the query's own result, absent also when it could not be run.
 template <typename Query>
-auto ask(Database& database, const Query& query) {
-  using Answer = decltype(query(database));
-  if (!database.run("BEGIN")) return Answer();
-  Answer answer = query(database);
+auto run(Database& database, const Query& query) {
+  using Result = decltype(query(database));
+  if (!database.run("BEGIN")) return Result();
+  Result result = query(database);
   database.rollBack();
-  return answer;
+  return result;
 }
 
 }  // namespace
@@ -38,30 +39,34 @@ Index Index::opened(const Scope& scope, const OS::Environment& environment, Pati
 
 /// `query`: gives an optional that is absent when the database failed.
 template <typename Query>
-auto Index::answerTo(const Query& query) {
-  using Answer = typename decltype(query(database_))::value_type;
-  if (auto answer = ask(database_, query)) return std::move(*answer);
+auto Index::resultOf(const Query& query) {
+  using Result = typename decltype(query(database_))::value_type;
+  if (auto result = run(database_, query)) return std::move(*result);
   if (database_.error() == DatabaseError::damaged && database_.empty() && bringUpToDate()) {
-    if (auto answer = ask(database_, query)) return std::move(*answer);
+    if (auto result = run(database_, query)) return std::move(*result);
   }
   if (!path_.empty()) {
     openInMemory();
-    if (auto answer = ask(database_, query)) return std::move(*answer);
+    if (auto result = run(database_, query)) return std::move(*result);
   }
-  return Answer();
+  return Result();
 }
 
-std::vector<CardPlace> Index::search(std::string_view prompt, std::size_t limit) {
-  return answerTo(
-      [&](Database& database) { return IndexQueries::search(database, prompt, limit); });
+std::vector<CardPlace> Index::search(const std::vector<Words::SearchTerm>& terms,
+                                     std::size_t limit) {
+  CommonTerms common;
+  std::vector<CardPlace> places = resultOf(
+      [&](Database& database) { return IndexQueries::search(database, terms, limit, common); });
+  common.keep(database_);
+  return places;
 }
 
 Titles Index::titles(std::size_t limit) {
-  return answerTo([&](Database& database) { return IndexQueries::titles(database, limit); });
+  return resultOf([&](Database& database) { return IndexQueries::titles(database, limit); });
 }
 
 std::vector<CardPlace> Index::withTitle(std::string_view title) {
-  return answerTo(
+  return resultOf(
       [&](Database& database) { return IndexQueries::withTitle(database, title, mostOfOneTitle); });
 }
 

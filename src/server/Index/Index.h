@@ -2,6 +2,7 @@
 
 #include "server/Index/Database.h"
 #include "server/Index/Survey.h"
+#include "server/Index/Words.h"
 #include "server/Store/Scope.h"
 #include "support/OS/Environment.h"
 
@@ -48,8 +49,8 @@ class Index {
   /// incomplete, and the next call continues it.
   static Index opened(const Scope& scope, const OS::Environment& environment, Patience patience);
 
-  /// The cards that match the prompt, best first, at most `limit`.
-  std::vector<CardPlace> search(std::string_view prompt, std::size_t limit);
+  /// The cards that match a prompt with these terms, best first, at most `limit`.
+  std::vector<CardPlace> search(const std::vector<Words::SearchTerm>& terms, std::size_t limit);
 
   /// At most `limit` titles.
   Titles titles(std::size_t limit);
@@ -65,7 +66,7 @@ class Index {
         patience_(patience) {}
 
   template <typename Query>
-  auto answerTo(const Query& query);
+  auto resultOf(const Query& query);
   void update();
   void openInMemory();
   bool bringUpToDate();

@@ -92,14 +92,15 @@ std::optional<std::vector<CardPlace>> places(Statement& read) {
 
 }  // namespace
 
-std::optional<std::vector<CardPlace>> search(Database& database, std::string_view prompt,
-                                             std::size_t limit) {
-  const auto cards = IndexTables::cardCounts(database);
+std::optional<std::vector<CardPlace>> search(Database& database,
+                                             const std::vector<Words::SearchTerm>& terms,
+                                             std::size_t limit, CommonTerms& common) {
+  const auto cards = IndexTables::cardCounts(database, &common);
   if (!cards) return std::nullopt;
   // One store alone needs no more than it shows.
   const bool areTwo = (*cards)[0] > 0 && (*cards)[1] > 0;
-  auto scored = CardSearch::find(database, prompt, totalOf(*cards),
-                                 areTwo ? std::max(limit, mostLookedAt) : limit);
+  auto scored = CardSearch::find(database, terms, totalOf(*cards),
+                                 areTwo ? std::max(limit, mostLookedAt) : limit, common);
   if (!scored) return std::nullopt;
   std::sort(scored->begin(), scored->end(),
             [](const auto& one, const auto& other) { return one.score > other.score; });
@@ -139,7 +140,7 @@ std::optional<Titles> titles(Database& database, std::size_t limit) {
 std::optional<std::vector<CardPlace>> withTitle(Database& database, std::string_view title,
                                                 std::size_t limit) {
   for (const std::string_view condition : {"title = ?", "title = ? COLLATE NOCASE"}) {
-    Statement read = database.prepare("SELECT store, name FROM files WHERE isCard AND " +
+    Statement read = database.prepare("SELECT store, name FROM files WHERE isCard = 1 AND " +
                                       std::string(condition) + " ORDER BY store, name LIMIT ?");
     auto found = places(read.bind(1, title).bind(2, static_cast<std::int64_t>(limit)));
     if (!found || !found->empty()) return found;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "server/Index/CommonTerms.h"
 #include "server/Index/Database.h"
 #include "server/Index/Index.h"
+#include "server/Index/Words.h"
 
 #include <cstddef>
 #include <optional>
@@ -11,12 +13,13 @@
 /// Queries of an index. Each result is absent when the database failed.
 namespace quillstead::server::IndexQueries {
 
-/// The cards for a prompt, at most `limit`, ranked over all cards. Words in the title weigh most,
-/// then tags, then the body. Equal ranks are ordered by store, the project first, then by file
-/// name. Cards far worse than the best are left out. At least two cards of each store are kept if
-/// they match.
-std::optional<std::vector<CardPlace>> search(Database& database, std::string_view prompt,
-                                             std::size_t limit);
+/// The cards for a prompt's terms, at most `limit`, ranked over all cards. Words in the title weigh
+/// most, then tags, then the body. Equal ranks are ordered by store, the project first, then by
+/// file name. Cards far worse than the best are left out. At least two cards of each store are kept
+/// if they match. `common`: gets those of the index, and what this search found out.
+std::optional<std::vector<CardPlace>> search(Database& database,
+                                             const std::vector<Words::SearchTerm>& terms,
+                                             std::size_t limit, CommonTerms& common);
 
 /// At most `limit` titles: the project's before the personal, the newest first.
 std::optional<Titles> titles(Database& database, std::size_t limit);

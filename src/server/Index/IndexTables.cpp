@@ -20,12 +20,11 @@ bool create(Database& database) {
   return database.run(R"sql(
     CREATE TABLE IF NOT EXISTS state (
       only INTEGER PRIMARY KEY CHECK (only = 1), fingerprint, isUnfinished, needsMerging, namesStamp,
-      seenParts, projectCards, personalCards, roots);
+      seenParts, projectCards, personalCards, roots, commonTerms);
     CREATE TABLE IF NOT EXISTS seen (part INTEGER PRIMARY KEY, files);
     CREATE TABLE IF NOT EXISTS files (
       id INTEGER PRIMARY KEY, store, name, size, modified, isCard, title, content);
     CREATE INDEX IF NOT EXISTS newest ON files (isCard, store, modified DESC, name, title);
-    CREATE INDEX IF NOT EXISTS titles ON files (title) WHERE isCard;
     CREATE VIRTUAL TABLE IF NOT EXISTS cards USING fts5(
       title, tags, body,
       tokenize = "porter unicode61 remove_diacritics 2 categories 'L* M* N* Co' tokenchars '.'");
@@ -50,7 +49,7 @@ std::optional<State> state(Database& database) {
 bool setState(Database& database, State state, const std::vector<std::string>& roots) {
   std::string joined;
   for (const std::string& root : roots) joined.append(root).push_back('\0');
-  return database.prepare("INSERT OR REPLACE INTO state VALUES (1, ?, ?, ?, ?, ?, ?, ?, ?)")
+  return database.prepare("INSERT OR REPLACE INTO state VALUES (1, ?, ?, ?, ?, ?, ?, ?, ?, '')")
       .bind(1, state.fingerprint)
       .bind(2, std::int64_t{state.isUnfinished})
       .bind(3, std::int64_t{state.needsMerging})
@@ -74,9 +73,11 @@ std::vector<std::string> roots(Database& database) {
   return all;
 }
 
-std::optional<CardCounts> cardCounts(Database& database) {
-  Statement read = database.prepare("SELECT projectCards, personalCards FROM state");
+std::optional<CardCounts> cardCounts(Database& database, CommonTerms* common) {
+  Statement read =
+      database.prepare("SELECT projectCards, personalCards, fingerprint, commonTerms FROM state");
   if (read.step() != Statement::Step::row) return std::nullopt;
+  if (common) *common = CommonTerms(read.integer(2), read.text(3));
   return CardCounts{read.integer(0), read.integer(1)};
 }
 

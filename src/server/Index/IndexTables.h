@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/Index/CommonTerms.h"
 #include "server/Index/Database.h"
 #include "server/Index/Survey.h"
 #include "server/Store/Card.h"
@@ -17,7 +18,7 @@ namespace quillstead::server::IndexTables {
 /// The version of the tables, of the tokenizer, and of how texts are split into words. It is part
 /// of the file's name, so that versions of the server do not share an index. Raise it with every
 /// change of these; a test fails if that was forgotten.
-inline constexpr int version = 5;
+inline constexpr int version = 6;
 
 /// A file as the index stores it. `store` is written as the number of its enumerator.
 struct Row {
@@ -48,14 +49,15 @@ struct State {
 /// Absent when there is none or it cannot be read.
 std::optional<State> state(Database& database);
 
-/// `roots`: the directories of the existing stores.
+/// `roots`: the directories of the existing stores. Forgets the common terms.
 bool setState(Database& database, State state, const std::vector<std::string>& roots);
 
 /// The stored roots; none when they cannot be read.
 std::vector<std::string> roots(Database& database);
 
-/// The cards of the state. Absent when there is none or it cannot be read.
-std::optional<CardCounts> cardCounts(Database& database);
+/// The cards of the state. Absent when there is none or it cannot be read. `common`: if given,
+/// gets the state's common terms.
+std::optional<CardCounts> cardCounts(Database& database, CommonTerms* common = nullptr);
 
 /// The same, counted in the rows.
 std::optional<CardCounts> countedCards(Database& database);

@@ -11,6 +11,9 @@ namespace {
 constexpr const char* functionName = "phrasePlaces";
 constexpr const char* pointerType = "quillstead-reading";
 
+/// After so many rows it is guessed how many more have a phrase.
+constexpr std::size_t fewRows = 64;
+
 /// FTS5's own interface, absent when this SQLite has none.
 fts5_api* interfaceOf(Database& database) {
   fts5_api* api = nullptr;
@@ -39,8 +42,7 @@ std::uint64_t takeNumber(std::string_view& bytes) {
 struct PhraseReading {
   PhraseReader::Totals& totals;
   std::size_t mostRows;
-  std::size_t mostPlaced;
-  Postings postings;
+  PhraseReader::Found found;
 
   static void run(const Fts5ExtensionApi* api, Fts5Context* context, sqlite3_context* result,
                   int count, sqlite3_value** values) {
@@ -62,17 +64,30 @@ struct PhraseReading {
 
   static int visit(const Fts5ExtensionApi* api, Fts5Context* context, void* data) {
     PhraseReading& reading = *static_cast<PhraseReading*>(data);
-    Postings& postings = reading.postings;
-    postings.rows.push_back(api->xRowid(context));
-    const std::size_t rows = postings.rows.size();
-    if (rows <= reading.mostPlaced) {
-      const int status = place(api, context, postings);
+    PhraseReader::Found& found = reading.found;
+    ++found.count;
+    if (found.isWhole) {
+      const int status = place(api, context, found.postings);
       if (status != SQLITE_OK) return status;
+      found.isWhole = found.count != fewRows || reading.seemsRare();
     }
-    return rows < reading.mostRows ? SQLITE_OK : SQLITE_DONE;
+    if (found.count < reading.mostRows) return SQLITE_OK;
+    found.isWhole = false;
+    return SQLITE_DONE;
+  }
+
+  /// After the first rows: false when the phrase seems to be in more than half of all rows. Their
+  /// numbers have few gaps.
+  [[nodiscard]] bool seemsRare() const {
+    constexpr std::int64_t sevenTenths = 7;
+    constexpr std::int64_t ten = 10;
+    const std::int64_t last = found.postings.rows.back();
+    return mostRows >= static_cast<std::size_t>(totals.rows) ||
+           static_cast<std::int64_t>(fewRows) * ten < last * sevenTenths;
   }
 
   static int place(const Fts5ExtensionApi* api, Fts5Context* context, Postings& postings) {
+    postings.rows.push_back(api->xRowid(context));
     Fts5PhraseIter next{};
     int column = 0;
     int offset = 0;
@@ -96,14 +111,14 @@ std::optional<PhraseReader> PhraseReader::of(Database& database) {
       database.prepare("SELECT sz FROM cards_docsize WHERE id = ?"));
 }
 
-std::optional<Postings> PhraseReader::read(const std::string& expression, std::size_t mostRows,
-                                           std::size_t mostPlaced) {
+std::optional<PhraseReader::Found> PhraseReader::read(const std::string& expression,
+                                                      std::size_t mostRows) {
   PhraseReading reading{
-      .totals = totals_, .mostRows = mostRows, .mostPlaced = mostPlaced, .postings = {}};
+      .totals = totals_, .mostRows = mostRows, .found = {.isWhole = true, .postings = {}}};
   const Statement::Step step = find_.bind(1, expression).bind(2, &reading, pointerType).step();
   find_.reset();
   if (step == Statement::Step::failed) return std::nullopt;
-  return std::move(reading.postings);
+  return std::move(reading.found);
 }
 
 std::optional<double> PhraseReader::lengthOf(std::int64_t row) {

@@ -19,9 +19,6 @@ struct Postings {
   std::vector<std::int64_t> rows;
   std::vector<std::size_t> ends;  ///< for each row, how many places it and those before it have
   std::vector<Place> places;
-
-  /// False when places were read of the first rows only.
-  [[nodiscard]] bool areWhole() const { return ends.size() == rows.size(); }
 };
 
 /// Reads where phrases are in the full-text index.
@@ -30,10 +27,15 @@ class PhraseReader {
   /// Absent when the database failed.
   static std::optional<PhraseReader> of(Database& database);
 
-  /// What an expression of one phrase finds: the first `mostRows` rows that have it, and the places
-  /// in the first `mostPlaced` of them. Absent when the database failed.
-  std::optional<Postings> read(const std::string& expression, std::size_t mostRows,
-                               std::size_t mostPlaced);
+  struct Found {
+    std::size_t count = 0;  ///< rows that have it, or the number at which counting ended
+    bool isWhole = false;   ///< the postings are of all rows that have it
+    Postings postings;
+  };
+
+  /// What an expression of one phrase finds. Counting ends at `mostRows`, and of a phrase that
+  /// seems to be in more rows only some postings are read. Absent when the database failed.
+  std::optional<Found> read(const std::string& expression, std::size_t mostRows);
 
   /// The words of all rows, and how many rows there are. Known once a phrase was found.
   struct Totals {

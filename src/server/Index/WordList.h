@@ -12,7 +12,8 @@ template <const std::string_view& text>
 class WordList {
  public:
   static bool contains(std::string_view word) {
-    return std::binary_search(words.begin(), words.end(), word);
+    return !word.empty() && marks[markOf(word)] &&
+           std::binary_search(words.begin(), words.end(), word);
   }
 
  private:
@@ -38,7 +39,22 @@ class WordList {
     return all;
   }
 
+  /// Most words that are not in the list have a mark that none of the list has.
+  static constexpr std::size_t markOf(std::string_view word) {
+    const auto inner = static_cast<unsigned char>(word[word.size() / 3]);
+    const auto last = static_cast<unsigned char>(word.back());
+    return (inner + last * 32U + word.size() * 128U) % mostMarks;
+  }
+
+  static constexpr auto marked() {
+    std::array<bool, mostMarks> found{};
+    for (const std::string_view word : sorted()) found[markOf(word)] = true;
+    return found;
+  }
+
+  static constexpr std::size_t mostMarks = 2'048;
   static constexpr auto words = sorted();
+  static constexpr auto marks = marked();
 };
 
 }  // namespace quillstead::server

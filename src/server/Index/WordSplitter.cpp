@@ -98,7 +98,7 @@ bool joins(char before, char sign, char after) {
 /// The bytes of the word at the beginning of `text`, which has one, and of those joined to it.
 std::size_t nameLength(std::string_view text) {
   std::size_t length = spacedWord(text);
-  while (length + 1 < text.size()) {
+  while (length + 1 < text.size() && isSign(text[length])) {
     const std::size_t next = spacedWord(text.substr(length + 1));
     if (next == 0 || !joins(text[length - 1], text[length], text[length + 1])) break;
     length += 1 + next;
@@ -118,7 +118,7 @@ bool beginsPart(std::string_view word, std::size_t at) {
 void giveParts(std::string_view word, const Take& take) {
   std::size_t begin = 0;
   for (std::size_t at = 1; at < word.size(); ++at) {
-    if (!beginsPart(word, at)) continue;
+    if (!isUpper(word[at]) || !beginsPart(word, at)) continue;
     take({.text = word.substr(begin, at - begin), .kind = Word::Kind::part});
     begin = at;
   }

@@ -151,8 +151,8 @@ std::vector<CardPlace> choose(std::vector<CardPlace> candidates) {
   return candidates;
 }
 
-Block block(const Scope& scope, const std::vector<CardPlace>& places, std::string_view prompt) {
-  const std::vector<Words::SearchTerm> terms = Words::searchTerms(prompt);
+Block block(const Scope& scope, const std::vector<CardPlace>& places,
+            const std::vector<Words::SearchTerm>& terms) {
   std::vector<ShownCard> found = read(scope, places);
   std::vector<Printable> printables;
   std::vector<std::size_t> needs;

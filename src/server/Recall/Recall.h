@@ -49,7 +49,8 @@ std::vector<std::size_t> shares(const std::vector<std::size_t>& needs, std::size
 std::vector<CardPlace> choose(std::vector<CardPlace> candidates);
 
 /// The block with the cards at these places, in order, at most `longestBlock` bytes. A card that no
-/// longer exists is left out.
-Block block(const Scope& scope, const std::vector<CardPlace>& places, std::string_view prompt);
+/// longer exists is left out. `terms`: of the prompt.
+Block block(const Scope& scope, const std::vector<CardPlace>& places,
+            const std::vector<Words::SearchTerm>& terms);
 
 }  // namespace quillstead::server::Recall

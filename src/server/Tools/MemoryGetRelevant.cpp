@@ -27,11 +27,11 @@ Recall::Block cardsFor(std::string_view prompt, const Scope& scope,
                        const SessionMemory::Caller& caller, const OS::Environment& environment) {
   if (isFromHarness(prompt)) return {};
   Index index = Index::opened(scope, environment, Index::untilCardsAreKnown);
-  const std::string said = Shown::withoutOwnBlocks(prompt);
-  std::vector<CardPlace> candidates = index.search(said, Recall::mostCandidates);
+  const auto terms = Words::searchTerms(Shown::withoutOwnBlocks(prompt));
+  std::vector<CardPlace> candidates = index.search(terms, Recall::mostCandidates);
   auto session = SessionMemory::of(caller, environment);
   if (session) ShownCards::remove(candidates, *session, scope);
-  Recall::Block block = Recall::block(scope, Recall::choose(std::move(candidates)), said);
+  Recall::Block block = Recall::block(scope, Recall::choose(std::move(candidates)), terms);
   if (session) ShownCards::note(block, *session, scope);
   return block;
 }

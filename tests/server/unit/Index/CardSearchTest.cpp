@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <random>
 #include <string>
@@ -33,15 +32,51 @@ class CardSearchTest : public ::testing::Test {
   /// The score of each card that is found, by its row.
   std::map<std::int64_t, double> find(std::string_view prompt, std::size_t limit) {
     std::map<std::int64_t, double> scores;
-    const auto found = CardSearch::find(database, prompt, cards, limit);
+    const auto terms = Words::searchTerms(prompt);
+    const auto found = CardSearch::find(database, terms, cards, limit, common);
     if (!found) ADD_FAILURE() << "the database failed";
     for (const auto& one : *found) scores[one.id] = one.score;
     return scores;
   }
 
+  /// Adds cards of random words, of which the first is the most frequent. Then for random prompts
+  /// fewer results are the best of more.
+  void expectTheBestOf(std::size_t vocabulary, std::size_t store) {
+    std::mt19937 random(5);  // NOLINT(cert-msc51-cpp): the same cards each time
+    const auto below = [&random](std::size_t bound) {
+      return std::uniform_int_distribution<std::size_t>(0, bound - 1)(random);
+    };
+    const auto some = [&](std::size_t most) {
+      std::string text;
+      for (std::size_t left = 1 + below(most); left > 0; --left) {
+        text.append("walrus").append(std::to_string(below(1 + below(vocabulary)))).append(" ");
+      }
+      return text;
+    };
+    while (cards < store) add(some(12));
+    for (int round = 0; round < 100; ++round) expectTheBestFor(some(6));
+  }
+
+  void expectTheBestFor(const std::string& prompt) {
+    common = CommonTerms();
+    const auto all = find(prompt, cards);
+    ASSERT_FALSE(all.empty()) << prompt;
+    std::vector<double> scores;
+    for (const auto& [row, score] : all) scores.push_back(score);
+    std::sort(scores.begin(), scores.end(), std::greater<>());
+    EXPECT_GE(scores.back(), 0.3 * scores.front());
+    for (const std::size_t limit : {1U, 3U, 5U}) {
+      auto expected = all;
+      const double least = scores[std::min<std::size_t>(limit, scores.size()) - 1];
+      std::erase_if(expected, [least](const auto& one) { return one.second < least; });
+      EXPECT_EQ(find(prompt, limit), expected) << prompt << limit;
+    }
+  }
+
   Database database = Database::inMemory();
   IndexTables::CardCounts counts{};
   std::size_t cards = 0;
+  CommonTerms common;
 };
 
 TEST_F(CardSearchTest, WeighsWordsAlikeThatMostCardsOfALargeStoreHave) {
@@ -78,41 +113,38 @@ TEST_F(CardSearchTest, SeesWhichWordsFollowEachOtherInHoweverManyCards) {
   EXPECT_EQ(std::max_element(found.begin(), found.end(), isLess)->first, having);
 }
 
-TEST_F(CardSearchTest, KeepsTheBestWhateverTheLimit) {
-  constexpr auto words = std::to_array<std::string_view>(
-      {"walrus", "ibex", "heron", "egret", "gull", "badger", "otter", "lynx", "moose", "bison"});
-  std::mt19937 random(5);  // NOLINT(cert-msc51-cpp): the same cards each time
-  const auto below = [&random](std::size_t bound) {
-    return std::uniform_int_distribution<std::size_t>(0, bound - 1)(random);
-  };
-  const auto some = [&](std::size_t most) {
-    std::string text;
-    for (std::size_t left = 1 + below(most); left > 0; --left) {
-      text.append(words.at(below(words.size()))).append(" ");
-    }
-    return text;
-  };
-  for (int number = 0; number < 400; ++number) add(some(12));
-  for (int round = 0; round < 100; ++round) {
-    const std::string prompt = some(4);
-    const auto all = find(prompt, cards);
-    std::vector<double> scores;
-    for (const auto& [row, score] : all) scores.push_back(score);
-    std::sort(scores.begin(), scores.end(), std::greater<>());
-    ASSERT_GE(scores.size(), 5U) << prompt;
-    EXPECT_GE(scores.back(), 0.3 * scores.front());
-    for (const std::size_t limit : {1U, 3U, 5U}) {
-      auto expected = all;
-      std::erase_if(expected, [&](const auto& one) { return one.second < scores[limit - 1]; });
-      EXPECT_EQ(find(prompt, limit), expected) << prompt << limit;
-    }
+TEST_F(CardSearchTest, KeepsTheBestWhateverTheLimit) { expectTheBestOf(10, 400); }
+
+TEST_F(CardSearchTest, KeepsTheBestOfALargeStoreWhateverTheLimit) { expectTheBestOf(100, 1'500); }
+
+TEST_F(CardSearchTest, FindsCardsWithFrequentWordsOnlyBesideOneWithARareWord) {
+  for (std::size_t number = 0; number < large; ++number) {
+    add(number == 7 ? "walrus" : number % 5 == 0 ? "heron egret" : "other words");
   }
+  const auto found = find("walrus heron egret", cards);
+  ASSERT_EQ(found.size(), 1 + large / 5);
+  EXPECT_TRUE(found.contains(8)) << "with the rare word";
+  EXPECT_TRUE(found.contains(1)) << "with the other two";
+}
+
+TEST_F(CardSearchTest, DoesNotReadAgainWhatItFoundToBeCommon) {
+  for (std::size_t number = 0; number < large; ++number) {
+    add(number % 100 == 0 ? "heron egret" : "heron other");
+  }
+  const auto found = find("heron egret", 8);
+  EXPECT_TRUE(common.contain("\"heron\""));
+  EXPECT_FALSE(common.contain("\"egret\""));
+  EXPECT_EQ(find("heron egret", 8), found) << "known to be common now";
+  const auto all = find("heron", cards);
+  EXPECT_EQ(all.size(), cards) << "there is no other word";
+  common.add("\"egret\"");
+  EXPECT_EQ(find("heron egret", cards).size(), cards) << "believed, as both are common";
 }
 
 TEST_F(CardSearchTest, IsAbsentWhenTheTablesAreGone) {
   add("walrus");
   ASSERT_TRUE(database.run("DROP TABLE cards"));
-  EXPECT_FALSE(CardSearch::find(database, "walrus", cards, 8));
+  EXPECT_FALSE(CardSearch::find(database, Words::searchTerms("walrus"), cards, 8, common));
 }
 
 }  // namespace

@@ -69,7 +69,8 @@ Database indexOf(const std::vector<File>& files, const std::vector<std::size_t>&
 }
 
 std::string answerOf(Database& database, std::string_view prompt) {
-  const auto found = IndexQueries::search(database, prompt, 8);
+  CommonTerms common;
+  const auto found = IndexQueries::search(database, Words::searchTerms(prompt), 8, common);
   if (!found) return "failed";
   std::string all;
   for (const CardPlace& place : *found) {

@@ -208,7 +208,7 @@ TEST(Recall, LeavesOutACardThatIsGone) {
       .personal = Store{.kind = Store::Kind::personal, .root = stage.path("home/.quillstead")},
       .project = {}};
   const Recall::Block block =
-      Recall::block(scope, {at("gone.md"), at("here.md"), {Store::Kind::project, "none.md"}}, "");
+      Recall::block(scope, {at("gone.md"), at("here.md"), {Store::Kind::project, "none.md"}}, {});
   EXPECT_EQ(block.spans.size(), 1U);
   EXPECT_THAT(block.text, ::testing::HasSubstr("\n\n## Here\n"));
 }
