@@ -67,7 +67,8 @@ Place placeOf(const OS::Environment& environment) {
 /// Why a file there cannot be trusted; absent when it can.
 std::optional<Unusable> flawOf(const Place& place, const OS::Environment& environment) {
   const std::string file = place.path + '/' + fileName;
-  if (!isOurs(place.directory)) return Unusable{file + " lies in a directory that is not yours alone"};
+  if (!isOurs(place.directory))
+    return Unusable{file + " lies in a directory that is not yours alone"};
   if (liesInProject(place.path, UserPlaces::defaultPersonalStore(environment))) {
     return Unusable{file + " lies in a project"};
   }
