@@ -3,7 +3,10 @@
 #include "contract/Contract.h"
 #include "server/Shown.h"
 
+#include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace quillstead::server {
 
@@ -17,14 +20,29 @@ std::string headingFor(std::size_t total) {
          " (`grab` reads one by its title):";
 }
 
-std::string lineFor(const std::string& title) { return "\n- " + Shown::line(title); }
+/// The lines of titles, each made when it is first asked for.
+class Lines {
+ public:
+  explicit Lines(const std::vector<std::string>& titles) : titles_(titles) {}
+
+  [[nodiscard]] std::size_t count() const { return titles_.size(); }
+
+  /// Asked for in their order at first.
+  const std::string& at(std::size_t place) {
+    if (place == made_.size()) made_.push_back("\n- " + Shown::line(titles_[place]));
+    return made_[place];
+  }
+
+ private:
+  const std::vector<std::string>& titles_;
+  std::vector<std::string> made_;
+};
 
 /// The list of all titles; absent when it is longer than `limit` bytes.
-std::optional<std::string> whole(const Titles& titles, std::size_t limit) {
-  if (titles.newest.size() < titles.total) return std::nullopt;
-  std::string text = headingFor(titles.total);
-  for (const std::string& title : titles.newest) {
-    text += lineFor(title);
+std::optional<std::string> whole(Lines& lines, std::size_t limit) {
+  std::string text = headingFor(lines.count());
+  for (std::size_t place = 0; place < lines.count(); ++place) {
+    text += lines.at(place);
     if (text.size() > limit) return std::nullopt;
   }
   return text;
@@ -65,12 +83,15 @@ void RulesBlock::closeHeadWith(std::string_view note) {
 
 std::string RulesBlock::index(const Titles& titles, std::size_t limit) {
   if (titles.newest.empty()) return {};
-  if (auto all = whole(titles, limit)) return std::move(*all);
+  Lines lines(titles.newest);
+  if (titles.newest.size() == titles.total) {
+    if (auto all = whole(lines, limit)) return std::move(*all);
+  }
   std::string text = headingFor(titles.total);
   std::size_t shown = 0;
   std::size_t passedOver = 0;
-  for (const std::string& title : titles.newest) {
-    const std::string line = lineFor(title);
+  for (std::size_t place = 0; place < lines.count(); ++place) {
+    const std::string& line = lines.at(place);
     const std::size_t left = titles.total - shown - 1;
     if (text.size() + line.size() + remainder(left).size() <= limit) {
       text += line;

@@ -76,6 +76,14 @@ TEST_F(Session, IsToldItsRulesAndCardsOnce) {
   EXPECT_THAT(prompted("", "x"), HasSubstr("Be bold."));
 }
 
+TEST_F(Session, IsShownACardThatAnotherStoreHasUnderTheSameName) {
+  EXPECT_THAT(prompted("", "the heron?"), HasSubstr("(personal: heron.md)"));
+  stage.writeProjectCard("heron.md", "# Heron\n\nstands in the water");
+  EXPECT_THAT(prompted("", "the heron?"),
+              AllOf(HasSubstr("(project: heron.md)"), Not(HasSubstr("(personal: heron.md)"))));
+  EXPECT_THAT(prompted("", "the heron?"), Not(HasSubstr("heron.md")));
+}
+
 TEST_F(Session, AnswersThreeSlotsAtOnceAlike) {
   for (const bool first : {true, false, false}) {
     stage.letTimePass(1min);

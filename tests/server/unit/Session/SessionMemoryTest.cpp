@@ -186,6 +186,16 @@ TEST_F(SessionMemoryTest, BringsACardAgainWhenItChangedOrThirtyPromptsPassed) {
   EXPECT_FALSE(session()->knowsCard("/m/b.md", "changed"));
 }
 
+TEST_F(SessionMemoryTest, KnowsOfNoRoomForCardsBeforeThePromptsRulesAreShown) {
+  EXPECT_EQ(session()->room(), 0U);
+  EXPECT_EQ(rulesFor("r"), "whole");
+  EXPECT_EQ(session()->room(), 100U);
+  nextPrompt();
+  EXPECT_EQ(session()->room(), 0U);
+  EXPECT_EQ(rulesFor("r"), "pointer");
+  EXPECT_EQ(session()->room(), 100U);
+}
+
 TEST_F(SessionMemoryTest, KeepsSessionsApart) {
   EXPECT_EQ(rulesFor("r"), "whole");
   nextPrompt();
