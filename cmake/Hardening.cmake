@@ -7,8 +7,11 @@ if(NOT QUILLSTEAD_SANITIZE)
   target_compile_options(quillstead_hardening INTERFACE
     -fstack-protector-strong $<${optimised}:-U_FORTIFY_SOURCE> $<${optimised}:-D_FORTIFY_SOURCE=2>)
   if(NOT APPLE)
-    target_compile_options(quillstead_hardening INTERFACE -fstack-clash-protection)
-    target_compile_definitions(quillstead_hardening INTERFACE _GLIBCXX_ASSERTIONS)
+    if(NOT QUILLSTEAD_MUSL_PLATFORM STREQUAL "linux-arm64")  # where that compiler has no probes
+      target_compile_options(quillstead_hardening INTERFACE -fstack-clash-protection)
+    endif()
+    target_compile_definitions(quillstead_hardening INTERFACE _GLIBCXX_ASSERTIONS
+      $<$<BOOL:${QUILLSTEAD_MUSL_PLATFORM}>:_LIBCPP_ENABLE_ASSERTIONS=1>)
     target_link_options(quillstead_hardening INTERFACE
       LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
   endif()

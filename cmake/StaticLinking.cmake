@@ -3,6 +3,9 @@
 # relocations to apply. macOS has no static system library; there only unused code is dropped.
 # Sanitizers need the dynamic loader, so they switch this off.
 #
+# What is built with musl also has its parts in an order that touches few pages, and leaves out what only
+# prints names of exceptions.
+#
 # Interface target `quillstead_position`: the code such programs are made of, which every target that
 # shares it has to agree on.
 add_library(quillstead_static INTERFACE)
@@ -14,4 +17,10 @@ elseif(NOT QUILLSTEAD_SANITIZE)
   target_link_options(quillstead_position INTERFACE
     -no-pie $<$<CXX_COMPILER_ID:Clang>:-Wno-unused-command-line-argument>)
   target_link_options(quillstead_static INTERFACE -static -Wl,--gc-sections)
+endif()
+if(QUILLSTEAD_MUSL_PLATFORM)
+  set(layout ${PROJECT_SOURCE_DIR}/cmake/toolchains/musl.ld)
+  target_link_options(quillstead_static INTERFACE -Wl,-T,${layout})
+  set_target_properties(quillstead_static PROPERTIES INTERFACE_LINK_DEPENDS ${layout})
+  target_sources(quillstead_static INTERFACE ${PROJECT_SOURCE_DIR}/src/support/NoDemangler.cpp)
 endif()

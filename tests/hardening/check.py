@@ -1,8 +1,9 @@
 """Fails when a program or a library of ours was built without what cmake/Hardening.cmake asks for.
 
     check.py program FILE     a program: what its headers say to the kernel
-    check.py library FILE     a library: what the compiler put into our own code, since a static
-                              program holds the C library's too
+    check.py library FILE [musl]
+                              a library: what the compiler put into our own code, since a static program
+                              holds the C library's too. musl has no functions that check lengths
 """
 
 import os
@@ -60,22 +61,26 @@ def program_problems(program):
         return
     places = sections(program)
     _, start, end = read_only[0]
-    for table in (".got", ".init_array", ".data.rel.ro"):
+    # Nothing of ours runs before main where the C++ library has nothing either.
+    tables = (".got", ".data.rel.ro", *([".init_array"] if ".init_array" in places else []))
+    for table in tables:
         if table not in places or not start <= places[table] < end:
             yield f"{table} stays writable"
     if ".got.plt" in places:
         yield "addresses of functions stay writable: .got.plt"
 
 
-def library_problems(library):
+def library_problems(library, c_library=""):
     symbols = output("readelf", "-sW", library)
+    is_musl = c_library == "musl"
     for name, mark in (("stack protector", "__stack_chk_fail"),
-                       ("assertions of the C++ library", "__glibcxx_assert_fail")):
+                       ("assertions of the C++ library",
+                        "__libcpp_verbose_abort" if is_musl else "__glibcxx_assert_fail")):
         if mark not in symbols:
             yield f"no {name}: {mark} is not called"
-    if holds_one_of(library, "support") and "__realpath_chk" not in symbols:
+    if not is_musl and holds_one_of(library, "support") and "__realpath_chk" not in symbols:
         yield "not fortified: __realpath_chk is not called"
-    probe = r"\bor[ql]? +\$0x0,\(%rsp\)"
+    probe = r"\bsub +\$0x1000,%rsp\n.*\bmovq? +\$0x0,\(%rsp\)" if is_musl else r"\bor[ql]? +\$0x0,\(%rsp\)"
     if (holds_one_of(library, "support", "hook")
             and not re.search(probe, output("objdump", "-d", "--no-show-raw-insn", library))):
         yield "large frames are not probed"
@@ -88,7 +93,7 @@ def holds_one_of(library, *names):
 
 if __name__ == "__main__":
     check = {"program": program_problems, "library": library_problems}[sys.argv[1]]
-    problems = list(check(sys.argv[2]))
+    problems = list(check(*sys.argv[2:]))
     for problem in problems:
         print(f"{sys.argv[2]}: {problem}")
     sys.exit(1 if problems else 0)
