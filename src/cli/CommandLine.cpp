@@ -4,6 +4,7 @@
 #include "cli/Setup/Harnesses.h"
 #include "hook/Harness/Harnesses.h"
 #include "hook/Harness/SlotFlag.h"
+#include "server/LinkedLibraries.h"
 
 #include <CLI/CLI.hpp>
 
@@ -28,7 +29,10 @@ class Reader {
   Reader() {
     app_.require_subcommand(1);
     app_.set_help_flag(helpNames, helpSummary);
-    app_.set_version_flag("--version", "quillstead " QUILLSTEAD_VERSION, "Print the version");
+    // Read before --version, which ends the reading.
+    app_.add_flag("--verbose", isVerbose_, "With --version: also of what it is made of")
+        ->needs(app_.set_version_flag("--version", "quillstead " QUILLSTEAD_VERSION,
+                                      "Print the version"));
     addSetup("install", "Set up your coding agents", Direction::install)
         .footer(
             "Without a harness: all that you have. Only what has to change in their settings "
@@ -55,7 +59,8 @@ class Reader {
     } catch (const CLI::CallForHelp&) {
       return told(help());
     } catch (const CLI::CallForVersion&) {
-      return told(app_.version() + "\n");
+      return told(app_.version() + "\n" +
+                  (isVerbose_ ? server::LinkedLibraries::lines() + "\n" : ""));
     } catch (const CLI::ParseError& error) {
       return app_.get_subcommands().empty() ? unknown(arguments.front()) : refusal(error.what());
     }
@@ -231,6 +236,7 @@ class Reader {
 
   CLI::App app_{"Set up your coding agents' memory, and see what it does", "quillstead"};
   std::optional<Command> chosen_;
+  bool isVerbose_ = false;
   std::string helpFor_;
 };
 
@@ -318,6 +324,7 @@ ProgramText serverText() {
   CLI::App app("A memory server over plain Markdown files", "quillstead-mcp");
   app.set_help_flag(helpNames, helpSummary);
   app.add_flag("-V,--version")->description("Print the version");
+  app.add_flag("--verbose")->description("With --version: also of what it is made of");
   app.add_option("--trust", "Use the memory of the projects in this directory and below it")
       ->type_name("DIR");
   app.footer(

@@ -1,5 +1,6 @@
 #include "server/CommandLine.h"
 
+#include "server/LinkedLibraries.h"
 #include "server/Store/Trust.h"
 #include "support/OS/Descriptor.h"
 
@@ -25,12 +26,18 @@ constexpr std::string_view help =
     "Options:\n"
     "  --trust DIRECTORY  use the memory of the projects in this directory and below it\n"
     "  -h, --help         print this\n"
-    "  -V, --version      print the version";
+    "  -V, --version      print the version; with --verbose also of what it is made of";
 
 constexpr int wrongUse = 2;
 
 int print(std::string_view text) {
   return OS::writeLine(STDOUT_FILENO, text) ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+std::string version(std::span<char* const> more) {
+  std::string text = "quillstead-mcp " QUILLSTEAD_VERSION;
+  const bool isVerbose = more.size() == 1 && more.front() == std::string_view("--verbose");
+  return isVerbose ? text + "\n" + LinkedLibraries::lines() : text;
 }
 
 int trust(const std::string& directory, const OS::Environment& environment) {
@@ -48,7 +55,7 @@ int trust(const std::string& directory, const OS::Environment& environment) {
 std::optional<int> answer(std::span<char* const> arguments, const OS::Environment& environment) {
   if (arguments.empty()) return std::nullopt;
   const std::string_view first = arguments.front();
-  if (first == "--version" || first == "-V") return print("quillstead-mcp " QUILLSTEAD_VERSION);
+  if (first == "--version" || first == "-V") return print(version(arguments.subspan(1)));
   if (first == "--help" || first == "-h") return print(help);
   if (first == "--trust" && arguments.size() == 2) return trust(arguments.back(), environment);
   OS::writeLine(STDERR_FILENO, help);

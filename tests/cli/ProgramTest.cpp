@@ -1,6 +1,7 @@
 // The built program, as a user runs it: what it prints where, and its exit status.
 #include "cli/CommandLine.h"
 #include "cli/UserRun.h"
+#include "server/LinkedLibraries.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -48,6 +49,20 @@ TEST(Program, PrintsHelpAndVersionWhenAsked) {
     EXPECT_THAT(end.output, StartsWith(each.beginning));
     EXPECT_THAT(end.error, IsEmpty());
   }
+}
+
+TEST(Program, TellsWhatItIsMadeOfWhenAskedForMore) {
+  const test::MadeUpHome home;
+  const std::string version = "quillstead " QUILLSTEAD_VERSION "\n";
+  for (const auto& arguments : std::vector<std::vector<std::string>>{{"--version", "--verbose"},
+                                                                     {"--verbose", "--version"}}) {
+    const auto end = home.run(arguments);
+    EXPECT_EQ(end.status, 0);
+    EXPECT_THAT(end.output, StartsWith(version + "SQLite 3."));
+    EXPECT_EQ(end.output, version + server::LinkedLibraries::lines() + "\n");
+  }
+  EXPECT_EQ(home.run({"--version"}).output, version);
+  EXPECT_EQ(home.run({"--verbose"}).status, 2);
 }
 
 TEST(Program, NamesTheTwoCommandsToBeginWithInEveryHelp) {

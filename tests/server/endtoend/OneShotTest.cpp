@@ -1,3 +1,4 @@
+#include "server/LinkedLibraries.h"
 #include "server/endtoend/ProgramRun.h"
 #include "server/helpers/MemoryStage.h"
 #include "unit/helpers/JSONValues.h"
@@ -164,9 +165,10 @@ TEST(OneShot, WorksWithoutAUsableHome) {
 
 TEST(OneShot, TellsItsVersionAndUse) {
   const MemoryStage stage;
-  const auto told = [&](const std::string& argument) {
+  const auto told = [&](const std::string& argument, const std::string& second = {}) {
+    const std::vector<std::string> both{argument, second};
     return ProgramRun({.executable = serverProgram(),
-                       .arguments = {argument},
+                       .arguments = {both.begin(), both.end() - (second.empty() ? 1 : 0)},
                        .environment = stage.environment(),
                        .input = {}})
         .finish();
@@ -174,6 +176,8 @@ TEST(OneShot, TellsItsVersionAndUse) {
   for (const char* const argument : {"--version", "-V"}) {
     EXPECT_THAT(told(argument).output, ::testing::MatchesRegex("quillstead-mcp [0-9.]+\n"));
     EXPECT_EQ(told(argument).status, 0);
+    EXPECT_EQ(told(argument, "--verbose").output,
+              told(argument).output + LinkedLibraries::lines() + "\n");
   }
   for (const char* const argument : {"--help", "-h"}) {
     EXPECT_THAT(told(argument).output, HasSubstr("takes no arguments"));
