@@ -19,7 +19,8 @@ TEST(MakeRoom, GrowsALargeTextEightfold) {
   std::string text(megabyte, 'a');
   makeRoom(text, megabyte);
   EXPECT_EQ(text, std::string(megabyte, 'a'));
-  EXPECT_EQ(text.capacity(), 16 * megabyte);
+  EXPECT_GE(text.capacity(), 16 * megabyte);
+  EXPECT_LT(text.capacity(), 16 * megabyte + 16);  // as a library rounds it up
 }
 
 TEST(MakeRoom, MovesNothingWhereThereIsRoom) {
