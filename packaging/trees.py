@@ -19,7 +19,7 @@ sys.path.insert(0, str(_root / "tests/hardening"))
 import check as hardening
 
 _programs = ("quillstead", "quillstead-hook", "quillstead-mcp")
-_linux = {"linux-x64": "x86-64", "linux-arm64": "AArch64"}
+_linux = {"linux-x64": "X86-64", "linux-arm64": "AArch64"}
 _trees = (*_linux, "macos-universal")
 # What a tree must hold beside bin/, so that nothing is lost from the packages unseen.
 _files = (
