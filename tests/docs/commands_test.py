@@ -156,14 +156,15 @@ class Packages(unittest.TestCase):
         packed = {"npm/pack": (r'"name": "(quillstead[\w-]*)"', "{}-{}.tgz"),
                   "deb/pack": (r'"linux-\w+": "(\w+)"', "quillstead_{1}_{0}.deb"),
                   "homebrew/formula": (r'"\w+": "((?:linux|macos)-\w+)"', "quillstead-{1}-{0}.tar.gz")}
-        cls.made = {"quillstead.rb"}
+        cls.version, cls.made = version, {"quillstead.rb"}
         for source, (pattern, name) in packed.items():
             found = set(re.findall(pattern, pages.text(f"packaging/{source}")))
             assert len(found) > 1, source
             cls.made.update(name.format(each, version) for each in found)
 
-    @staticmethod
-    def named(text):
+    def named(self, text):
+        """The packages that a text names; VERSION stands for our version."""
+        text = text.replace("VERSION", self.version)
         for word in re.findall(r"quillstead[\w.{},-]*\.(?:tgz|tar\.gz|deb|rb)\b", text):
             start, braces, rest = re.fullmatch(r"([^{]*)(?:\{(.*)\})?(.*)", word).groups()
             yield from (start + each + rest for each in (braces or "").split(","))
