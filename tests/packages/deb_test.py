@@ -121,4 +121,5 @@ class InDebian(unittest.TestCase):
                          f"zsh/vendor-completions/_{program}", f"fish/vendor_completions.d/{program}.fish"):
                 with self.subTest(text=text):  # a minimal Debian leaves man pages out
                     self.assertIn(f"/usr/share/{text}", told("dpkg-deb", "--contents", package(self.architecture)))
-        self.assertIn("SQLite", (share / "doc/quillstead/copyright").read_text())
+        self.assertIn("THIRD-PARTY-NOTICES, beside this file", (share / "doc/quillstead/copyright").read_text())
+        self.assertIn("SQLite", (share / "doc/quillstead/THIRD-PARTY-NOTICES").read_text())
