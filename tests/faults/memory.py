@@ -39,7 +39,7 @@ class Memory(FaultTest):
 
     def walk_down(self, harness, slot, start, step, prompt="why?", **more):
         """From plenty to where the program cannot start; gives that limit in kilobytes."""
-        for kilobytes in range(start, 0, -step):
+        for kilobytes in (*range(start, 0, -step), 0):
             result = self.limited(harness, slot, kilobytes, prompt, **more)
             complaint = complaint_about(harness, slot, result)
             if complaint and self.never_started(result) and kilobytes <= self.least + step:

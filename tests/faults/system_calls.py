@@ -34,8 +34,11 @@ ERRORS = {
     "mremap": "EAGAIN EFAULT ENOMEM",
     "munmap": "EINVAL ENOMEM",
     "newfstatat": "EACCES EBADF EIO ELOOP ENAMETOOLONG ENOENT ENOMEM ENOTDIR EOVERFLOW",
+    "open": "EACCES EDQUOT EINTR EISDIR ELOOP EMFILE ENAMETOOLONG ENFILE ENOENT ENOMEM ENOSPC"
+            " ENOTDIR ENXIO EROFS ETXTBSY",
     "openat": "EACCES EDQUOT EINTR EISDIR ELOOP EMFILE ENAMETOOLONG ENFILE ENOENT ENOMEM ENOSPC"
               " ENOTDIR ENXIO EROFS ETXTBSY",
+    "pipe": "EFAULT EMFILE ENFILE",
     "pipe2": "EFAULT EINVAL EMFILE ENFILE ENOPKG",
     "poll": "EFAULT EINTR EINVAL ENOMEM",
     "ppoll": "EFAULT EINTR EINVAL ENOMEM",
@@ -119,8 +122,9 @@ class SystemCalls(FaultTest):
         self.directory = tempfile.mkdtemp()
         self.addCleanup(shutil.rmtree, self.directory)
 
-    def sweep(self, scenario, only=None):
-        """Every call of the scenario, every error, every occurrence."""
+    def sweep(self, scenario, only=None, silent_without=()):
+        """Every call of the scenario, every error, every occurrence. Where one of `silent_without` fails
+        nothing need be said."""
         trace = Trace(scenario, self.directory)
         complaint = scenario.complaint(trace.result, None)
         self.assertIsNone(complaint, "%s, undisturbed: %s" % (scenario.name, complaint))
@@ -128,9 +132,9 @@ class SystemCalls(FaultTest):
         self.assertFalse(unknown, "calls whose errors nobody has listed: %s" % sorted(unknown))
         kinds = [(call, fault) for call in trace.calls for fault in FAULTS[call]
                  if only is None or call in only]
-        at_once(6, lambda kind: self.fail_each(scenario, trace, *kind), kinds)
+        at_once(6, lambda kind: self.fail_each(scenario, trace, *kind, kind[0] in silent_without), kinds)
 
-    def fail_each(self, scenario, trace, call, fault):
+    def fail_each(self, scenario, trace, call, fault, may_be_silent):
         report = os.path.join(self.directory, "%s-%s" % (call, fault))
         for occurrence in range(1, 1000):
             result = traced(scenario, "-e", "trace=" + call, "-e",
@@ -139,7 +143,7 @@ class SystemCalls(FaultTest):
             if "INJECTED" not in said:
                 return
             case = "%s: %s %d %s" % (scenario.name, call, occurrence, fault)
-            if occurrence <= trace.at_start.get(call, 0):
+            if occurrence <= trace.at_start.get(call, 0) or (may_be_silent and not result.output):
                 self.note(case, self.complaint_about_start(scenario, result))
             else:
                 self.note(case, self.complaint(scenario, trace, result, said, fault))
@@ -198,7 +202,8 @@ class SystemCalls(FaultTest):
         self.settle()
 
     def test_a_refusal_survives_the_failure_of_any_call(self):
-        self.sweep(Scenario("no such slot", "codex", "nonsense"))
+        # Nothing is prepared for a refusal. A C library that gets its first memory by mmap has none then.
+        self.sweep(Scenario("no such slot", "codex", "nonsense"), silent_without=("mmap",))
         self.settle()
 
     def test_a_failing_server_is_survived_whatever_fails_besides(self):
