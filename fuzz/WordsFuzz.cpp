@@ -44,7 +44,8 @@ int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     Fuzz::require(term.says > 0 && term.says <= 1, "a term says something, at most 1");
     Fuzz::require(seen.insert(term.word).second, "each term is there once");
   }
-  Fuzz::require(CardSearch::find(database(), text, 1, 8).has_value(),
+  CommonTerms common;
+  Fuzz::require(CardSearch::find(database(), terms, 1, 8, common).has_value(),
                 "any prompt can be searched for");
 
   const std::string repaired = Text::repaired(std::string(text));
