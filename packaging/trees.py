@@ -54,8 +54,11 @@ def symbols_problems(program):
     if not symbols:
         yield "it has no symbols"
     yield from (f"undefined: {parts[7]}" for parts in symbols if parts[6] == "UND" and parts[4] == "GLOBAL")
-    if not any(parts[7] == "__stack_chk_fail" and parts[6] != "UND" for parts in symbols):
+    names = {parts[7] for parts in symbols if parts[6] != "UND"}
+    if "__stack_chk_fail" not in names:
         yield "no stack protector"
+    if "sqlite3_open_v2" in names and "usleep" not in names:
+        yield "its SQLite waits for other processes in whole seconds"
 
 
 def content_problems(program, version):
