@@ -29,6 +29,8 @@ set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 # numbers, which the compiler adds unasked.
 get_filename_component(root ${CMAKE_CURRENT_LIST_DIR}/../.. ABSOLUTE)
 set(CMAKE_CXX_FLAGS_INIT "-Werror=unguarded-availability -g0 -ffile-prefix-map=${root}=.")
+# Without it the linker notes the path of each object for debuggers, and the program's UUID depends on them.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-s")
 
 set(CMAKE_FIND_ROOT_PATH
   ${fetched}/macos-${QUILLSTEAD_MACOS_PROCESSOR} ${fetched}/cli11/source ${fetched}/tomlplusplus/usr
