@@ -9,7 +9,6 @@
 namespace {
 
 using namespace quillstead;
-using namespace quillstead::hook;
 
 constexpr std::int64_t kilobyte = 1000;
 constexpr std::int64_t megabyte = 1000 * kilobyte;
