@@ -22,13 +22,14 @@ constexpr std::array<double, 3> columnWeights{Ranking::titleWeight, Ranking::tag
 constexpr std::size_t scripts = static_cast<std::size_t>(PairedScript::alphabet) + 1;
 using OfEachScript = std::array<double, scripts>;
 
-/// How much it tells that a card has a word: the fewer cards have it, the more.
+/// The weight of a word: the fewer cards have it, the more it weighs (BM25's idf).
 double rarity(double cards, double having) {
   constexpr double half = 0.5;
   return std::log1p((cards - having + half) / (having + half));
 }
 
-/// What a card needs of the weight of the prompt's terms in a script for them to say something.
+/// The share of the weight of the prompt's terms in a script that a card must have for them to
+/// count.
 double leastShare(PairedScript script) {
   if (script == PairedScript::hangul) return Ranking::leastPairsOfHangul;
   return script == PairedScript::alphabet ? Ranking::leastRunsOfAlphabet : 0;
@@ -40,18 +41,18 @@ double weightOf(const Postings::Place& place) {
   return columnWeights.at(static_cast<std::size_t>(place.column));
 }
 
-/// What a phrase adds to the score of a card. `dampening`: by the card's length.
+/// What a phrase adds to a card's score. `dampening`: depends on the card's length.
 double pointsFor(double weight, double frequency, double dampening) {
   return weight * frequency * (Ranking::saturation + 1) / (frequency + dampening);
 }
 
-/// `part`: the length of a card, as a part of the average.
+/// `part`: the card's length over the average length.
 double dampeningFor(double part) {
   using namespace Ranking;
   return saturation * (1 - lengthPenalty + lengthPenalty * part);
 }
 
-/// The prompt's side of a score.
+/// What a score needs to know about the prompt.
 struct Query {
   const std::vector<Phrase>& phrases;
   std::vector<double> weights;   ///< of the phrases: how rare each is
@@ -71,7 +72,7 @@ struct Query {
     for (const double weight : scriptWeights) allWeights += weight;
   }
 
-  /// What a score must be at least, as a part of the best one.
+  /// The least score of a card worth showing, as a part of the best score.
   [[nodiscard]] double leastPart() const {
     double pairs = 0;
     double all = 0;
@@ -88,7 +89,7 @@ struct Query {
     return 1 - coverageShare + coverageShare * covered / allWeights;
   }
 
-  /// What it adds that a phrase comes behind the one before it.
+  /// Added when a card has a phrase just behind the one before it in the prompt.
   [[nodiscard]] double pointsForOrder(std::size_t phrase) const {
     return Ranking::phraseWeight * std::min(weights[phrase], weights[phrase - 1]);
   }
@@ -104,8 +105,8 @@ double frequencyOf(const Query& query, const Match& match) {
   return frequency;
 }
 
-/// What the score of a card is at most: were it the shortest of all, and its phrases in the
-/// prompt's order. 0 for one whose phrases say too little. It is had for much less than the score.
+/// An upper bound of a card's score: the score if the card were very short and its phrases in the
+/// prompt's order. 0 when its phrases say too little. Much cheaper than the score itself.
 double mostFor(const Query& query, std::span<const Match> matches) {
   const double dampening = dampeningFor(0);
   double says = 0;
@@ -122,7 +123,7 @@ double mostFor(const Query& query, std::span<const Match> matches) {
   return says >= Ranking::enough ? score * query.partOf(covered) : 0;
 }
 
-/// One card's side of a score.
+/// What a score needs to know about one card.
 class CardMatches {
  public:
   CardMatches(const Query& query, std::span<const Match> matches)
@@ -177,7 +178,7 @@ class CardMatches {
     return query_.phrases[match.phrase].postings->places;
   }
 
-  /// Notes the phrases that come behind the one before them as in the prompt.
+  /// Finds the phrases that come behind the one before them, as in the prompt.
   void follow() {
     std::vector<Instance> instances;
     for (const Match& match : matches_) {
@@ -200,7 +201,7 @@ class CardMatches {
            now.place.offset - before.place.offset <= near && query_.phrases[now.phrase].follows;
   }
 
-  /// The card has a neighbour of the phrase beside it.
+  /// True when the phrase stands beside a neighbour from the prompt in the card, too.
   [[nodiscard]] bool isInRun(std::size_t phrase) const {
     const std::size_t next = phrase + 1;
     return following_.at(phrase) || (next < query_.phrases.size() && following_.at(next));
@@ -215,7 +216,7 @@ class CardMatches {
 /// A card whose length is not known yet.
 struct Candidate {
   std::int64_t card;
-  double most;        ///< that its score may be
+  double most;        ///< the upper bound of its score
   std::size_t begin;  ///< among the matches of all candidates
   std::size_t end;
 
@@ -225,7 +226,7 @@ struct Candidate {
 };
 
 struct Candidates {
-  std::vector<Candidate> heap;  ///< the one that may be best on top
+  std::vector<Candidate> heap;  ///< the highest bound on top
   std::vector<Match> matches;
 
   [[nodiscard]] std::span<const Match> matchesOf(const Candidate& one) const {
@@ -247,7 +248,7 @@ Candidates candidatesFor(const Query& query, const std::vector<bool>& leading) {
   return all;
 }
 
-/// The scores that are kept so far.
+/// The best scores so far.
 class Best {
  public:
   Best(std::size_t limit, double leastPart) : limit_(limit), leastPart_(leastPart) {}
@@ -258,7 +259,7 @@ class Best {
     if (kept_.size() > limit_) kept_.pop();
   }
 
-  /// What a score must reach to be kept.
+  /// The least score that is kept.
   [[nodiscard]] double least() const {
     const double last = kept_.size() == limit_ ? kept_.top() : 0;
     return std::max(last, best_ * leastPart_);
@@ -271,7 +272,7 @@ class Best {
   std::priority_queue<double, std::vector<double>, std::greater<>> kept_;  ///< the lowest on top
 };
 
-/// What a card can score at most that has none of the leading phrases; 0 when all are leading.
+/// An upper bound of the score of a card without any leading phrase; 0 when all are leading.
 double mostWithout(const std::vector<bool>& leading, const Query& query) {
   double score = 0;
   double covered = 0;
@@ -284,8 +285,9 @@ double mostWithout(const std::vector<bool>& leading, const Query& query) {
   return score * query.partOf(covered);
 }
 
-/// The phrases, each true but for the most frequent ones, if hardly a card is worth showing that
-/// has only these: not when the best card has but the rarest phrase, and that once.
+/// For each phrase, whether it leads: only cards with a leading phrase are looked at first. The
+/// most frequent phrases do not lead, as far as a card with only these would be left out even if
+/// the best card had just the rarest phrase, once.
 std::vector<bool> leadingOf(const Query& query) {
   std::vector<std::size_t> rarestFirst(query.phrases.size());
   std::iota(rarestFirst.begin(), rarestFirst.end(), 0U);
@@ -305,8 +307,8 @@ std::vector<bool> leadingOf(const Query& query) {
   return leading;
 }
 
-/// Scores the cards that may be worth showing of those with any leading phrase, and takes the
-/// scores. Absent when the database failed.
+/// Scores the cards with a leading phrase, except those that cannot be worth showing. Adds the
+/// scores to `best`. Absent when the database failed.
 std::optional<std::vector<Scored>> scored(const Query& query, const std::vector<bool>& leading,
                                           PhraseReader& reader, Best& best) {
   std::vector<Scored> all;
@@ -317,7 +319,7 @@ std::optional<std::vector<Scored>> scored(const Query& query, const std::vector<
     const Candidate one = left.back();
     left.pop_back();
     const CardMatches matches(query, candidates.matchesOf(one));
-    // To know how long a card is takes time, so that is not asked when it cannot matter.
+    // Reading a card's length takes time, so it is only read when it can matter.
     if (!matches.sayEnough() || matches.score(0) < best.least()) continue;
     const auto length = reader.lengthOf(one.card);
     if (!length) return std::nullopt;

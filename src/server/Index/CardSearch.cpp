@@ -15,11 +15,11 @@ namespace {
 
 using Words::SearchTerm;
 
-/// A term as the store knows it.
+/// A term of the prompt, and the cards that have it.
 struct Known {
   SearchTerm term;
   std::size_t place;      ///< in the prompt
-  std::size_t cards = 0;  ///< that have it, or as many as were counted
+  std::size_t cards = 0;  ///< how many have it, as far as they were counted
   Postings postings;
   bool isWhole = false;  ///< the postings are all there are
 };
@@ -41,8 +41,9 @@ std::string_view withoutLastCharacter(std::string_view word) {
   return word;
 }
 
-/// What may be meant by `whole`, which no card has, after `tried`, which none has either: words
-/// that begin with it, then words that begin with most of it. Absent when there is no more to try.
+/// The next guess at `whole`, a word that no card has: first all words that begin with it, then
+/// with one character less, and so on down to two thirds of it. `tried`: the last guess, or `whole`
+/// itself. Absent when there is nothing left to try.
 std::optional<SearchTerm> guess(const SearchTerm& whole, const SearchTerm& tried) {
   std::string_view beginning = tried.word;
   if (tried.isBeginning) beginning = withoutLastCharacter(beginning);
@@ -56,13 +57,13 @@ std::optional<SearchTerm> guess(const SearchTerm& whole, const SearchTerm& tried
                     .isBeginning = true};
 }
 
-/// Looks terms up, one after the other.
+/// Looks up terms, one by one.
 class Lookup {
  public:
   Lookup(PhraseReader& reader, std::size_t mostCounted, CommonTerms& common)
       : reader_(reader), mostCounted_(mostCounted), common_(common) {}
 
-  /// The term, or the guess at it, with the cards that have it. Absent when the database failed.
+  /// The term, or a guess at it, with the cards that have it. Absent when the database failed.
   std::optional<Known> find(const SearchTerm& term, std::size_t place) {
     Known known{.term = term, .place = place, .postings = {}};
     for (;;) {
@@ -116,7 +117,7 @@ std::optional<std::vector<Known>> lookedUp(PhraseReader& reader,
 
 constexpr std::size_t every = std::numeric_limits<std::size_t>::max();
 
-/// A term that is in so many cards is common. None is in a small store.
+/// A term in this many cards is common. A small store has no common terms.
 std::size_t leastOfCommon(std::size_t cards) {
   return cards < Ranking::largeStore ? every : cards / 2 + 1;
 }
@@ -137,7 +138,7 @@ std::optional<std::vector<Scored>> scores(const std::vector<const Known*>& terms
   return CardScores::of(phrases, unknown, reader, limit);
 }
 
-/// Reads all there is of the terms that are in fewer than `limit` cards.
+/// Reads all postings of the terms that are in fewer than `limit` cards.
 bool readWhole(std::vector<Known>& terms, std::size_t limit, PhraseReader& reader) {
   return std::all_of(terms.begin(), terms.end(), [&](Known& one) {
     if (one.isWhole || one.cards >= limit) return true;
@@ -154,15 +155,15 @@ std::optional<std::vector<Scored>> find(Database& database, const std::vector<Se
   if (wanted.empty() || limit == 0) return std::vector<Scored>();
   auto reader = PhraseReader::of(database);
   if (!reader) return std::nullopt;
-  // How many more cards have a common term does not matter.
+  // Beyond this a term is common, and the exact number of cards does not matter.
   const std::size_t mostCounted = leastOfCommon(cards);
   auto terms = lookedUp(*reader, wanted, mostCounted, common);
   if (!terms) return std::nullopt;
   const std::size_t unknown =
       std::erase_if(*terms, [](const Known& one) { return one.cards == 0; });
 
-  // The terms that are in more than half of a large store's cards add next to nothing to a score,
-  // but would make it be computed for all those cards.
+  // Terms in more than half of a large store's cards add next to nothing to a score, but with them
+  // more than half of the cards would need one.
   if (!readWhole(*terms, mostCounted, *reader)) return std::nullopt;
   std::vector<const Known*> known;
   for (const Known& one : *terms) known.push_back(&one);

@@ -14,9 +14,9 @@ namespace quillstead::server::CardSearch {
 
 using CardScores::Scored;
 
-/// The cards worth showing, in no order: the `limit` best and those that are as good as the last of
-/// them. `cards`: how many there are. `common`: those that are known to be in more than half of
-/// the cards; gets those that are found out to be. Absent when the database failed.
+/// The cards worth showing, in no order: the `limit` best, and those with the same score as the
+/// last of them. `cards`: how many the index has. `common`: the terms known to be in more than half
+/// of the cards; those that the search finds are added. Absent when the database failed.
 std::optional<std::vector<Scored>> find(Database& database,
                                         const std::vector<Words::SearchTerm>& wanted,
                                         std::size_t cards, std::size_t limit, CommonTerms& common);

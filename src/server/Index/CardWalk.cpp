@@ -26,13 +26,13 @@ bool Walk::step() {
   return true;
 }
 
-/// The first row of the phrase that was not given; `none` when all were.
+/// The phrase's next row; `none` behind the last.
 std::int64_t Walk::row(std::size_t phrase) const {
   const std::vector<std::int64_t>& rows = phrases_[phrase].postings->rows;
   return next_[phrase] < rows.size() ? rows[next_[phrase]] : none;
 }
 
-/// Moves on to the first row of the phrase that is not before the card; true when it is the card.
+/// Moves to the phrase's first row at or behind the card; true when it is the card's own.
 bool Walk::skipTo(std::size_t phrase) {
   const std::vector<std::int64_t>& rows = phrases_[phrase].postings->rows;
   std::size_t begin = next_[phrase];

@@ -12,22 +12,22 @@ namespace quillstead::server::CardScores {
 
 /// A term of the prompt, as the index knows it.
 struct Phrase {
-  double cards;               ///< that have it, or as many as were counted
+  double cards;               ///< how many have it, as far as they were counted
   double says;                ///< as a search term's
   Text::PairedScript script;  ///< as a search term's
-  bool follows;               ///< the phrase before it comes just before it in the prompt
+  bool follows;               ///< in the prompt it comes just behind the phrase before it
   const Postings* postings;
 };
 
-/// What a card has of one phrase.
+/// The places of one phrase in a card.
 struct Match {
   std::size_t phrase;
   std::size_t begin;  ///< among the phrase's places
   std::size_t end;
 };
 
-/// Gives the cards that have any of the leading phrases, in the order of their rows, each with what
-/// it has of all phrases.
+/// Visits the cards that have a leading phrase, in the order of their rows, each with its matches
+/// of all phrases.
 class Walk {
  public:
   /// `leading`: by phrase. Both must outlive the walk.
@@ -49,8 +49,8 @@ class Walk {
 
   const std::vector<Phrase>& phrases_;
   const std::vector<bool>& leading_;
-  std::vector<std::size_t> next_;   ///< for each phrase, the first row that was not given
-  std::vector<std::int64_t> rows_;  ///< these rows of the leading ones
+  std::vector<std::size_t> next_;   ///< for each phrase, where its next row is
+  std::vector<std::int64_t> rows_;  ///< the next rows of the leading phrases
   std::int64_t card_ = 0;
   std::vector<Match> matches_;
 };

@@ -8,9 +8,9 @@
 
 namespace quillstead::server {
 
-/// The terms that were found to be in more than half of the cards of a large store. The index keeps
-/// them until a card changes, so that not every prompt has to count them. A term is written as the
-/// expression that searches for it.
+/// The terms that are in more than half of the cards of a large store. The index keeps them until a
+/// card changes, so that not every prompt has to count them. A term is stored as the expression
+/// that searches for it.
 class CommonTerms {
  public:
   CommonTerms() = default;
@@ -23,13 +23,13 @@ class CommonTerms {
 
   void add(std::string_view expression);
 
-  /// Writes the terms if any was added, and if the index has the same files as when they were read.
-  /// Whether that succeeds does not matter, and it waits for no other server.
+  /// Writes the terms if any was added and the index still has the same files as when they were
+  /// read. It does not wait for other servers. A failure does no harm: the terms are counted again.
   void keep(Database& database) const;
 
  private:
   std::int64_t fingerprint_ = 0;
-  std::string text_;  ///< each followed by the end of a line
+  std::string text_;  ///< one term a line
   bool isNew_ = false;
 };
 

@@ -6,7 +6,7 @@ namespace quillstead::server {
 
 namespace {
 
-/// Once per process, before SQLite is first used: one thread, no accounting of memory.
+/// Configures SQLite, once per process before its first use: one thread, no memory statistics.
 void configure() {
   [[maybe_unused]] static const bool done = [] {
     sqlite3_config(SQLITE_CONFIG_SINGLETHREAD);
@@ -23,8 +23,8 @@ DatabaseError errorFor(int result) {
       return DatabaseError::busy;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-    case SQLITE_ERROR:      // such as a table that is not there, or not as it should be
-    case SQLITE_INTERRUPT:  // a statement without an end, which only a forged schema can bring
+    case SQLITE_ERROR:      // such as a table that is missing or has other columns
+    case SQLITE_INTERRUPT:  // a statement took too many steps: the schema must be forged
     case SQLITE_AUTH:
       return DatabaseError::damaged;
     default:
@@ -32,15 +32,14 @@ DatabaseError errorFor(int result) {
   }
 }
 
-/// A file may hold anything, so what can run by itself stays off: triggers, views, and functions
-/// called by the schema. Nothing but the full-text search may write its own tables.
+/// The file may hold anything. So nothing in it may run by itself: triggers, views and functions in
+/// the schema are off. Only the full-text search may write its own tables.
 void distrust(sqlite3* database) {
   sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
   sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
   sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-  // Steps of SQLite's machine. Reading a row of ours takes some ten, so a million cards stay
-  // within.
+  // Steps of SQLite's virtual machine. A row of ours takes about ten, so a million cards are fine.
   constexpr int mostSteps = 50'000'000;
   sqlite3_progress_handler(
       database, mostSteps, [](void*) { return 1; }, nullptr);

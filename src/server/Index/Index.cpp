@@ -15,8 +15,8 @@ using namespace std::chrono_literals;
 
 constexpr std::size_t mostOfOneTitle = 100;
 
-/// All statements of the query see the same state, whatever other servers write meanwhile. Gives
-/// the query's own result, absent also when it could not be run.
+/// Runs the query in one transaction: all its statements see the same state, whatever other servers
+/// write. Returns the query's result; absent also when it could not be run.
 template <typename Query>
 auto run(Database& database, const Query& query) {
   using Result = decltype(query(database));
@@ -37,7 +37,7 @@ Index Index::opened(const Scope& scope, const OS::Environment& environment, Pati
   return index;
 }
 
-/// `query`: gives an optional that is absent when the database failed.
+/// `query`: returns an optional, absent when the database failed.
 template <typename Query>
 auto Index::resultOf(const Query& query) {
   using Result = typename decltype(query(database_))::value_type;
@@ -73,7 +73,7 @@ std::vector<CardPlace> Index::withTitle(std::string_view title) {
 void Index::update() {
   if (bringUpToDate()) return;
   if (database_.error() == DatabaseError::busy) {
-    database_.setPatience(0ms);  // it answers as it was, or not at all; there was enough waiting
+    database_.setPatience(0ms);  // there was enough waiting: it answers as it is, or not at all
     return;
   }
   if (database_.error() == DatabaseError::damaged && database_.empty() && bringUpToDate()) return;

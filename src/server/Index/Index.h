@@ -27,11 +27,11 @@ struct Titles {
   std::size_t total = 0;            ///< how many cards there are
 };
 
-/// The index of the cards of one scope. It is a file in the cache directory that servers share, or,
-/// if that cannot be used, in memory for one call.
+/// The index of the cards of one scope: a file in the cache directory, shared by all servers. If
+/// the file cannot be used, it is in memory, for one call.
 class Index {
  public:
-  /// How long opening an index may take after changes. It may take longer by the time for one file.
+  /// How long opening an index may take after changes. Reading one file may come on top.
   struct Patience {
     std::chrono::milliseconds withOthers;  ///< until another server has written
     std::chrono::milliseconds withFiles;   ///< for looking at files and reading what changed

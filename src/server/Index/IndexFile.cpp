@@ -24,7 +24,7 @@ constexpr const char* journalSuffix = "-journal";
 constexpr const char* turnSuffix = "-turn";
 constexpr const char* pruningNote = "pruned";
 
-/// What the names of all indexes of this version begin with.
+/// The prefix of the names of all indexes of this version.
 std::string prefix() { return "index-" + std::to_string(IndexTables::version) + '-'; }
 
 nanoseconds age(OS::FileStamp stamp) {
@@ -44,7 +44,7 @@ bool isOfGoneStores(const std::string& path) {
   return std::any_of(roots.begin(), roots.end(), isGone);
 }
 
-/// A journal is opened for reading, which would wait at a pipe.
+/// SQLite opens a journal for reading, and would wait for ever if it were a pipe.
 void removeFalseJournal(const std::string& path) {
   const std::string journal = path + journalSuffix;
   struct stat status {};

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t leastOfOneStore = 2;
 
-/// So many of the best are looked at for cards of a store that has none among the very best.
+/// How many of the best cards are searched for cards of a store that has none at the top.
 constexpr std::size_t mostLookedAt = 2'000;
 
 using CountOfEachStore = std::array<std::size_t, 2>;
@@ -36,7 +36,7 @@ std::size_t& countOf(Store::Kind store, CountOfEachStore& counts) {
 
 std::size_t outstanding(const CountOfEachStore& reserved) { return reserved[0] + reserved[1]; }
 
-/// The `limit` best, with the places of each store that has so many kept for it.
+/// The `limit` best. Each store has places reserved for its best `leastOfOneStore`.
 std::vector<CardPlace> best(std::vector<Candidate> candidates, std::size_t limit) {
   std::sort(candidates.begin(), candidates.end(), comesBefore);
   CountOfEachStore reserved{};

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint64_t noNamesStamp = 0;
 
-/// A column may hold anything when somebody else wrote the file.
+/// A column may hold anything, because another program may have written the file.
 std::size_t placeOf(std::int64_t store) { return store == 0 ? 0 : 1; }
 
 }  // namespace

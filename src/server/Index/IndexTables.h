@@ -38,9 +38,9 @@ using CardCounts = std::array<std::int64_t, 2>;
 struct State {
   std::int64_t fingerprint = 0;  ///< of the files in the index
   bool isUnfinished = true;      ///< some files are not in it yet
-  bool needsMerging = false;     ///< its words lie in many parts, or hold those of removed rows
+  bool needsMerging = false;     ///< the full-text index has many parts, or words of removed rows
   std::optional<std::uint64_t> namesStamp;  ///< of the last survey that found nothing to do
-  std::int64_t seenParts = 0;               ///< of `SeenFiles`, which are of the same survey
+  std::int64_t seenParts = 0;               ///< how many parts `SeenFiles` has of that survey
   CardCounts cards{};
 
   friend bool operator==(const State&, const State&) = default;
@@ -62,8 +62,8 @@ std::optional<CardCounts> cardCounts(Database& database, CommonTerms* common = n
 /// The same, counted in the rows.
 std::optional<CardCounts> countedCards(Database& database);
 
-/// Rewrites some of the words, so that they come to lie in one part, and those of removed rows
-/// leave the file. True when nothing is left to be done; absent when the database failed.
+/// Does some of the merging: at its end the full-text index is in one part, and words of removed
+/// rows are no longer in the file. True at the end; absent when the database failed.
 std::optional<bool> mergeSome(Database& database);
 
 /// Absent when they could not be read.
@@ -72,7 +72,7 @@ std::optional<std::vector<Row>> rows(Database& database);
 /// Writes rows; create it once for many of them.
 class Writer {
  public:
-  /// `cards`: kept as the rows are. It has to outlive the writer.
+  /// `cards`: updated with the rows. It must outlive the writer.
   Writer(Database& database, CardCounts& cards);
 
   bool remove(std::int64_t id);

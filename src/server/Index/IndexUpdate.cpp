@@ -18,40 +18,40 @@ using namespace std::chrono_literals;
 using Clock = OS::MonotonicClock;
 using IndexTables::Row;
 
-/// A step ends with the first file behind one of these: so little is lost when a server is killed,
-/// and so long others wait for it.
+/// A step ends after the first file beyond one of these limits. They bound what is lost when a
+/// server is killed, and how long other servers wait.
 constexpr std::chrono::milliseconds longestStep = 100ms;
 constexpr std::size_t largestStep = 4'194'304;  // bytes of files
 
-/// A file that changed this short a time ago may change again without a new time or size, so it is
-/// noted as if it had another time, and read again by the next update.
+/// A file that changed this recently may change again without a new time or size. So it is recorded
+/// with another time than it has, and the next update reads it again.
 constexpr std::chrono::nanoseconds settlingTime = 50ms;
 constexpr std::chrono::nanoseconds settlingTimeWithCoarseClock = 2s;
 
-/// After so many changes at once the words lie in many parts, each of which a search would look
-/// into.
+/// After this many changes at once the full-text index has many parts, and a search would have to
+/// look into each.
 constexpr std::size_t manyChanges = 100;
 
-/// With less than this, a look at a large store may end early each time.
+/// With less time than this, each look at a large store might end early.
 constexpr std::chrono::milliseconds patienceForAll = 200ms;
 
 /// The content of a file that is no card.
 constexpr std::uint64_t noContent = 0;
 
-/// One file whose row is not as the file is.
+/// One file whose row is out of date.
 struct Change {
   std::optional<std::int64_t> row;  ///< absent when it has none
   const Survey::File* file;         ///< null when it is gone
 };
 
-/// What is to be done, given what the index held at one moment.
+/// What there is to do, by what the index held at one moment.
 struct Plan {
   std::vector<Change> changes;
   std::size_t done = 0;  ///< how many of the changes are made
-  Fingerprint known;     ///< of the rows that are as their files
+  Fingerprint known;     ///< of the rows that are up to date
 };
 
-/// Tells files apart, but for a chance of one in 2^64.
+/// Differs between files, except for a chance of one in 2^64.
 std::uint64_t keyOf(Store::Kind store, std::string_view name) {
   return Text::mixed(Text::hashOf(name) + static_cast<std::uint64_t>(store) + 1);
 }
@@ -95,12 +95,12 @@ OS::FileStamp notedStamp(OS::FileStamp stamp) {
   const bool coarse = stamp.modified % second == 0;
   const std::chrono::nanoseconds settling = coarse ? settlingTimeWithCoarseClock : settlingTime;
   const std::chrono::nanoseconds age = now - modified;
-  const bool settled = age >= settling || age < -settling;  // or it is dated into the future
+  const bool settled = age >= settling || age < -settling;  // or its time is in the future
   if (!settled) --stamp.modified;
   return stamp;
 }
 
-/// One update. It holds what is carried from step to step.
+/// One update, with what its steps share.
 class Update {
  public:
   Update(Database& database, Survey& survey, Clock::time_point deadline, const ReadCard& read)
@@ -115,10 +115,10 @@ class Update {
     if (!state_ && database_.error() == DatabaseError::busy) return Outcome::failed;
     if (isPartCurrent(turn)) return state_->needsMerging ? mergeOnly() : Outcome::current;
     look();
-    // What a short look did not come to is left to a call that has the time for all of it.
+    // A short call leaves an incomplete look to a call that has time for all files.
     const bool isCut = !survey_.isComplete() && state_ && !state_->isUnfinished;
     if (isCut && patience_ < patienceForAll) return Outcome::current;
-    // On a starved machine looking may take all the time, and yet each update has to get on.
+    // On a busy machine the look may take all the time, but each update must make progress.
     deadline_ = std::max(deadline_, Clock::now() + patience_ / 2);
     const bool isCurrent = survey_.isComplete() && state_ && !state_->isUnfinished &&
                            state_->fingerprint == survey_.fingerprint().sum();
@@ -132,8 +132,8 @@ class Update {
   }
 
  private:
-  /// True when no file of the part whose turn it is has changed, where that is all there is to
-  /// know.
+  /// True when all names are known to be the same, and no file changed in the part whose turn it
+  /// is.
   bool isPartCurrent(const Turn& turn) {
     if (!state_ || state_->isUnfinished || !state_->namesStamp) return false;
     if (state_->namesStamp != survey_.namesStamp()) return false;
@@ -143,19 +143,19 @@ class Update {
   }
 
   void prepareToWrite() {
-    // A crash of the machine may cost the index, which is rebuilt then. What is removed leaves the
-    // file. Others are locked out only while a step is committed, not as soon as the cache is full.
-    // Should this fail, so does what follows.
+    // synchronous: a crash of the machine may damage the index, which is then built again.
+    // secure_delete: removed text is overwritten. cache_spill: others are locked out only while a
+    // step is committed, not as soon as the cache is full. If this fails, the next statement does.
     database_.run("PRAGMA synchronous = OFF; PRAGMA secure_delete = ON; PRAGMA cache_spill = OFF");
   }
 
-  /// Merges words while nothing else is to be done, until the deadline.
+  /// Merges until the deadline, when there is nothing else to do.
   Outcome mergeOnly() {
     prepareToWrite();
     do {
       if (!mergeStep()) {
         database_.rollBack();
-        return Outcome::current;  // what it holds is right, and another update will go on
+        return Outcome::current;  // the rows are up to date, and a later update will go on
       }
     } while (state_->needsMerging && Clock::now() < deadline_);
     return Outcome::written;
@@ -167,27 +167,28 @@ class Update {
            IndexTables::setState(database_, *state_, survey_.roots()) && database_.run("COMMIT");
   }
 
-  /// While the index is not finished, new files are found by their names, and the rest can wait.
+  /// While the index is unfinished, names are enough to find new files. Changed files can wait.
   void look() {
     const bool namesDo = !state_ || state_->isUnfinished;
     namesStamp_ = survey_.namesStamp();
     if (namesDo) {
-      // Ending early, it would see the same names each time, and never the new ones behind them.
+      // A look that ends early would see the same names each time, and never those behind them.
       survey_.look(Survey::Depth::names, Clock::time_point::max());
     } else {
       survey_.look(Survey::Depth::stamps, deadline_);
     }
   }
 
-  /// The state when rows with the fingerprint `known` are as their files.
+  /// The state when the rows with the fingerprint `known` are up to date.
   [[nodiscard]] IndexTables::State nextState(const Fingerprint& known, bool allChangesMade) const {
     IndexTables::State next = *state_;
     next.fingerprint = known.sum();
     next.isUnfinished = !allChangesMade || !survey_.isComplete();
-    // A file that may have changed again since it was read is noted with another stamp than it has.
+    // A file that changed recently is recorded with another time than it has, and will be read
+    // again.
     const bool isSettled = !next.isUnfinished && next.fingerprint == survey_.fingerprint().sum();
     next.namesStamp.reset();
-    // A skipped file may become a card without a change of its name.
+    // A skipped file may become a card and keep its name.
     if (isSettled && !survey_.passedOver()) next.namesStamp = namesStamp_;
     next.seenParts = next.namesStamp ? SeenFiles::partsFor(survey_.files().size()) : 0;
     return next;
@@ -203,7 +204,7 @@ class Update {
     return false;
   }
 
-  /// Where there is no state yet. The rows may be there all the same.
+  /// For an index without a state. It may have rows all the same.
   bool beginState() {
     const auto cards = IndexTables::countedCards(database_);
     if (cards) state_ = IndexTables::State{.namesStamp = {}, .cards = *cards};
@@ -212,9 +213,9 @@ class Update {
 
   bool stepUnderLock() {
     const auto found = IndexTables::state(database_);
-    // With a state there are tables, or somebody took them away: empty ones would hide that.
+    // With a state, the tables exist or somebody removed them. Empty new ones would hide that.
     if (!found && !IndexTables::create(database_)) return false;
-    const bool isOthers = found != state_;  // they may have indexed newer files than were seen
+    const bool isOthers = found != state_;  // another server may have indexed newer files
     state_ = found;
     if (!plan_ || isOthers) {
       if (isOthers) look();
@@ -224,7 +225,7 @@ class Update {
     }
     if (!state_ && !beginState()) return false;
     const Clock::time_point end = std::min(deadline_, Clock::now() + longestStep);
-    // Removed words can be merged away only once their removal is committed.
+    // A merge drops removed words only after their removal is committed.
     const bool stepMade = plan_->done < plan_->changes.size() ? makeChanges(end) : merge(end);
     if (!stepMade) return false;
     state_ = nextState(plan_->known, plan_->done == plan_->changes.size());
@@ -233,8 +234,7 @@ class Update {
     return kept && IndexTables::setState(database_, *state_, survey_.roots());
   }
 
-  /// Brings the words together in one part, without those of what was removed, until the step is
-  /// long enough.
+  /// Merges until the end of the step.
   bool merge(Clock::time_point end) {
     while (state_->needsMerging) {
       const auto isWhole = IndexTables::mergeSome(database_);
@@ -245,7 +245,7 @@ class Update {
     return true;
   }
 
-  /// Makes changes until the step is long enough; one at least.
+  /// Makes changes until the end of the step, at least one.
   bool makeChanges(Clock::time_point end) {
     IndexTables::Writer writer(database_, state_->cards);
     if (plan_->changes.size() >= manyChanges) state_->needsMerging = true;
@@ -266,7 +266,7 @@ class Update {
     const auto* file = std::get_if<StoreFiles::FileText>(&read);
     if (!noted.stamp && !file)
       noted.stamp = StoreFiles::cardStamp(cards, noted.store, noted.name.c_str());
-    if (!noted.stamp && !file) return true;  // it is no file, or gone again
+    if (!noted.stamp && !file) return true;  // it is no regular file, or no longer exists
     noted.stamp = notedStamp(file ? file->stamp : *noted.stamp);
     const std::uint64_t content = file ? Text::hashOf(file->text) : noContent;
     plan_->known.add(noted.store, noted.name, *noted.stamp);

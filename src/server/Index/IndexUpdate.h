@@ -24,16 +24,19 @@ enum class Outcome {
 /// Returns 0, 1, 2 and so on for each call on one index, across all servers.
 using Turn = std::function<std::uint64_t()>;
 
-/// Looks at the files and reads what changed, in steps that are each kept, whatever becomes of the
-/// next, and each whole for whoever else uses the index. It ends with the first file behind the
-/// deadline, and the next update goes on from there: so a large store, or a slow one, is indexed
-/// over several calls, none of which keeps its caller waiting. At least one file is read when any
-/// changed. Texts that are gone leave the database's file at once, or over the next updates when
-/// the index is a large one.
+/// Looks at the files and reads those that changed. It works in steps. Each step is one
+/// transaction: what it did is kept if a later step fails, and other servers see all of it or
+/// nothing.
 ///
-/// Names that are new, gone or given to another file are seen at once. So is a change within a
-/// file, but in a store of more than `SeenFiles::fewFiles` whose directory tells of all names:
-/// there each update looks at a part of the files, in turn.
+/// It stops after the first file behind the deadline, and the next update goes on from there. So a
+/// large or slow store is indexed over several calls, and none of them keeps its caller waiting.
+/// Each update reads at least one of the changed files. The words of removed cards leave the file
+/// at once, or, when the index is large, over the next updates.
+///
+/// A name that is new, gone or given to another file is seen at once. A change within a file is
+/// seen at once, too, unless the store has more than `SeenFiles::fewFiles` files and the time of
+/// its directory shows that all names are the same. Then each update looks at one part of the
+/// files, in turn.
 Outcome run(Database& database, Survey& survey, OS::MonotonicClock::time_point deadline,
             const Turn& turn, const ReadCard& read = &StoreFiles::readCard);
 

@@ -11,10 +11,10 @@ namespace {
 constexpr const char* functionName = "phrasePlaces";
 constexpr const char* pointerType = "quillstead-reading";
 
-/// After so many rows it is guessed how many more have a phrase.
+/// After this many rows the number of all rows with a phrase is estimated.
 constexpr std::size_t fewRows = 64;
 
-/// FTS5's own interface, absent when this SQLite has none.
+/// The extension interface of FTS5; null when this SQLite has none.
 fts5_api* interfaceOf(Database& database) {
   fts5_api* api = nullptr;
   Statement read = database.prepare("SELECT fts5(?)");
@@ -22,7 +22,7 @@ fts5_api* interfaceOf(Database& database) {
   return api;
 }
 
-/// Takes one of FTS5's numbers of variable length from the front.
+/// Removes a number in FTS5's variable-length format from the front, and returns it.
 std::uint64_t takeNumber(std::string_view& bytes) {
   constexpr unsigned more = 0x80;
   std::uint64_t number = 0;
@@ -37,8 +37,8 @@ std::uint64_t takeNumber(std::string_view& bytes) {
 
 }  // namespace
 
-/// One reading of a phrase. SQL would run its machine for every row, so the rows are asked for
-/// within a function that SQL calls for the first.
+/// Reads one phrase. A SQL query would run SQLite's virtual machine for every row. So the query
+/// stops at the first row and calls a function, which reads all rows through FTS5's interface.
 struct PhraseReading {
   PhraseReader::Totals& totals;
   std::size_t mostRows;

@@ -10,14 +10,14 @@
 
 namespace quillstead::server {
 
-/// Where a phrase is: the rows that have it, in their order, and its places in each.
+/// Where a phrase is: the rows that have it, in order, and its places in each row.
 struct Postings {
   struct Place {
     int column;
     int offset;  ///< in words
   };
   std::vector<std::int64_t> rows;
-  std::vector<std::size_t> ends;  ///< for each row, how many places it and those before it have
+  std::vector<std::size_t> ends;  ///< for each row, the end of its places in `places`
   std::vector<Place> places;
 };
 
@@ -28,23 +28,24 @@ class PhraseReader {
   static std::optional<PhraseReader> of(Database& database);
 
   struct Found {
-    std::size_t count = 0;  ///< rows that have it, or the number at which counting ended
-    bool isWhole = false;   ///< the postings are of all rows that have it
+    std::size_t count = 0;  ///< how many rows have it, as far as they were counted
+    bool isWhole = false;   ///< `postings` has all rows that have it
     Postings postings;
   };
 
-  /// What an expression of one phrase finds. Counting ends at `mostRows`, and of a phrase that
-  /// seems to be in more rows only some postings are read. Absent when the database failed.
+  /// Reads the postings of one phrase, given as a search expression. Counting ends at `mostRows`,
+  /// and earlier when the phrase seems to be in more rows than that: then only some postings are
+  /// read. Absent when the database failed.
   std::optional<Found> read(const std::string& expression, std::size_t mostRows);
 
-  /// The words of all rows, and how many rows there are. Known once a phrase was found.
+  /// The numbers of words and rows in the index. Known after the first phrase that was found.
   struct Totals {
     double words = 0;
     double rows = 0;
   };
   [[nodiscard]] Totals totals() const { return totals_; }
 
-  /// The words of a row. Absent when the database failed.
+  /// The number of words in a row. Absent when the database failed.
   std::optional<double> lengthOf(std::int64_t row);
 
  private:

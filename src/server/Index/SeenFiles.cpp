@@ -12,7 +12,7 @@ namespace quillstead::server::SeenFiles {
 
 namespace {
 
-/// What stands before the name of a file, which ends in a zero.
+/// What is stored before a file's name. The name ends in a NUL.
 struct Seen {
   std::int64_t store;
   OS::FileStamp stamp;
@@ -33,7 +33,7 @@ void append(std::string& text, const Survey::File& file) {
   text.append(file.name).push_back('\0');
 }
 
-/// True when the file that `files` begins with is as it was seen; takes it away.
+/// Removes the first file from `files`. True when it still has its stamp.
 bool isNextUnchanged(std::string_view& files, const Survey& survey) {
   Seen seen{};
   const std::size_t end = files.find('\0', std::min(files.size(), sizeof seen));

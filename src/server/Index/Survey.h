@@ -52,7 +52,7 @@ class Survey {
   [[nodiscard]] bool isComplete() const { return complete_; }
 
   [[nodiscard]] const std::vector<File>& files() const { return files_; }
-  /// Of the files with a stamp.
+  /// Over the files with a stamp.
   [[nodiscard]] const Fingerprint& fingerprint() const { return fingerprint_; }
 
   /// The roots of the stores that have a directory of cards.
@@ -61,7 +61,7 @@ class Survey {
   /// The directory that holds the store's cards; not open when there is none.
   [[nodiscard]] const OS::Descriptor& cards(Store::Kind store) const;
 
-  /// There was something that has the name of a card but may not be one as it is.
+  /// True when something was skipped that has a card's name but is not a usable file.
   [[nodiscard]] bool passedOver() const { return passedOver_; }
 
  private:

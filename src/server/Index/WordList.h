@@ -39,7 +39,7 @@ class WordList {
     return all;
   }
 
-  /// Most words that are not in the list have a mark that none of the list has.
+  /// A small hash. Most words that are not in the list have one that no word of the list has.
   static constexpr std::size_t markOf(std::string_view word) {
     const auto inner = static_cast<unsigned char>(word[word.size() / 3]);
     const auto last = static_cast<unsigned char>(word.back());

@@ -13,7 +13,7 @@ namespace {
 using Take = std::function<void(const Word&)>;
 using Text::PairedScript;
 
-/// Longer chains of words are no name.
+/// A longer chain of words is not one name.
 constexpr std::size_t longestName = 64;
 
 bool isUpper(char byte) { return byte >= 'A' && byte <= 'Z'; }
@@ -35,12 +35,12 @@ constexpr std::array<bool, 256> plainBytes = [] {
 bool isPlain(char byte) { return plainBytes[static_cast<unsigned char>(byte)]; }
 bool isSign(char byte) { return byte == '_' || byte == '-' || byte == '.'; }
 
-/// Characters without a width, which some texts have within words and others do not.
+/// Invisible characters. Some texts have them within words.
 bool isInvisible(char32_t character) {
   return character == 0xAD || (character >= 0x200B && character <= 0x200D) || character == 0xFEFF;
 }
 
-/// Latin letters, digits and signs as wide as ideographs are the ordinary ones.
+/// Turns full-width Latin letters, digits and signs into ordinary ones.
 char32_t withOrdinaryWidth(char32_t character) {
   constexpr char32_t firstWide = 0xFF01;
   constexpr char32_t lastWide = 0xFF5E;
@@ -69,8 +69,8 @@ std::string ordinary(std::string_view text) {
   return result;
 }
 
-/// How many bytes of `text` its first character takes when it belongs to a word of a script with
-/// spaces; 0 when it does not.
+/// The bytes of the first character of `text`, if it can be part of a word of a script with spaces;
+/// else 0.
 std::size_t spacedCharacter(std::string_view text) {
   if (text.empty()) return 0;
   if (isASCII(text[0])) return isPlain(text[0]) ? 1 : 0;
@@ -90,12 +90,12 @@ std::size_t spacedWord(std::string_view text) {
   }
 }
 
-/// True when the words around the sign are one name.
+/// True when the sign joins the words around it to one name.
 bool joins(char before, char sign, char after) {
   return sign == '_' || sign == '-' || (sign == '.' && isDigit(before) && isDigit(after));
 }
 
-/// The bytes of the word at the beginning of `text`, which has one, and of those joined to it.
+/// The length of the word that begins `text`, with the words joined to it.
 std::size_t nameLength(std::string_view text) {
   std::size_t length = spacedWord(text);
   while (length + 1 < text.size() && isSign(text[length])) {
@@ -125,7 +125,7 @@ void giveParts(std::string_view word, const Take& take) {
   if (begin > 0) take({.text = word.substr(begin), .kind = Word::Kind::part});
 }
 
-/// `name` without the signs between its words, but with the points of a number.
+/// `name` without the signs that join its words. A number keeps its points.
 std::string joined(std::string_view name) {
   std::string result(name);
   std::erase_if(result, [](char byte) { return byte == '_' || byte == '-'; });
@@ -150,7 +150,7 @@ void giveName(std::string_view name, const Take& take) {
   }
 }
 
-/// Scripts that may stand in one run.
+/// True for scripts that are written together, in one run.
 bool isSameRun(PairedScript one, PairedScript other) {
   const auto isAlone = [](PairedScript script) {
     return script == PairedScript::hangul || script == PairedScript::alphabet;
@@ -162,8 +162,8 @@ PairedScript scriptOf(Text::Decoded character) {
   return character.valid ? Text::pairedScript(character.character) : PairedScript::none;
 }
 
-/// The bytes of the run of one script, or of those that are written together, at the beginning of
-/// `text`; 0 when there is none.
+/// The length of the run that begins `text`, of one script or of scripts that are written together;
+/// 0 when there is none.
 std::size_t runLength(std::string_view text) {
   std::size_t length = 0;
   PairedScript script = PairedScript::none;

@@ -18,7 +18,7 @@ struct Word {
   enum class Kind {
     whole,
     part,  ///< of a name written as one word
-    run,   ///< not a word, but the text of the words that follow
+    run,   ///< not a word: the text in which the next words are
     pair,  ///< two neighbours
     last,  ///< the last of a run of neighbours
     only,  ///< one that has no neighbour
@@ -29,7 +29,7 @@ struct Word {
   Text::PairedScript neighbour = Text::PairedScript::none;  ///< of its second
 };
 
-/// Passes on the words in order; the parts of a name follow it.
+/// Calls `take` with each word, in order. The parts of a name come after the name.
 void split(std::string_view text, const std::function<void(const Word&)>& take);
 
 }  // namespace quillstead::server::WordSplitter

@@ -42,7 +42,7 @@ double pairSays(PairedScript script, PairedScript neighbour) {
   return Ranking::otherPair;
 }
 
-/// Gathers the terms of a prompt, stop words of every language included.
+/// Collects the terms of a prompt, with the stop words of all languages.
 class Gatherer {
  public:
   void take(const Word& word) {
@@ -66,8 +66,8 @@ class Gatherer {
     }
   }
 
-  /// Those that are stop words in the language to which most words of the prompt belong, or in
-  /// English, are left out.
+  /// Leaves out the stop words of English, and of the language that most words of the prompt are
+  /// from.
   std::vector<SearchTerm> finish() {
     const StopWords::Languages spoken = StopWords::english | mostSpoken();
     std::vector<SearchTerm> terms;
@@ -103,7 +103,7 @@ class Gatherer {
     add({.term = {.word = std::move(text), .says = says}, .stopWordIn = stopWordIn});
   }
 
-  /// A pair that lies in a phrase that says nothing is left out, one that touches it says half.
+  /// Leaves out a pair within a phrase that says nothing. A pair that overlaps one counts half.
   void takePair(const Word& word, double says, bool isBeginning) {
     const auto at = static_cast<std::size_t>(word.text.data() - run_.data());
     const Saying first = sayings_[at];
