@@ -1,7 +1,7 @@
-// SQLite can load extensions, for which it asks the dynamic loader. A fully static program has
-// none: there these stand in for the loader's functions and refuse.
+// SQLite can load extensions through the dynamic loader. A fully static program has no loader, so
+// these functions replace the loader's, and always fail.
 
-// Each is found by the linker only, under the name it makes of the function it replaces.
+// The linker's option --wrap redirects calls of each loader function to the one named here.
 extern "C" {
 
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

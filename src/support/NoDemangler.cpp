@@ -1,10 +1,10 @@
-// An exception that nobody catches has its type's name printed by the C++ library's default
-// handler, for which it brings in a reader of such names, a seventh of the hook. Here this stands
-// in for that reader and declines, and the name is printed as the compiler wrote it.
+// When nobody catches an exception, the C++ library's default handler prints the name of its type.
+// For that it links a demangler, a seventh of the hook's size. This function replaces it and does
+// nothing, so the name is printed in its mangled form.
 
 #include <cstddef>
 
-// The name, and what it has to do, are fixed by the compilers' common interface.
+// The C++ ABI defines its name and what it returns.
 extern "C" {
 
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

@@ -7,10 +7,10 @@
 #include <cstdint>
 #include <optional>
 
-/// What a file or directory is, without a look into it.
+/// The state of a file or directory, without reading it.
 namespace quillstead::OS {
 
-/// What tells one state of a file from another without reading it.
+/// A file's size and time, by which a change shows without reading the file.
 struct FileStamp {
   std::int64_t size;      ///< bytes
   std::int64_t modified;  ///< nanoseconds since 1970, as fine as the file system keeps them
@@ -26,14 +26,14 @@ FileStamp fileStamp(const struct stat& status);
 /// unchanged.
 std::optional<std::uint64_t> namesStamp(const Descriptor& directory);
 
-/// Whose word a file or directory is.
+/// Who may have written a file or directory.
 enum class Ownership {
-  ours,          ///< of the user this process works for; a group may write it too
-  someoneElses,  ///< of another user
+  ours,          ///< the user this process works for; a group may have write permission too
+  someoneElses,  ///< another user owns it
   everybodys,    ///< any user can write to it, whoever owns it
 };
 
-/// A symbolic link's own permissions say nothing, so it is never everybody's.
+/// A symbolic link is never `everybodys`, because its own permissions mean nothing.
 Ownership ownershipOf(const struct stat& status);
 
 }  // namespace quillstead::OS

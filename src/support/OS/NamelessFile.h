@@ -10,7 +10,8 @@ namespace quillstead::OS::NamelessFile {
 /// open where the system or the file system has no such files.
 Descriptor create(const Descriptor& directory);
 
-/// Gives the file a name in the directory. Gives 0 or the error number, EEXIST when it is taken.
+/// Gives the file a name in the directory. Returns 0 or the error number: EEXIST when the name is
+/// taken.
 int giveName(const Descriptor& file, const Descriptor& directory, const char* name);
 
 }  // namespace quillstead::OS::NamelessFile

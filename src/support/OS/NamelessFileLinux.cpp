@@ -10,7 +10,7 @@ namespace quillstead::OS::NamelessFile {
 
 namespace {
 
-// Without it there is no way to give a file a name that every user may go.
+// The only way to give a file a name that needs no privilege.
 constexpr const char* openFiles = "/proc/self/fd";
 
 constexpr mode_t onlyForTheUser = 0600;

@@ -4,8 +4,8 @@
 
 namespace quillstead::OS {
 
-/// A number that nobody can foresee, from the system. Where the system has none to give, one made
-/// of the time and the process's number: it still tells one name from another.
+/// An unpredictable number from the system. If the system cannot give one, the number is made of
+/// the time and the process number: enough to make a name unique.
 std::uint64_t randomNumber();
 
 }  // namespace quillstead::OS
