@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Numbers that the pages give and the code has: they are the same."""
 
+import json
 import re
 import unittest
 
@@ -78,6 +79,19 @@ class Numbers(unittest.TestCase):
                 self.assertTrue(found, "the table of counts has no such row")
                 for shown, figure in zip(found.groups(), figures):  # the guard lets a tenth pass, too
                     self.assertAlmostEqual(int(shown.replace(",", "")), int(figure), delta=int(figure) / 10)
+
+    def test_and_the_names_of_fuzz_targets_are_complete(self):
+        build = pages.text("fuzz/CMakeLists.txt")
+        harnesses = json.loads(pages.text("tests/helpers/harnesses.json"))
+        targets = re.findall(r"^quillstead_add_fuzzer\(([\w-]+)", build, re.MULTILINE)
+        targets += [f"payload-{harness}" for harness in harnesses]
+        page = pages.text("docs/reliability.md")
+        rows = page.partition("What the fuzz targets check")[2].partition("\n## ")[0]
+        named = re.findall(r"`([\w<>-]+)`", "".join(re.findall(r"^\| (`.*?) \|", rows, re.MULTILINE)))
+        named.remove("payload-<harness>")
+        named += [f"payload-{harness}" for harness in harnesses]
+        self.assertEqual(sorted(targets), sorted(named))
+        self.assertIn(f"| {len(targets)} targets, ", page)
 
 
 if __name__ == "__main__":
