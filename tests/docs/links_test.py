@@ -57,6 +57,16 @@ class Links(unittest.TestCase):
                 self.assertIn(pages.SOURCE / page, listed)
         self.assertIn("docs/README.md", links(pages.SOURCE / "README.md"))
 
+    def test_name_source_files_that_exist(self):
+        paths = [path.relative_to(pages.SOURCE) for path in pages.SOURCE.rglob("*.*")]
+        files = ["/" + str(path) for path in paths if pages.NOT_OURS.isdisjoint(path.parts)]
+        of_the_system = {"unistd.h"}
+        for page in map(pages.name, pages.pages()):
+            for span in pages.spans(page):
+                for source in set(re.findall(r"(?<![*>\w./-])[\w./-]+\.(?:cpp|h|c|py)\b", span)) - of_the_system:
+                    with self.subTest(page=page, source=source):
+                        self.assertTrue(any(file.endswith("/" + source) for file in files), "there is no such file")
+
 
 if __name__ == "__main__":
     unittest.main()
