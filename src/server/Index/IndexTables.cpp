@@ -17,6 +17,7 @@ std::size_t placeOf(std::int64_t store) { return store == 0 ? 0 : 1; }
 }  // namespace
 
 bool create(Database& database) {
+  // The words of one step are gathered in memory and written as one part.
   return database.run(R"sql(
     CREATE TABLE IF NOT EXISTS state (
       only INTEGER PRIMARY KEY CHECK (only = 1), fingerprint, isUnfinished, needsMerging, namesStamp,
@@ -24,10 +25,28 @@ bool create(Database& database) {
     CREATE TABLE IF NOT EXISTS seen (part INTEGER PRIMARY KEY, files);
     CREATE TABLE IF NOT EXISTS files (
       id INTEGER PRIMARY KEY, store, name, size, modified, isCard, title, content);
-    CREATE INDEX IF NOT EXISTS newest ON files (isCard, store, modified DESC, name, title);
     CREATE VIRTUAL TABLE IF NOT EXISTS cards USING fts5(
       title, tags, body,
       tokenize = "porter unicode61 remove_diacritics 2 categories 'L* M* N* Co' tokenchars '.'");
+    INSERT INTO cards (cards, rank) VALUES ('hashsize', 33554432);
+  )sql");
+}
+
+bool orderTitles(Database& database) {
+  return database.run(
+      "CREATE INDEX IF NOT EXISTS newest ON files (isCard, store, modified DESC, name, title)");
+}
+
+bool setMerging(Database& database, Merging merging) {
+  if (merging == Merging::atTheEnd) {
+    return database.run(R"sql(
+      INSERT INTO cards (cards, rank) VALUES ('automerge', 0);
+      INSERT INTO cards (cards, rank) VALUES ('crisismerge', 1999);
+    )sql");
+  }
+  return database.run(R"sql(
+    INSERT INTO cards (cards, rank) VALUES ('automerge', 4);
+    INSERT INTO cards (cards, rank) VALUES ('crisismerge', 16);
   )sql");
 }
 

@@ -18,7 +18,7 @@ namespace quillstead::server::IndexTables {
 /// The version of the tables, of the tokenizer, and of how texts are split into words. It is part
 /// of the file's name, so that versions of the server do not share an index. Raise it with every
 /// change of these; a test fails if that was forgotten.
-inline constexpr int version = 6;
+inline constexpr int version = 7;
 
 /// A file as the index stores it. `store` is written as the number of its enumerator.
 struct Row {
@@ -30,6 +30,17 @@ struct Row {
 
 /// Creates missing tables.
 bool create(Database& database);
+
+/// Creates what titles are found by in their order, if it is missing. It is not among the tables at
+/// first, because it costs much less when it is made once, after many rows.
+bool orderTitles(Database& database);
+
+/// When the parts of the index that hold words are merged by themselves.
+enum class Merging {
+  asItGrows,  ///< when some have the same size
+  atTheEnd,   ///< not at all, until `mergeSome`
+};
+bool setMerging(Database& database, Merging merging);
 
 /// How many cards each store has, by the number of its enumerator.
 using CardCounts = std::array<std::int64_t, 2>;

@@ -236,10 +236,12 @@ class Update {
 
   /// Merges until the end of the step.
   bool merge(Clock::time_point end) {
+    if (!IndexTables::orderTitles(database_)) return false;
     while (state_->needsMerging) {
       const auto isWhole = IndexTables::mergeSome(database_);
       if (!isWhole) return false;
       state_->needsMerging = !*isWhole;
+      if (*isWhole) return IndexTables::setMerging(database_, IndexTables::Merging::asItGrows);
       if (Clock::now() >= end) break;
     }
     return true;
@@ -248,14 +250,18 @@ class Update {
   /// Makes changes until the end of the step, at least one.
   bool makeChanges(Clock::time_point end) {
     IndexTables::Writer writer(database_, state_->cards);
-    if (plan_->changes.size() >= manyChanges) state_->needsMerging = true;
+    if (plan_->changes.size() >= manyChanges) {
+      state_->needsMerging = true;
+      if (!IndexTables::setMerging(database_, IndexTables::Merging::atTheEnd)) return false;
+    }
     bytesRead_ = 0;
     while (plan_->done < plan_->changes.size()) {
       const Change& change = plan_->changes[plan_->done++];
       if (!make(change, writer)) return false;
       if (bytesRead_ >= largestStep || Clock::now() >= end) break;
     }
-    return true;
+    const bool isLast = plan_->done == plan_->changes.size() && !state_->needsMerging;
+    return !isLast || IndexTables::orderTitles(database_);
   }
 
   bool make(const Change& change, IndexTables::Writer& writer) {

@@ -39,10 +39,13 @@ bool readUpTo(int descriptor, std::size_t limit, std::size_t expected, std::stri
   for (;;) {
     if (filled == bytes.size()) bytes.resize(std::min(bytes.size() * 2, limit + 1));
     if (filled == bytes.size()) return true;
-    const Transfer part = read(descriptor, bytes.data() + filled, bytes.size() - filled);
+    const std::size_t room = bytes.size() - filled;
+    const Transfer part = read(descriptor, bytes.data() + filled, room);
     if (part.result == Transfer::Result::ended) break;
     if (part.result != Transfer::Result::moved) return false;
     filled += part.count;
+    if (part.count < room && filled == expected)
+      break;  // a regular file gives less at its end only
   }
   bytes.resize(filled);
   return true;

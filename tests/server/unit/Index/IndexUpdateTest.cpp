@@ -225,21 +225,50 @@ TEST_F(IndexUpdateTest, SeesThatAFileMayBeReadAgain) {
   EXPECT_EQ(known(database), 2U);
 }
 
-TEST_F(IndexUpdateTest, MergesTheWordsOfManyCards) {
+/// What a query finds in its first row; -1 when it finds none.
+std::int64_t numberIn(Database& database, const char* query) {
+  Statement read = database.prepare(query);
+  return read.step() == Statement::Step::row ? read.integer(0) : -1;
+}
+
+constexpr const char* automerge = "SELECT v FROM cards_config WHERE k = 'automerge'";
+constexpr const char* ordersOfTitles =
+    "SELECT count(*) FROM sqlite_schema WHERE type = 'index' AND name = 'newest'";
+
+TEST_F(IndexUpdateTest, MergesTheWordsOfManyCardsAtTheEndOnly) {
   for (int number = 0; number < 300; ++number) {
     put(std::to_string(number) + ".md", "# T\n\nwalrus" + std::to_string(number));
   }
-  const auto slowly = [](const OS::Descriptor& cards, Store::Kind kind, const std::string& name) {
+  Database database = openIndex();
+  Database other = openIndex();
+  std::vector<std::int64_t> during;
+  const auto slowly = [&](const OS::Descriptor& cards, Store::Kind kind, const std::string& name) {
     std::this_thread::sleep_for(2ms);  // so that it takes several steps
+    if (known(other) > 0) during.push_back(numberIn(other, automerge));
     return StoreFiles::readCard(cards, kind, name);
   };
-  Database database = openIndex();
   Survey seen = survey();
   ASSERT_TRUE(update(database, seen, Clock::now() + 60s, slowly));
+  ASSERT_FALSE(during.empty());
+  EXPECT_TRUE(std::all_of(during.begin(), during.end(), [](auto value) { return value == 0; }));
+  EXPECT_EQ(numberIn(database, automerge), 4);
   // A part has a first page, and each of its pages a row.
-  Statement parts = database.prepare("SELECT count(DISTINCT segid) FROM cards_idx");
-  ASSERT_EQ(parts.step(), Statement::Step::row);
-  EXPECT_EQ(parts.integer(0), 1);
+  EXPECT_EQ(numberIn(database, "SELECT count(DISTINCT segid) FROM cards_idx"), 1);
+}
+
+TEST_F(IndexUpdateTest, OrdersTitlesWhenAllRowsAreThere) {
+  for (const std::size_t files : {3U, 300U}) {
+    for (std::size_t number = 0; number < files; ++number) {
+      put(std::to_string(files) + "-" + std::to_string(number) + ".md", "# T");
+    }
+    Database database = Database::inMemory();
+    Survey seen = survey();
+    ASSERT_TRUE(update(database, seen, Clock::now()));
+    EXPECT_EQ(known(database), 1U);
+    EXPECT_EQ(numberIn(database, ordersOfTitles), 0) << files;
+    ASSERT_TRUE(update(database, seen, Clock::now() + 60s));
+    EXPECT_EQ(numberIn(database, ordersOfTitles), 1) << files;
+  }
 }
 
 /// A store large enough to be looked at in parts.
