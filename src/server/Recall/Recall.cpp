@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
+#include <optional>
 #include <utility>
 #include <variant>
 
@@ -33,10 +34,13 @@ std::string shortened(std::string_view line, std::size_t limit) {
 
 std::vector<ShownCard> read(const Scope& scope, const std::vector<CardPlace>& places) {
   std::vector<ShownCard> all;
+  std::array<std::optional<OS::Descriptor>, 2> directories;
   for (const CardPlace& place : places) {
     const auto& store = place.store == Store::Kind::project ? scope.project : scope.personal;
     if (!store) continue;
-    auto content = StoreFiles::readCard(StoreFiles::openCards(*store), store->kind, place.fileName);
+    auto& cards = directories.at(static_cast<std::size_t>(place.store));
+    if (!cards) cards = StoreFiles::openCards(*store);
+    auto content = StoreFiles::readCard(*cards, store->kind, place.fileName);
     auto* const file = std::get_if<StoreFiles::FileText>(&content);
     if (file) all.push_back({.place = place, .text = std::move(file->text)});
   }
