@@ -12,6 +12,7 @@
 #include "hook/Telemetry/Stderr.h"
 #include "support/Text/Text.h"
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -19,6 +20,8 @@
 namespace quillstead::hook::Hook {
 
 namespace {
+
+using namespace std::string_view_literals;
 
 std::string help() {
   return "quillstead-hook: puts your stored memory into your coding agent's context.\n"
@@ -39,8 +42,8 @@ std::string help() {
 }
 
 /// Every refusal gets the same answer, whatever the harness.
-std::int32_t refuse(const std::string& reason, const std::string& known) {
-  Stderr::line(reason + " — injecting nothing. " + known + ".");
+std::int32_t refuse(std::string_view reason, std::string_view known) {
+  Stderr::line(Text::joined(std::array{reason, " — injecting nothing. "sv, known, "."sv}, ""));
   FailOpenBelt::answer(R"({"continue":true})");
   return 0;
 }

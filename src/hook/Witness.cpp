@@ -13,7 +13,7 @@ namespace quillstead::hook::Witness {
 namespace {
 
 std::string currentDirectory() {
-  std::array<char, PATH_MAX> path{};
+  std::array<char, PATH_MAX> path;
   return getcwd(path.data(), path.size()) ? path.data() : "";
 }
 

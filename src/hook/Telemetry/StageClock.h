@@ -2,6 +2,7 @@
 
 #include "support/OS/MonotonicClock.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -18,7 +19,7 @@ class StageClock {
     std::int64_t milliseconds;
   };
 
-  StageClock() = default;
+  StageClock() { stages_.reserve(usualStages); }
   explicit StageClock(std::vector<Stage> stages) : stages_(std::move(stages)) {}
 
   /// Runs a stage, records how long it took, and returns its result.
@@ -38,6 +39,8 @@ class StageClock {
   [[nodiscard]] std::optional<std::string> segment(std::int64_t totalMilliseconds) const;
 
  private:
+  static constexpr std::size_t usualStages = 5;  ///< of a prompt: parse to write
+
   std::vector<Stage> stages_;
 };
 

@@ -28,8 +28,10 @@ std::string cut(std::string record, std::size_t longest) {
 }  // namespace
 
 void line(std::string_view text, std::size_t longest) {
-  std::string record = "quillstead-hook: ";
-  record += text;
+  constexpr std::string_view name = "quillstead-hook: ";
+  std::string record;
+  record.reserve(name.size() + text.size() + 1);  // with the line end
+  record.append(name).append(text);
   OS::writeIfRoom(STDERR_FILENO, cut(Text::repaired(std::move(record)), longest) + '\n');
 }
 

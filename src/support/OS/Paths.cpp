@@ -8,7 +8,7 @@ namespace quillstead::OS {
 
 std::optional<std::string> canonicalPath(const std::string& path) {
   if (path.find('\0') != std::string::npos) return std::nullopt;
-  std::array<char, PATH_MAX> canonical{};
+  std::array<char, PATH_MAX> canonical;
   if (!realpath(path.c_str(), canonical.data())) return std::nullopt;
   return canonical.data();
 }

@@ -48,7 +48,7 @@ bool isOf(std::string_view line, uid_t user) {
 }  // namespace
 
 std::optional<std::string> ownExecutable() {
-  std::array<char, PATH_MAX> path{};
+  std::array<char, PATH_MAX> path;
   const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
   if (length > 0 && static_cast<std::size_t>(length) < path.size()) {
     return std::string(path.data(), static_cast<std::size_t>(length));

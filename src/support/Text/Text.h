@@ -42,7 +42,10 @@ bool isBlank(std::string_view text);
 /// The texts one behind the other, with `separator` between them.
 template <typename Texts>
 std::string joined(const Texts& texts, std::string_view separator) {
+  std::size_t size = 0;
+  for (const std::string_view text : texts) size += text.size() + separator.size();
   std::string all;
+  all.reserve(size);
   std::string_view before;
   for (const std::string_view text : texts) {
     all.append(before).append(text);
