@@ -476,6 +476,7 @@ class LeftAlone(unittest.TestCase):
             ("a = 1\n" + prompt + ours, "a = 1\n"),
             ("a = 1\n\n" + prompt + ours + "\n" + tool, "a = 1\n"),
             ("a = 1\n\n" + prompt + ours + tool + "\n[b]\nc = 1\n", "a = 1\n\n[b]\nc = 1\n"),
+            ("a = 1\n \t\n" + prompt + ours + "\n[b]\n", "a = 1\n\n[b]\n"),
             (prompt + ours + other, prompt + other),
             (prompt + other + ours + tool + "[b]\n", prompt + other + "[b]\n"),
             (prompt + other + prompt + ours, prompt + other),

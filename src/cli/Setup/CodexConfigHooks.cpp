@@ -93,22 +93,6 @@ void eraseEmpty(toml::table& root) {
   if (hooks->empty()) root.erase(key);
 }
 
-bool isBlank(std::string_view line) { return line == "\n" || line == "\r\n"; }
-
-/// The text without the marked lines, and without an empty line before them that would then be
-/// beside another one or at the end.
-std::string without(const TomlLines& lines, const std::vector<bool>& marks) {
-  std::string text = lines.text().substr(0, lines.begin(1));
-  for (std::size_t i = 1; i <= lines.count(); ++i) {
-    const bool isGap = isBlank(lines.line(i)) && marks[i + 1];
-    std::size_t next = i + 1;
-    while (isGap && next <= lines.count() && marks[next]) ++next;
-    const bool isDoubled = isGap && (lines.line(next).empty() || isBlank(lines.line(next)));
-    if (!marks[i] && !isDoubled) text += lines.line(i);
-  }
-  return text;
-}
-
 }  // namespace
 
 EditOutcome uninstall(const std::string& before) {
@@ -124,7 +108,7 @@ EditOutcome uninstall(const std::string& before) {
               [&](const toml::node& node) { lines.mark(node, node.source().begin.line, marks); });
   }
   eraseEmpty(parsed.table());
-  std::string text = without(lines, marks);
+  std::string text = lines.without(marks);
   toml::parse_result after = toml::parse(std::string_view(text));
   if (!after) return unchanged;
   eraseEmpty(after.table());

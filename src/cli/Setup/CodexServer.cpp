@@ -3,6 +3,7 @@
 #include "cli/Setup/TomlLines.h"
 #include "support/JSON/Writer.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
@@ -154,26 +155,18 @@ std::string added(const std::optional<std::string>& before, const std::string& s
                 : tableText(lines.lineEnd(), server);
 }
 
-/// The text without these lines, and without the line end that was added before a table at the end.
-/// Absent when nothing is left of a file that was made with the table.
+/// The text without the marked lines of our entry, and without the line end that was added before
+/// a table at the end. Absent when nothing is left of a file that was made with the table.
 std::optional<std::string> without(const TomlLines& lines, const std::vector<bool>& marks) {
-  std::string text;
-  for (std::size_t i = 1; i <= lines.count(); ++i) {
-    if (i == 1 && lines.begin(1) > 0) text = lines.text().substr(0, lines.begin(1));
-    if (!marks[i]) {
-      text += lines.line(i);
-      continue;
-    }
-    const std::size_t first = i;
-    while (i + 1 <= lines.count() && marks[i + 1]) ++i;
-    const std::string_view rest = std::string_view(lines.text()).substr(lines.begin(i + 1));
-    const bool isTable = lines.line(first).find('[') == lines.line(first).find_first_not_of(" \t");
-    const bool isAlone = rest.empty() || rest.starts_with('\n') || rest.starts_with("\r\n");
-    if (!isTable || !isAlone) continue;
-    if (lines.begin(first) == 0 && rest.empty()) return std::nullopt;
-    if (text.ends_with('\n')) text.pop_back();
-    if (text.ends_with('\r')) text.pop_back();
-  }
+  const auto from = std::find(marks.begin(), marks.end(), true);
+  const auto first = static_cast<std::size_t>(from - marks.begin());
+  const auto next = static_cast<std::size_t>(std::find(from, marks.end(), false) - marks.begin());
+  const bool isAtEnd = lines.begin(next) == lines.text().size();
+  if (!isAtEnd || !lines.isHeader(first)) return lines.without(marks);
+  std::string text = lines.text().substr(0, lines.begin(first));
+  if (text.empty()) return std::nullopt;
+  if (text.ends_with('\n')) text.pop_back();
+  if (text.ends_with('\r')) text.pop_back();
   return text;
 }
 

@@ -46,6 +46,11 @@ std::size_t TomlLines::place(const toml::source_position& position) const {
 
 std::string TomlLines::lineEnd() const { return line(1).ends_with("\r\n") ? "\r\n" : "\n"; }
 
+bool TomlLines::isHeader(std::size_t number) const {
+  const std::string_view text = line(number);
+  return text.substr(std::min(text.find_first_not_of(" \t"), text.size())).starts_with('[');
+}
+
 void TomlLines::mark(const toml::node& node, std::size_t firstLine,
                      std::vector<bool>& marks) const {
   if (isArrayOfTables(node)) {
@@ -60,10 +65,20 @@ void TomlLines::mark(const toml::node& node, std::size_t firstLine,
     return;
   }
   const std::size_t header = node.source().begin.line;
-  const std::string_view text = line(header);
-  const std::size_t first = std::min(text.find_first_not_of(" \t"), text.size());
-  if (text.substr(first).starts_with('[')) marks[header] = true;
+  if (isHeader(header)) marks[header] = true;
   for (const auto& [key, value] : *table) mark(value, key.source().begin.line, marks);
+}
+
+std::string TomlLines::without(const std::vector<bool>& marks) const {
+  std::string text = text_.substr(0, begin(1));
+  for (std::size_t i = 1; i <= count(); ++i) {
+    const bool isGap = Text::isBlank(line(i)) && marks[i + 1];
+    std::size_t next = i + 1;
+    while (isGap && next <= count() && marks[next]) ++next;
+    const bool isDoubled = isGap && Text::isBlank(line(next));
+    if (!marks[i] && !isDoubled) text += line(i);
+  }
+  return text;
 }
 
 }  // namespace quillstead::cli

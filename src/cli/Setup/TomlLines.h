@@ -28,9 +28,16 @@ class TomlLines {
 
   [[nodiscard]] std::string lineEnd() const;
 
+  /// Whether the line is a header: `[table]` or `[[element]]`.
+  [[nodiscard]] bool isHeader(std::size_t number) const;
+
   /// Sets `marks[n]` for each line `n` with a value or header of the node, which begins on
   /// `firstLine`. `marks` needs `count() + 2` elements.
   void mark(const toml::node& node, std::size_t firstLine, std::vector<bool>& marks) const;
+
+  /// The text without the marked lines, and without an empty line before them that would then be
+  /// beside another one or at the end.
+  [[nodiscard]] std::string without(const std::vector<bool>& marks) const;
 
  private:
   std::string text_;
