@@ -39,49 +39,55 @@ std::string placeOf(const JSONC::Complaint& complaint) {
 bool FileChanges::changeAll(const std::string& harness, const Programs& programs) {
   bool isAnyChanged = false;
   for (const auto& target : Harnesses::targets(harness, context_.places, programs)) {
-    isAnyChanged = change(target) || isAnyChanged;
-    complainOfRest(target);
+    const Attempt last = change(target);
+    isAnyChanged = isAnyChanged || last.result == Result::changed;
+    complainOfRest(target, last.content);
   }
   return isAnyChanged;
 }
 
-bool FileChanges::change(const Harnesses::Target& target) {
+FileChanges::Attempt FileChanges::change(const Harnesses::Target& target) {
   if (!isDryRun_) ConfigFile::removeLeftovers(target.path);
   for (;;) {
-    const Attempt outcome = attempt(target);
-    if (outcome != Attempt::again) return outcome == Attempt::changed;
+    Attempt last = attempt(target);
+    if (last.result != Result::again) return last;
   }
 }
 
 FileChanges::Attempt FileChanges::attempt(const Harnesses::Target& target) {
   const auto read = ConfigFile::read(target.path);
   if (const auto* problem = std::get_if<ConfigFile::Problem>(&read)) {
-    return leaveAlone(target, "", problem->what);
+    return {leaveAlone(target, "", problem->what), std::nullopt};
   }
   const auto& before = std::get<ConfigFile::Content>(read);
   const EditOutcome outcome = edited(target, direction_, before.bytes);
   if (const auto* complaint = std::get_if<JSONC::Complaint>(&outcome)) {
-    return leaveAlone(target, placeOf(*complaint), complaint->what);
+    return {leaveAlone(target, placeOf(*complaint), complaint->what), before.bytes};
   }
   const auto& edit = std::get<Edited>(outcome);
   const bool isChanged = edit.text != before.bytes;
-  if (isChanged && before.isReadOnly()) return leaveAlone(target, "", "is read-only");
+  if (isChanged && before.isReadOnly()) {
+    return {leaveAlone(target, "", "is read-only"), before.bytes};
+  }
   const std::string_view word = outcomeOf(direction_, isChanged, edit.hadOurs);
-  if (isChanged && !isDryRun_) return write(target, before, edit, word);
+  if (isChanged && !isDryRun_) {
+    const Result result = write(target, before, edit, word);
+    return {result, result == Result::changed ? edit.text : before.bytes};
+  }
   tell(target, word);
   context_.console.print(unifiedDiff(target.path, before.bytes, edit.text));
-  return Attempt::notChanged;
+  return {Result::notChanged, edit.text};
 }
 
-FileChanges::Attempt FileChanges::write(const Harnesses::Target& target,
-                                        const ConfigFile::Content& before, const Edited& edit,
-                                        std::string_view word) {
+FileChanges::Result FileChanges::write(const Harnesses::Target& target,
+                                       const ConfigFile::Content& before, const Edited& edit,
+                                       std::string_view word) {
   if (!lock_.isOpen()) {
     if (!lock()) {
       return leaveAlone(target, "",
                         context_.places.stateDirectory + " cannot be created for a copy");
     }
-    return Attempt::again;  // another run may have changed the file while this one waited
+    return Result::again;  // another run may have changed the file while this one waited
   }
   const std::string copies = context_.places.stateDirectory + "/backups";
   const bool isFirst = !edit.hadOurs || (edit.text && !ConfigFile::hasCopy(before, copies));
@@ -96,9 +102,9 @@ FileChanges::Attempt FileChanges::write(const Harnesses::Target& target,
   if (const auto* problem = std::get_if<ConfigFile::Problem>(&written)) {
     return leaveAlone(target, "", problem->what);
   }
-  if (std::get<ConfigFile::Written>(written) != ConfigFile::Written::done) return Attempt::again;
+  if (std::get<ConfigFile::Written>(written) != ConfigFile::Written::done) return Result::again;
   tell(target, word);
-  return Attempt::changed;
+  return Result::changed;
 }
 
 void FileChanges::tellCopies() const {
@@ -107,12 +113,12 @@ void FileChanges::tellCopies() const {
   for (const std::string& copy : copies_) context_.console.print("  " + copy + "\n");
 }
 
-FileChanges::Attempt FileChanges::leaveAlone(const Harnesses::Target& target,
-                                             const std::string& place, const std::string& what) {
+FileChanges::Result FileChanges::leaveAlone(const Harnesses::Target& target,
+                                            const std::string& place, const std::string& what) {
   tell(target, "left alone");
   context_.console.complain(target.path + place + ": " + what);
   wasAnyLeftAlone_ = true;
-  return Attempt::notChanged;
+  return Result::notChanged;
 }
 
 void FileChanges::tell(const Harnesses::Target& target, std::string_view outcome) {
@@ -120,13 +126,9 @@ void FileChanges::tell(const Harnesses::Target& target, std::string_view outcome
                          std::string(outcome) + "\n");
 }
 
-void FileChanges::complainOfRest(const Harnesses::Target& target) {
-  auto content = target.rest ? ConfigFile::textOf(target.path) : std::nullopt;
-  if (content && isDryRun_) {
-    const EditOutcome outcome = edited(target, direction_, content);
-    if (const auto* const edit = std::get_if<Edited>(&outcome)) content = edit->text;
-  }
-  const auto complaint = content ? target.rest(*content) : std::nullopt;
+void FileChanges::complainOfRest(const Harnesses::Target& target,
+                                 const std::optional<std::string>& content) {
+  const auto complaint = target.rest && content ? target.rest(*content) : std::nullopt;
   if (!complaint) return;
   context_.console.complain(target.path + placeOf(*complaint) + ": " + complaint->what);
   wasAnyLeftAlone_ = true;

@@ -6,6 +6,7 @@
 #include "cli/Setup/SetupOptions.h"
 #include "support/OS/Descriptor.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,18 +30,23 @@ class FileChanges {
   void tellCopies() const;
 
  private:
-  enum class Attempt { changed, notChanged, again };
+  enum class Result { changed, notChanged, again };
 
-  bool change(const Harnesses::Target& target);
+  struct Attempt {
+    Result result;
+    std::optional<std::string> content;  ///< what the file has now, or would have after a dry run
+  };
+
+  Attempt change(const Harnesses::Target& target);
   Attempt attempt(const Harnesses::Target& target);
-  Attempt write(const Harnesses::Target& target, const ConfigFile::Content& before,
-                const Edited& edit, std::string_view word);
-  Attempt leaveAlone(const Harnesses::Target& target, const std::string& place,
-                     const std::string& what);
+  Result write(const Harnesses::Target& target, const ConfigFile::Content& before,
+               const Edited& edit, std::string_view word);
+  Result leaveAlone(const Harnesses::Target& target, const std::string& place,
+                    const std::string& what);
   void tell(const Harnesses::Target& target, std::string_view outcome);
 
-  /// What is ours in the file, and is left to the user.
-  void complainOfRest(const Harnesses::Target& target);
+  /// Complains of what is ours in the content, and is left to the user.
+  void complainOfRest(const Harnesses::Target& target, const std::optional<std::string>& content);
 
   /// Locks out other runs until this one ends. False on failure.
   bool lock();
