@@ -31,6 +31,13 @@ class IndexUpdateTest : public ::testing::Test {
     fs::last_write_time(place / ("store/memory/" + name), hourAgo);
   }
 
+  /// Writes `count` files of `bytes` each, full of words that differ.
+  void putLong(int count, std::size_t bytes) const {
+    std::string text;
+    while (text.size() < bytes) text += "word" + std::to_string(text.size()) + ' ';
+    for (int number = 0; number < count; ++number) put(std::to_string(number) + ".md", text);
+  }
+
   [[nodiscard]] Survey survey() const {
     return Survey::opened(
         {.personal = std::nullopt,
@@ -128,11 +135,7 @@ TEST_F(IndexUpdateTest, ForgetsNothingForASurveyThatEndedEarly) {
 }
 
 TEST_F(IndexUpdateTest, CommitsAfterSomeMegabytes) {
-  std::string text;
-  while (text.size() < 1'000'000) text += "word" + std::to_string(text.size()) + ' ';
-  for (int number = 0; number < 12; ++number) {
-    put(std::to_string(number) + ".md", text);
-  }
+  putLong(12, 1'000'000);
   Database database = openIndex();
   const std::vector<std::size_t> committed = committedDuringUpdate(database, 100ms);
   EXPECT_EQ(known(database), 12U);
@@ -141,9 +144,7 @@ TEST_F(IndexUpdateTest, CommitsAfterSomeMegabytes) {
 }
 
 TEST_F(IndexUpdateTest, LetsOthersReadUntilItCommits) {
-  std::string text;
-  while (text.size() < 50'000) text += "word" + std::to_string(text.size()) + ' ';
-  for (int number = 0; number < 100; ++number) put(std::to_string(number) + ".md", text);
+  putLong(100, 50'000);
   Database database = openIndex();
   ASSERT_TRUE(database.run("PRAGMA cache_size = 10"));  // pages: a step has no room in it
   const std::vector<std::size_t> committed = committedDuringUpdate(database, 0ms);
