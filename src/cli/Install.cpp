@@ -7,6 +7,7 @@
 #include "cli/Setup/Programs.h"
 #include "cli/Setup/SetupOptions.h"
 #include "support/OS/Directory.h"
+#include "support/OS/FileMode.h"
 #include "support/Text/Text.h"
 
 #include <unistd.h>
@@ -52,11 +53,10 @@ void tellWhatIsLeft(const std::vector<std::string>& harnesses, const Context& co
 
 /// Creates the memory store and the log's directory; complains when it cannot.
 bool makePlaces(const Context& context, const Programs& programs) {
-  constexpr mode_t onlyForTheUser = 0700;
   const std::string& store = context.places.personalStore;
   bool isDone = true;
   if (programs.log == programs.installedLog &&
-      !OS::makeDirectories(context.places.stateDirectory, onlyForTheUser)) {
+      !OS::makeDirectories(context.places.stateDirectory, OS::FileMode::privateDirectory)) {
     context.console.complain(context.places.stateDirectory +
                              ": cannot be created, so there is no log");
     isDone = false;

@@ -2,6 +2,7 @@
 
 #include "support/OS/AtomicFile.h"
 #include "support/OS/Directory.h"
+#include "support/OS/FileMode.h"
 
 #include <sys/stat.h>
 
@@ -30,7 +31,7 @@ bool isThere(const std::string& path) {
 
 Outcome make(const std::string& root, Audience audience) {
   const bool isForTheUser = audience == Audience::user;
-  const mode_t mode = isForTheUser ? 0700 : 0755;
+  const mode_t mode = isForTheUser ? OS::FileMode::privateDirectory : 0755;
   const std::string cards = root + "/memory";
   bool isChanged = !isThere(cards);
   if (isChanged && !OS::makeDirectories(cards, mode)) return Outcome::failed;
@@ -38,7 +39,7 @@ Outcome make(const std::string& root, Audience audience) {
   const OS::Descriptor directory = OS::openDirectory(root, OS::Links::followed);
   if (!directory.isOpen()) return Outcome::failed;
   if (!isThere(root + "/rules.md")) {
-    const mode_t rulesMode = isForTheUser ? OS::AtomicFile::onlyForTheUser : OS::AtomicFile::forAll;
+    const mode_t rulesMode = isForTheUser ? OS::FileMode::privateFile : OS::AtomicFile::forAll;
     const auto created = OS::AtomicFile::create(directory, "rules.md", emptyRules, rulesMode);
     if (created == OS::AtomicFile::Outcome::failed) return Outcome::failed;
     isChanged = isChanged || created == OS::AtomicFile::Outcome::created;

@@ -5,6 +5,7 @@
 #include "cli/Setup/Harnesses.h"
 #include "cli/Setup/Programs.h"
 #include "cli/Setup/SetupOptions.h"
+#include "support/OS/FileMode.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -15,15 +16,13 @@ namespace quillstead::cli::Uninstall {
 
 namespace {
 
-constexpr mode_t onlyForTheUser = 0700;
-
 /// Removes the directories that install made for the harness, which are for the user alone, when
 /// they are empty.
 void removeMadeDirectories(std::string_view harness, const Context& context) {
   for (const std::string& path : Harnesses::directories(harness, context.places)) {
     struct stat status {};
     const bool isMade = lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
-                        (status.st_mode & 07777U) == onlyForTheUser;
+                        (status.st_mode & 07777U) == OS::FileMode::privateDirectory;
     if (isMade) rmdir(path.c_str());
   }
 }

@@ -2,6 +2,7 @@
 
 #include "support/OS/Descriptor.h"
 #include "support/OS/Directory.h"
+#include "support/OS/FileMode.h"
 #include "support/OS/Paths.h"
 
 #include <fcntl.h>
@@ -15,8 +16,6 @@ namespace quillstead::server::UserPlaces {
 
 namespace {
 
-constexpr mode_t closedDirectory = 0700;
-constexpr mode_t closedFile = 0600;
 constexpr mode_t rightsOfOthers = 0077;
 
 std::string cachesOfAllPrograms(const OS::Environment& environment) {
@@ -59,21 +58,22 @@ std::string makeCacheDirectory(const OS::Environment& environment) {
   const std::string caches = cachesOfAllPrograms(environment);
   if (caches.empty()) return {};
   const std::string directory = caches + "/quillstead";
-  if (!OS::makeDirectories(directory, closedDirectory)) return {};
+  if (!OS::makeDirectories(directory, OS::FileMode::privateDirectory)) return {};
   std::optional<std::string> path = OS::canonicalPath(directory);
   struct stat status {};
   if (!path || lstat(path->c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return {};
-  if (!closed(*path, status, closedDirectory)) return {};
+  if (!closed(*path, status, OS::FileMode::privateDirectory)) return {};
   return std::move(*path);
 }
 
 bool makeCacheFile(const std::string& path) {
   struct stat status {};
   const bool exists = lstat(path.c_str(), &status) == 0;
-  if (exists && S_ISREG(status.st_mode) && closed(path, status, closedFile)) return true;
+  const bool isFile = exists && S_ISREG(status.st_mode);
+  if (isFile && closed(path, status, OS::FileMode::privateFile)) return true;
   if (exists && unlink(path.c_str()) != 0) return false;
   constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-  const OS::Descriptor made(open(path.c_str(), flags, closedFile));
+  const OS::Descriptor made(open(path.c_str(), flags, OS::FileMode::privateFile));
   // Another server may have made it at the same time.
   return made.isOpen() || (lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode));
 }

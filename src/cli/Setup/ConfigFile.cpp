@@ -4,6 +4,7 @@
 #include "support/OS/Directory.h"
 #include "support/OS/ExclusiveRename.h"
 #include "support/OS/FileContent.h"
+#include "support/OS/FileMode.h"
 #include "support/OS/NamelessFile.h"
 #include "support/OS/Paths.h"
 #include "support/OS/Random.h"
@@ -26,8 +27,6 @@ namespace quillstead::cli::ConfigFile {
 namespace {
 
 constexpr std::size_t largest = std::size_t{32} << 20U;  // bytes; far more than settings take
-constexpr mode_t onlyForTheUser = 0600;
-constexpr mode_t directoryMode = 0700;
 constexpr std::string_view temporaryPrefix = ".quillstead-new-";
 constexpr std::string_view temporarySuffix = ".tmp";
 
@@ -94,7 +93,8 @@ class TemporaryFile {
     file_ = OS::NamelessFile::create(directory);
     if (file_.isOpen()) return;
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
-    file_ = OS::Descriptor(openat(directory.number(), name_.c_str(), flags, onlyForTheUser));
+    file_ =
+        OS::Descriptor(openat(directory.number(), name_.c_str(), flags, OS::FileMode::privateFile));
     isNamed_ = file_.isOpen();
   }
   TemporaryFile(const TemporaryFile&) = delete;
@@ -207,7 +207,7 @@ std::variant<Written, Problem> replace(const Content& before,
   const OS::SignalMask mask(OS::SignalMask::Change::block, signals);
   if (!bytes) return removed(before);
   const std::string parent = directoryOf(before.path);
-  if (!OS::makeDirectories(parent, directoryMode)) {
+  if (!OS::makeDirectories(parent, OS::FileMode::privateDirectory)) {
     return problem("has no directory, and none can be made", errno);
   }
   const OS::Descriptor directory = OS::openDirectory(parent, OS::Links::followed);

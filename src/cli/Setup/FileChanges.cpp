@@ -3,6 +3,7 @@
 #include "cli/Setup/ConfigFile.h"
 #include "cli/Setup/UnifiedDiff.h"
 #include "support/OS/Directory.h"
+#include "support/OS/FileMode.h"
 
 #include <sys/file.h>
 
@@ -135,9 +136,8 @@ void FileChanges::complainOfRest(const Harnesses::Target& target,
 }
 
 bool FileChanges::lock() {
-  constexpr mode_t onlyForTheUser = 0700;
   const std::string& directory = context_.places.stateDirectory;
-  if (!OS::makeDirectories(directory, onlyForTheUser)) return false;
+  if (!OS::makeDirectories(directory, OS::FileMode::privateDirectory)) return false;
   lock_ = OS::openDirectory(directory, OS::Links::followed);
   if (!lock_.isOpen()) return false;
   int result = 0;

@@ -3,6 +3,7 @@
 #include "server/Index/IndexTables.h"
 #include "server/UserPlaces.h"
 #include "support/OS/Directory.h"
+#include "support/OS/FileMode.h"
 #include "support/Text/Hash.h"
 
 #include <fcntl.h>
@@ -64,8 +65,8 @@ bool isDue(const OS::Descriptor& directory) {
   const auto last = OS::stampOf(directory, pruningNote);
   if (last && age(*last) >= nanoseconds(0) && age(*last) < std::chrono::days(1)) return false;
   constexpr int flags = O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-  constexpr mode_t onlyForTheUser = 0600;
-  const OS::Descriptor note(openat(directory.number(), pruningNote, flags, onlyForTheUser));
+  const OS::Descriptor note(
+      openat(directory.number(), pruningNote, flags, OS::FileMode::privateFile));
   return note.isOpen() && futimens(note.number(), nullptr) == 0;
 }
 
@@ -86,8 +87,7 @@ std::string place(const Scope& scope, const OS::Environment& environment) {
 
 std::uint64_t nextTurn(const std::string& path) {
   constexpr int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-  constexpr mode_t onlyForTheUser = 0600;
-  const OS::Descriptor file(open((path + turnSuffix).c_str(), flags, onlyForTheUser));
+  const OS::Descriptor file(open((path + turnSuffix).c_str(), flags, OS::FileMode::privateFile));
   std::uint64_t turn = 0;
   if (pread(file.number(), &turn, sizeof turn, 0) < 0) return 0;
   const std::uint64_t next = turn + 1;

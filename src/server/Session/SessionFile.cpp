@@ -2,6 +2,7 @@
 
 #include "server/UserPlaces.h"
 #include "support/OS/Directory.h"
+#include "support/OS/FileMode.h"
 #include "support/OS/MonotonicClock.h"
 #include "support/Text/Hash.h"
 
@@ -55,7 +56,6 @@ bool isPlainFileOfOurs(const struct stat& status) {
 
 std::optional<SessionFile> SessionFile::opened(std::string_view session,
                                                const OS::Environment& environment) {
-  constexpr mode_t onlyForTheUser = 0600;
   const std::string path = UserPlaces::makeCacheDirectory(environment);
   if (path.empty()) return std::nullopt;
   const OS::Descriptor directory = OS::openDirectory(path, OS::Links::followed);
@@ -63,7 +63,7 @@ std::optional<SessionFile> SessionFile::opened(std::string_view session,
   const std::string name = Text::inHexadecimal(Text::hashOf(session)) + std::string(suffix);
   OS::Descriptor file(openat(directory.number(), name.c_str(),
                              O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
-                             onlyForTheUser));
+                             OS::FileMode::privateFile));
   struct stat status {};
   if (!file.isOpen() || fstat(file.number(), &status) != 0 || !isPlainFileOfOurs(status) ||
       !locked(file)) {

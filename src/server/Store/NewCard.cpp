@@ -6,6 +6,7 @@
 #include "server/Store/CardName.h"
 #include "server/Store/StoreFiles.h"
 #include "support/OS/AtomicFile.h"
+#include "support/OS/FileMode.h"
 #include "support/Text/Text.h"
 
 #include <array>
@@ -99,7 +100,7 @@ std::variant<AddedCard, NotAdded> add(const Store& store, const NewCard& card) {
                                                      : "cannot be made or opened")};
   }
   OS::AtomicFile::removeLeftovers(cards);
-  const mode_t mode = store.kind == Store::Kind::personal ? OS::AtomicFile::onlyForTheUser
+  const mode_t mode = store.kind == Store::Kind::personal ? OS::FileMode::privateFile
                                                           : OS::AtomicFile::asTheMaskSays;
 
   const std::string title = titleOf(card);

@@ -4,6 +4,7 @@
 #include "server/Markdown/Comments.h"
 #include "support/OS/Beneath.h"
 #include "support/OS/Directory.h"
+#include "support/OS/FileMode.h"
 #include "support/OS/Paths.h"
 #include "support/Text/Text.h"
 
@@ -153,10 +154,10 @@ OS::Descriptor openCards(const Store& store) {
 }
 
 OS::Descriptor makeCards(const Store& store) {
-  constexpr mode_t onlyForTheUser = 0700;
   constexpr mode_t forAll = 0777;  // less the process's mask
   const bool isPersonal = store.kind == Store::Kind::personal;
-  OS::makeDirectories(store.root + '/' + cardsName, isPersonal ? onlyForTheUser : forAll);
+  OS::makeDirectories(store.root + '/' + cardsName,
+                      isPersonal ? OS::FileMode::privateDirectory : forAll);
   return openCards(store);
 }
 

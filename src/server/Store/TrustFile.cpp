@@ -4,6 +4,7 @@
 #include "support/OS/AtomicFile.h"
 #include "support/OS/Directory.h"
 #include "support/OS/FileContent.h"
+#include "support/OS/FileMode.h"
 #include "support/OS/Paths.h"
 #include "support/Text/Text.h"
 
@@ -108,7 +109,7 @@ Outcome changed(const OS::Environment& environment, const std::function<bool(Lin
 
   std::string text;
   for (const std::string& line : lines) text.append(line).append("\n");
-  if (OS::AtomicFile::replace(place.directory, fileName, text, OS::AtomicFile::onlyForTheUser)) {
+  if (OS::AtomicFile::replace(place.directory, fileName, text, OS::FileMode::privateFile)) {
     return Change::made;
   }
   return Unusable{place.path + '/' + fileName + " cannot be written: " + std::strerror(errno)};
@@ -123,8 +124,7 @@ std::variant<Lines, Unusable> read(const OS::Environment& environment) {
 }
 
 Outcome add(const OS::Environment& environment, const std::string& line) {
-  constexpr mode_t onlyForTheUser = 0700;
-  OS::makeDirectories(UserPlaces::personalStore(environment), onlyForTheUser);
+  OS::makeDirectories(UserPlaces::personalStore(environment), OS::FileMode::privateDirectory);
   return changed(environment, [&](Lines& lines) {
     if (std::find(lines.begin(), lines.end(), line) != lines.end()) return false;
     lines.push_back(line);

@@ -16,7 +16,6 @@ enum class Outcome {
   failed,  ///< no file was created; `errno` says why
 };
 
-inline constexpr mode_t onlyForTheUser = 0600;
 inline constexpr mode_t forAll = 0644;
 inline constexpr mode_t asTheMaskSays = 0666;
 

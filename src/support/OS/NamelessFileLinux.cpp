@@ -1,3 +1,4 @@
+#include "support/OS/FileMode.h"
 #include "support/OS/NamelessFile.h"
 
 #include <fcntl.h>
@@ -13,14 +14,12 @@ namespace {
 // The only way to give a file a name that needs no privilege.
 constexpr const char* openFiles = "/proc/self/fd";
 
-constexpr mode_t onlyForTheUser = 0600;
-
 }  // namespace
 
 Descriptor create(const Descriptor& directory) {
   if (access(openFiles, X_OK) != 0) return {};
   return Descriptor(
-      openat(directory.number(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, onlyForTheUser));
+      openat(directory.number(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, FileMode::privateFile));
 }
 
 int giveName(const Descriptor& file, const Descriptor& directory, const char* name) {
