@@ -411,6 +411,13 @@ class Ours(unittest.TestCase):
              "[x]\ny=1\n"),
             ("mcp_servers.quillstead.command = '/o/quillstead-mcp'\n", f'mcp_servers.quillstead.command = "{SERVER}"\nmcp_servers.quillstead.env_vars = {both}\n', ""),
             ("[mcp_servers]\nquillstead = { command = '/o/quillstead-mcp' }\no = {}\n", f'[mcp_servers]\nquillstead = {{ command = "{SERVER}", env_vars = {both} }}\no = {{}}\n', "[mcp_servers]\no = {}\n"),
+            ("\ufeffmcp_servers.quillstead.command = '/o/quillstead-mcp'\r\n",
+             f'\ufeffmcp_servers.quillstead.command = "{SERVER}"\r\nmcp_servers.quillstead.env_vars = {both}\r\n', "\ufeff"),
+            ("a=1\n\n[mcp_servers.quillstead]\ncommand = '/o/quillstead-mcp'\n[x]\n",
+             f'a=1\n\n[mcp_servers.quillstead]\ncommand = "{SERVER}"\nenv_vars = {both}\n[x]\n', "a=1\n\n[x]\n"),
+            *(("a=1\n" + gap + "[mcp_servers.quillstead]\ncommand = '/o/quillstead-mcp'\n\n[x]\n",
+               f'a=1\n{gap}[mcp_servers.quillstead]\ncommand = "{SERVER}"\nenv_vars = {both}\n\n[x]\n',
+               "a=1\n\n[x]\n") for gap in ("", "\n", " \t\n")),
         ]:
             with self.subTest(old):
                 self.assertEqual(self.installed("codex", ".codex/config.toml", old)[:2], (new, left))
