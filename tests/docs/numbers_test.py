@@ -35,8 +35,10 @@ LIMITS = [
     ("docs/cli.md", r"answers, within {} s", 1, "src/cli/Doctor.cpp", "serverTime"),
     ("docs/cli.md", r"its last {} lines", 1, "src/cli/Doctor/LogChecks.cpp", "mostLines"),
     ("docs/recall.md", r"less than {} of the best score", 1, "src/server/Index/Ranking.h", "leastPartOfBest"),
-    ("docs/recall.md", r"left out; {} if the prompt is mostly", 1, "src/server/Index/Ranking.h", "leastPartOfBestPairs"),
-    ("docs/memory.md", r"rank are left out; {} for a prompt", 1, "src/server/Index/Ranking.h", "leastPartOfBestPairs"),
+    ("docs/recall.md", r"left out; {} if the prompt is mostly in Korean", 1, "src/server/Index/Ranking.h", "leastPartOfBestHangul"),
+    ("docs/memory.md", r"rank are left out; {} for a prompt", 1, "src/server/Index/Ranking.h", "leastPartOfBestHangul"),
+    ("docs/recall.md", r"in Korean, {} in Thai, Lao, Khmer or Burmese", 1, "src/server/Index/Ranking.h", "leastPartOfBestAlphabet"),
+    ("docs/memory.md", r"in Korean, {} in Thai, Lao, Khmer or Burmese", 1, "src/server/Index/Ranking.h", "leastPartOfBestAlphabet"),
     ("docs/recall.md", r"in Thai {} % of the weight", 0.01, "src/server/Index/Ranking.h", "leastRunsOfAlphabet"),
     ("docs/recall.md", r"in Korean {} %\.", 0.01, "src/server/Index/Ranking.h", "leastPairsOfHangul"),
 ]

@@ -74,13 +74,11 @@ struct Query {
 
   /// The least score of a card worth showing, as a part of the best score.
   [[nodiscard]] double leastPart() const {
-    double pairs = 0;
-    double all = 0;
-    for (std::size_t at = 0; at < scripts; ++at) {
-      all += scriptWeights.at(at);
-      if (leastShare(PairedScript(at)) > 0) pairs += scriptWeights.at(at);
-    }
-    return pairs > all / 2 ? Ranking::leastPartOfBestPairs : Ranking::leastPartOfBest;
+    const double all = std::accumulate(scriptWeights.begin(), scriptWeights.end(), 0.0);
+    const double hangul = scriptWeights.at(placeOf(PairedScript::hangul));
+    const double alphabet = scriptWeights.at(placeOf(PairedScript::alphabet));
+    if (hangul + alphabet <= all / 2) return Ranking::leastPartOfBest;
+    return alphabet > hangul ? Ranking::leastPartOfBestAlphabet : Ranking::leastPartOfBestHangul;
   }
 
   /// `covered`: the weight of the phrases that a card has.

@@ -25,7 +25,7 @@ inline constexpr double enough = 1;
 
 // Long prompts share some pairs with any card. So pairs count only if the card has at least this
 // share of the weight of all the prompt's pairs that any card has.
-inline constexpr double leastPairsOfHangul = 0.17;
+inline constexpr double leastPairsOfHangul = 0.18;
 inline constexpr double leastRunsOfAlphabet = 0.35;  ///< of pairs beside each other in both
 
 inline constexpr std::size_t shortestGuess = 4;  ///< bytes of a word's beginning
@@ -46,7 +46,8 @@ inline constexpr double coverageShare = 0.5;  ///< of a score that depends on ho
 
 /// A card whose score is below this fraction of the best is left out.
 inline constexpr double leastPartOfBest = 0.3;
-/// The same for prompts that are mostly pairs of Hangul, Thai, Lao, Khmer or Burmese.
-inline constexpr double leastPartOfBestPairs = 0.4;
+/// The same for prompts that are mostly pairs of Hangul, and of Thai, Lao, Khmer or Burmese.
+inline constexpr double leastPartOfBestHangul = 0.4;
+inline constexpr double leastPartOfBestAlphabet = 0.5;
 
 }  // namespace quillstead::server::Ranking

@@ -2,6 +2,7 @@
 
 #include "server/Index/CommonPhrases.h"
 #include "server/Index/CommonWords.h"
+#include "server/Index/KoreanParticles.h"
 #include "server/Index/Ranking.h"
 #include "server/Index/StopWords.h"
 #include "server/Index/WordSplitter.h"
@@ -103,7 +104,8 @@ class Gatherer {
     add({.term = {.word = std::move(text), .says = says}, .stopWordIn = stopWordIn});
   }
 
-  /// Leaves out a pair within a phrase that says nothing. A pair that overlaps one counts half.
+  /// Leaves out a pair within a phrase that says nothing. A pair that overlaps one counts half. Of
+  /// a Korean word of one syllable and a particle only the syllable is searched for.
   void takePair(const Word& word, double says, bool isBeginning) {
     const auto at = static_cast<std::size_t>(word.text.data() - run_.data());
     const Saying first = sayings_[at];
@@ -112,11 +114,18 @@ class Gatherer {
     constexpr double half = 0.5;
     if (std::min(first, second) == Saying::nothing) says *= half;
     if (std::max(first, second) == Saying::little) says *= half;
-    const PairedScript script = isBeginning ? PairedScript::none : word.script;
-    add({.term = {.word = std::string(word.text),
-                  .says = says,
-                  .isBeginning = isBeginning,
-                  .script = script}});
+    SearchTerm term{.word = std::string(word.text),
+                    .says = says,
+                    .isBeginning = isBeginning,
+                    .script = isBeginning ? PairedScript::none : word.script};
+    const std::string_view stem =
+        word.text == run_ ? KoreanParticles::stemOf(run_) : std::string_view();
+    if (!stem.empty()) {
+      term.word = stem;
+      term.says = std::min(says, Ranking::commonWord);
+      term.isBeginning = true;
+    }
+    add({.term = std::move(term)});
   }
 
   [[nodiscard]] StopWords::Languages mostSpoken() const {

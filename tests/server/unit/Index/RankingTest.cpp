@@ -154,6 +154,20 @@ TEST_F(Ranking, FindsWordsWithinRunsOfScriptsWithoutSpaces) {
   EXPECT_THAT(stage.recalled("ប្រចាំខែ"), ElementsAre("C"));
 }
 
+TEST_F(Ranking, FindsKoreanWordsOfOneSyllableWithAnyParticle) {
+  stage.writeProjectCard("ko.md", "# K\n\n짐이 무거운 방의 문제");
+  EXPECT_THAT(stage.recalled("짐만 방은"), ElementsAre("K"));
+  EXPECT_THAT(stage.recalled("짐만"), IsEmpty());
+}
+
+TEST_F(Ranking, LeavesOutCardsWithHalfOfAThaiPrompt) {
+  const std::string prompt = "รายงานประจำเดือนจะถูกส่งไปยังฝ่ายบัญชี";
+  stage.writeProjectCard("all.md", "# T\n\n" + prompt);
+  stage.writeProjectCard("half.md", "# U\n\nรายงานประจำเดือนจะถูก");
+  stage.writeProjectCard("most.md", "# V\n\nรายงานประจำเดือนจะถูกส่งไปยัง");
+  EXPECT_THAT(stage.recalled(prompt), ElementsAre("T", "V"));
+}
+
 TEST_F(Ranking, TakesNoCardForAFewPairsOfAPrompt) {
   stage.writeProjectCard("a.md", "# A\n\n데이터베");
   stage.writeProjectCard("b.md", "# B\n\n백업정책");
