@@ -155,13 +155,19 @@ class Writer {
   char32_t previous_ = 0;
 };
 
-/// The length of the ASCII prefix of `text` that needs no check.
+/// The ASCII bytes that need no check, by their number.
+constexpr std::array<bool, 256> plainBytes = [] {
+  std::array<bool, 256> plain{};
+  for (std::size_t byte = ' '; byte < 0x7F; ++byte) plain.at(byte) = byte != '<';
+  plain['\n'] = true;
+  return plain;
+}();
+
+/// The length of the beginning of `text` that needs no check.
 std::size_t plainLength(std::string_view text) {
-  const auto* const end = std::find_if(text.begin(), text.end(), [](char byte) {
-    const bool isPlain = (byte >= ' ' && byte < 0x7F && byte != '<') || byte == '\n';
-    return !isPlain;
-  });
-  return static_cast<std::size_t>(end - text.begin());
+  std::size_t length = 0;
+  while (length < text.size() && plainBytes[static_cast<unsigned char>(text[length])]) ++length;
+  return length;
 }
 
 /// At most `limit` bytes of `text`, cut between code points.

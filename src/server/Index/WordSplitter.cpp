@@ -35,6 +35,9 @@ constexpr std::array<bool, 256> plainBytes = [] {
 bool isPlain(char byte) { return plainBytes[static_cast<unsigned char>(byte)]; }
 bool isSign(char byte) { return byte == '_' || byte == '-' || byte == '.'; }
 
+/// Where a name has none of these behind its first byte, it is one word.
+bool mayDivide(char byte) { return isSign(byte) || isUpper(byte); }
+
 /// Invisible characters. Some texts have them within words.
 bool isInvisible(char32_t character) {
   return character == 0xAD || (character >= 0x200B && character <= 0x200D) || character == 0xFEFF;
@@ -133,6 +136,10 @@ std::string joined(std::string_view name) {
 }
 
 void giveName(std::string_view name, const Take& take) {
+  if (std::none_of(name.begin() + 1, name.end(), mayDivide)) {
+    take({.text = name});
+    return;
+  }
   if (std::none_of(name.begin(), name.end(), isSign)) {
     take({.text = name});
     giveParts(name, take);

@@ -60,6 +60,18 @@ class Terms {
     return static_cast<std::size_t>(form - terms_.begin());
   }
 
+  /// A quick test that rejects most words. A letter beyond ASCII may have other bytes in lower
+  /// case.
+  [[nodiscard]] bool mayBeOne(std::string_view word) const {
+    if (static_cast<unsigned char>(word[0]) < 0x80 && !begins_.at(lowByte(word[0]))) return false;
+    const std::string_view beginning = word.substr(0, shortestForm);
+    const bool isASCII = std::all_of(beginning.begin(), beginning.end(), [](char byte) {
+      return static_cast<unsigned char>(byte) < 0x80;
+    });
+    return !isASCII ||
+           std::binary_search(beginnings_.begin(), beginnings_.end(), beginningOf(word));
+  }
+
  private:
   /// The bytes that every form shares with its term, packed into one number, ASCII letters in lower
   /// case. Other bytes may collide.
@@ -77,30 +89,22 @@ class Terms {
     return static_cast<unsigned char>(byte) | lowerCase;
   }
 
-  /// A quick test that rejects most words. A letter beyond ASCII may have other bytes in lower
-  /// case.
-  [[nodiscard]] bool mayBeOne(std::string_view word) const {
-    if (static_cast<unsigned char>(word[0]) < 0x80 && !begins_.at(lowByte(word[0]))) return false;
-    const std::string_view beginning = word.substr(0, shortestForm);
-    const bool isASCII = std::all_of(beginning.begin(), beginning.end(), [](char byte) {
-      return static_cast<unsigned char>(byte) < 0x80;
-    });
-    return !isASCII ||
-           std::binary_search(beginnings_.begin(), beginnings_.end(), beginningOf(word));
-  }
-
   const std::vector<SearchTerm>& terms_;
   std::array<bool, 256> begins_{};         ///< by the first byte of a term, in lower case
   std::vector<std::uint32_t> beginnings_;  ///< of the terms, sorted
   std::unordered_map<std::string_view, std::size_t> places_;
 };
 
+bool isSmallLetter(char byte) { return byte >= 'a' && byte <= 'z'; }
+bool isBlank(char byte) { return byte == ' ' || byte == '\n'; }
+bool isPunctuation(char byte) { return byte == '.' || byte == ',' || byte == ':' || byte == '?'; }
+
 std::vector<Match> matches(std::string_view text, const std::vector<SearchTerm>& terms) {
   const Terms known(terms);
   std::vector<Match> all;
   const char* const begin = text.data();
   const char* const end = begin + text.size();
-  WordSplitter::split(text, [&](const WordSplitter::Word& word) {
+  const auto take = [&](const WordSplitter::Word& word) {
     const char* const place = word.text.data();
     const bool isHere = !std::less<>()(place, begin) && std::less<>()(place, end);
     if (!isHere || word.kind == WordSplitter::Word::Kind::run) return;
@@ -108,7 +112,22 @@ std::vector<Match> matches(std::string_view text, const std::vector<SearchTerm>&
     if (const auto term = known.find(word)) {
       all.push_back({.at = at, .end = at + word.text.size(), .term = *term});
     }
-  });
+  };
+  for (std::size_t at = 0; at < text.size();) {
+    std::size_t next = at;
+    while (next < text.size() && isSmallLetter(text[next])) ++next;
+    const std::string_view word = text.substr(at, next - at);
+    bool isSimple = !word.empty();
+    for (; next < text.size() && !isBlank(text[next]); ++next) {
+      isSimple = isSimple && isPunctuation(text[next]);
+    }
+    if (!isSimple) {
+      WordSplitter::split(text.substr(at, next - at), take);
+    } else if (known.mayBeOne(word)) {
+      take({.text = word});  // as the splitter would, for most words of most texts
+    }
+    at = next + 1;
+  }
   return all;
 }
 
