@@ -34,14 +34,16 @@ class Appender {
   }
 
   /// Appends the bytes at the start of `source` before the first one that is found, and gives their
-  /// number; see `Text::Blocks::bytesBefore`.
-  template <typename Test>
+  /// number; see `Text::Blocks::bytesBefore`, and `longText` for `isLong`.
+  template <bool isLong = false, typename Test>
   std::size_t appendBefore(std::string_view source, Test found) {
     std::size_t before = 0;
     for (;;) {
       if (wholeBlocksLeft() == 0) flush();
       const std::string_view part = source.substr(before, wholeBlocksLeft());
-      const std::size_t count = Text::Blocks::copyBefore(part, buffer_.data() + used_, found);
+      char* const to = buffer_.data() + used_;
+      const std::size_t count = isLong ? Text::Blocks::copyLongBefore(part, to, found)
+                                       : Text::Blocks::copyBefore(part, to, found);
       used_ += count;
       before += count;
       if (count < part.size() || before == source.size()) return before;

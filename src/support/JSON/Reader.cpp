@@ -16,11 +16,11 @@ namespace quillstead::JSON {
 
 namespace {
 
-/// Whether a byte has a special meaning in a string.
-Text::Blocks::Block areSpecial(Text::Blocks::Block bytes) {
+/// Whether a byte has a special meaning in a string. No function, so that what takes it calls none.
+constexpr auto areNotPlain = [](Text::Blocks::Block bytes) {
   using Text::Blocks::Byte;
   return (bytes < Byte{' '}) | (bytes == Byte{'"'}) | (bytes == Byte{'\\'}) | (bytes >= Byte{0x80});
-}
+};
 
 bool isWhiteSpace(char byte) {
   return byte <= ' ' && (byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t');
@@ -141,24 +141,24 @@ class Parser {
   View string() {
     if (!skip('"')) return {};
     const char* const first = strings_;
-    plainCharacters();
+    take(Text::Blocks::copyBefore(rest(), strings_, areNotPlain));
     if (!skip('"') && !specialCharacters()) return {};
     return View(std::string_view(first, strings_));
-  }
-
-  void plainCharacters() {
-    const std::size_t count = Text::Blocks::copyBefore(rest(), strings_, areSpecial);
-    next_ += count;
-    strings_ += count;
   }
 
   /// The rest of a string from a character on that is not plain, with the quote behind it.
   [[gnu::noinline]] bool specialCharacters() {
     do {
       if (!(startsWith('\\') ? escape() : characterBeyondASCII())) return false;
-      plainCharacters();
+      take(Text::Blocks::copyLongBefore(rest(), strings_, areNotPlain));
     } while (!skip('"'));
     return true;
+  }
+
+  /// Goes on behind `count` bytes that have been copied.
+  void take(std::size_t count) {
+    next_ += count;
+    strings_ += count;
   }
 
   bool characterBeyondASCII() {

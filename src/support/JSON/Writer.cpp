@@ -81,13 +81,21 @@ class Writer {
   }
 
   void writeCharacters(std::string_view text) {
+    if (text.size() >= Text::Blocks::longText) return writeLongCharacters(text);
+    writeEach<false>(text);
+  }
+
+  [[gnu::noinline]] void writeLongCharacters(std::string_view text) { writeEach<true>(text); }
+
+  template <bool isLong>
+  [[gnu::always_inline]] void writeEach(std::string_view text) {
     const auto areSpecial = [slash = escapedSlash_](Text::Blocks::Block bytes) {
       using Text::Blocks::Byte;
       return (bytes < Byte{' '}) | (bytes == Byte{'"'}) | (bytes == Byte{'\\'}) | (bytes == slash) |
              (bytes >= Byte{0x80});
     };
     for (;;) {
-      text.remove_prefix(out_.appendBefore(text, areSpecial));
+      text.remove_prefix(out_.appendBefore<isLong>(text, areSpecial));
       if (text.empty()) return;
       text.remove_prefix(writeSpecial(text));
     }
@@ -104,33 +112,28 @@ class Writer {
     return decoded.length;
   }
 
+  /// Byte by byte: a call of `memcpy` for two costs more than the text between two escapes.
   void writeEscape(char character) {
+    out_ += '\\';
     switch (character) {
       case '\b':
-        out_ += "\\b";
-        return;
+        return void(out_ += 'b');
       case '\f':
-        out_ += "\\f";
-        return;
+        return void(out_ += 'f');
       case '\n':
-        out_ += "\\n";
-        return;
+        return void(out_ += 'n');
       case '\r':
-        out_ += "\\r";
-        return;
+        return void(out_ += 'r');
       case '\t':
-        out_ += "\\t";
-        return;
+        return void(out_ += 't');
       case '"':
       case '\\':
       case '/':
-        out_ += '\\';
-        out_ += character;
-        return;
+        return void(out_ += character);
       default: {
         constexpr std::string_view digits = "0123456789abcdef";
         const auto byte = static_cast<unsigned char>(character);
-        out_ += "\\u00";
+        out_ += "u00";
         out_ += digits[byte >> 4U];
         out_ += digits[byte & 0xFU];
       }

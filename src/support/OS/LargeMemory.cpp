@@ -3,7 +3,7 @@
 namespace quillstead::OS {
 
 void moveToLargeMemory(std::string& bytes, std::size_t size) {
-  constexpr std::size_t growth = 8;
+  constexpr std::size_t growth = 16;
   std::string roomier;
   roomier.reserve(growth * size);
   preferLargePages(std::as_writable_bytes(std::span(roomier.data(), roomier.capacity())));

@@ -12,7 +12,7 @@ namespace quillstead::OS {
 /// below a few megabytes, or where the system has no large pages.
 void preferLargePages(std::span<std::byte> memory);
 
-/// Moves `bytes` into memory where they can grow to eight times `size`. Memory that is never
+/// Moves `bytes` into memory where they can grow to sixteen times `size`. Memory that is never
 /// written costs nothing.
 void moveToLargeMemory(std::string& bytes, std::size_t size);
 

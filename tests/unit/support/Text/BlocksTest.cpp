@@ -43,22 +43,36 @@ TEST(BytesBefore, ComparesBytesAsNumbersFrom0To255) {
   }
 }
 
-TEST(CopyBefore, CopiesWhatComesBeforeTheFirstByteFoundAndNoBlockBeyondItsOwn) {
+void expectCopyUpTo(std::size_t place, std::string text) {
+  SCOPED_TRACE(std::to_string(place) + " of " + std::to_string(text.size()));
   constexpr std::size_t blockSize = sizeof(Block);
-  for (std::size_t size = 0; size <= 70; ++size) {
-    for (std::size_t place = 0; place <= size; ++place) {
-      std::string text = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789!$%&()*+";
-      text.resize(size);
-      if (place < size) text[place] = '"';
-      std::string copy(5 * blockSize + 1, '#');
-      const std::size_t before =
-          copyBefore(text, copy.data(), [](Block bytes) { return bytes == Byte{'"'}; });
-      EXPECT_EQ(before, place) << "of " << size;
-      EXPECT_EQ(copy.substr(0, before), text.substr(0, place)) << "of " << size;
-      const std::size_t touched =
-          std::min(place / blockSize + 1, (size + blockSize - 1) / blockSize);
-      EXPECT_EQ(copy[touched * blockSize], '#') << place << " of " << size;
-    }
+  const auto areQuotes = [](Block bytes) { return bytes == Byte{'"'}; };
+  if (place < text.size()) text[place] = '"';
+  const std::size_t blocks = (text.size() + blockSize - 1) / blockSize;
+  const std::size_t touched = std::min(place / blockSize + 1, blocks) * blockSize;
+  for (const bool isLong : {false, true}) {
+    std::string copy(text.size() + 2 * blockSize, '#');
+    const std::size_t before = isLong ? copyLongBefore(text, copy.data(), areQuotes)
+                                      : copyBefore(text, copy.data(), areQuotes);
+    EXPECT_EQ(before, place);
+    EXPECT_EQ(copy.substr(0, before), text.substr(0, place));
+    EXPECT_EQ(copy[touched], '#');
+  }
+}
+
+TEST(CopyBefore, CopiesWhatComesBeforeTheFirstByteFoundAndNoBlockBeyondItsOwn) {
+  std::string text = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789!$%&()*+";
+  for (;; text.pop_back()) {
+    for (std::size_t place = 0; place <= text.size(); ++place) expectCopyUpTo(place, text);
+    if (text.empty()) return;
+  }
+}
+
+TEST(CopyBefore, CopiesLongTexts) {
+  std::string text;
+  for (std::size_t at = 0; at < 9 * longText + 5; ++at) text += static_cast<char>('a' + at % 23);
+  for (const std::size_t place : {std::size_t{0}, longText, text.size() - 1, text.size()}) {
+    expectCopyUpTo(place, text);
   }
 }
 
