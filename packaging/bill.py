@@ -1,10 +1,10 @@
 """Says what is linked into the programs: a bill of materials (SPDX 2.3), and the notices that the licences
 of the libraries ask for, both put into every tree, and the bill beside the archives too.
 
-    packaging/bill.py FETCHED STAGE DIST VERSION
+    packaging/bill.py FETCHED STAGE DIST VERSION TREE ...
 
 FETCHED: where scripts/lib/cross keeps compiler and sources; everything the bill says is read from there.
-STAGE: the directory of the installed trees. SOURCE_DATE_EPOCH: the time that the bill gives.
+STAGE: the directory of the installed trees, TREE: their names. SOURCE_DATE_EPOCH: the time that the bill gives.
 """
 
 import dataclasses
@@ -115,10 +115,10 @@ def _library_package(library):
     return package
 
 
-def bill(stage, version, used):
+def bill(stage, version, used, trees=_trees):
     """The document. A program stands for one file in one tree; it holds the libraries of its tree."""
     files, relations = [], []
-    for tree in _trees:
+    for tree in trees:
         for program in sorted((stage / tree / "bin").iterdir()):
             identifier = _identifier(tree, program.name)
             files.append({"SPDXID": identifier, "fileName": f"./{tree}/bin/{program.name}", "fileTypes": ["BINARY"],
@@ -152,13 +152,13 @@ def holders(library):
 
 
 def main():
-    if len(sys.argv) != 5:
+    if len(sys.argv) < 6:
         raise SystemExit(__doc__)
     fetched, stage, dist = (pathlib.Path(name).resolve() for name in sys.argv[1:4])
-    version = sys.argv[4]
+    version, trees = sys.argv[4], sys.argv[5:]
     used = libraries(fetched)
-    document = json.dumps(bill(stage, version, used), indent=2, ensure_ascii=False) + "\n"
-    for tree in _trees:
+    document = json.dumps(bill(stage, version, used, trees), indent=2, ensure_ascii=False) + "\n"
+    for tree in trees:
         documents = stage / tree / "share/doc/quillstead"
         here = [library for library in used if tree in library.trees]
         (documents / "THIRD-PARTY-NOTICES").write_text(_notices(here), encoding="utf-8")

@@ -1,8 +1,8 @@
 """Checks the trees that everything we publish is packed from, and prints every check.
 
-    packaging/trees.py STAGE BUILD VERSION
+    packaging/trees.py STAGE BUILD VERSION TREE ...
 
-STAGE: the directory of the installed trees. BUILD: where the presets built the same programs, with their
+STAGE: the directory of the installed trees, TREE: their names. BUILD: where the presets built the same programs, with their
 symbols. Ends with status 1 when a check failed. cmake/toolchains/macos-check has checked those for macOS.
 """
 
@@ -96,39 +96,39 @@ def files_of(tree):
     return {str(path.relative_to(tree)): path for path in tree.rglob("*") if path.is_file()}
 
 
-def layout_problems(stage):
-    trees = {name: files_of(stage / name) for name in _trees}
+def layout_problems(stage, names=_trees):
+    trees = {name: files_of(stage / name) for name in names}
     for name, files in trees.items():
         yield from (f"{name} lacks {file}" for file in (*_files, *(f"bin/{program}" for program in _programs))
                     if file not in files)
         yield from (f"{name} has a program more: {file}" for file in files
                     if file.startswith("bin/") and file.removeprefix("bin/") not in _programs)
         yield from (f"{name}/{file} is empty" for file, path in files.items() if path.stat().st_size == 0)
-    first = trees[_trees[0]]
+    first = trees[names[0]]
     for name, files in list(trees.items())[1:]:
-        yield from (f"not in both {_trees[0]} and {name}: {file}" for file in sorted(first.keys() ^ files.keys()))
+        yield from (f"not in both {names[0]} and {name}: {file}" for file in sorted(first.keys() ^ files.keys()))
         yield from (f"{file} is another in {name}" for file in sorted(first.keys() & files.keys())
                     if not file.startswith("bin/") and not file.endswith("THIRD-PARTY-NOTICES")
                     and first[file].read_bytes() != files[file].read_bytes())
 
 
-def check_linux(stage, build, version, check):
-    for tree, machine in _linux.items():
-        for name in _programs:
-            program, built = stage / tree / "bin" / name, build / f"publish-{tree}" / "bin" / name
-            size = program.stat().st_size
-            check(f"{tree}/{name}: for {machine}, static", headers_problems(program, machine))
-            check(f"{tree}/{name}: every symbol defined, stacks protected", symbols_problems(built))
-            check(f"{tree}/{name}: read-only after the start, nothing written and run",
-                  hardening.program_problems(str(built)))
-            check(f"{tree}/{name}: {size:,} bytes of {_limits[name]:,}",
-                  [] if size <= _limits[name] else ["too large"])
+def check_linux(stage, build, tree, check):
+    for name in _programs:
+        program, built = stage / tree / "bin" / name, build / f"publish-{tree}" / "bin" / name
+        size = program.stat().st_size
+        check(f"{tree}/{name}: for {_linux[tree]}, static", headers_problems(program, _linux[tree]))
+        check(f"{tree}/{name}: every symbol defined, stacks protected", symbols_problems(built))
+        check(f"{tree}/{name}: read-only after the start, nothing written and run",
+              hardening.program_problems(str(built)))
+        check(f"{tree}/{name}: {size:,} bytes of {_limits[name]:,}",
+              [] if size <= _limits[name] else ["too large"])
 
 
 def main():
-    if len(sys.argv) != 4:
+    if len(sys.argv) < 5:
         raise SystemExit(__doc__)
     stage, build, version = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2]), sys.argv[3]
+    trees = sys.argv[4:]
     results = []
 
     def check(what, problems):
@@ -138,9 +138,10 @@ def main():
         for problem in problems:
             print("      ", problem)
 
-    check("the trees hold what they must, and the same", layout_problems(stage))
-    check_linux(stage, build, version, check)
-    for tree in _trees:
+    check("the trees hold what they must, and the same", layout_problems(stage, trees))
+    for tree in trees:
+        if tree in _linux:
+            check_linux(stage, build, tree, check)
         for name in _programs:
             program = stage / tree / "bin" / name
             check(f"{tree}/{name}: of version {version}, names no place of this machine",

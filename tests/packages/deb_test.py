@@ -11,7 +11,8 @@ import made
 import roots
 import user
 
-ARCHITECTURES = {"amd64": "linux-x64", "arm64": "linux-arm64"}
+ARCHITECTURES = {architecture: tree for architecture, tree in {"amd64": "linux-x64", "arm64": "linux-arm64"}.items()
+                 if tree in made.TREES}
 if roots.can_be_made():
     roots.fetch_debian()
 

@@ -11,6 +11,7 @@ STAGE = pathlib.Path(os.environ["QUILLSTEAD_STAGE"])
 DIST = pathlib.Path(os.environ["QUILLSTEAD_DIST"])
 VERSION = re.search(r"^project\(.* VERSION ([\d.]+)", (SOURCE / "CMakeLists.txt").read_text(), re.MULTILINE).group(1)
 OLDER = "0.9.0"
+TREES = tuple(name for name in ("linux-x64", "linux-arm64", "macos-universal") if (STAGE / name).is_dir())
 PROGRAMS = ("quillstead", "quillstead-hook", "quillstead-mcp")
 
 
@@ -22,7 +23,8 @@ def _time():
 
 def pack(kind, stage, dist, version=VERSION):
     """Makes the packages of that kind, and gives their paths."""
-    command = [SOURCE / "packaging" / kind / "pack", stage, dist, version]
+    trees = [tree for tree in TREES if kind != "deb" or tree.startswith("linux-")]
+    command = [SOURCE / "packaging" / kind / "pack", stage, dist, version, *trees]
     made = subprocess.run(command, check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, cwd="/",
                           env={**os.environ, "SOURCE_DATE_EPOCH": _time()})
     return [pathlib.Path(line) for line in made.stdout.splitlines()]

@@ -13,7 +13,10 @@ import registry
 import user
 
 SYSTEM = f"quillstead-linux-{ {'x86_64': 'x64', 'aarch64': 'arm64'}[platform.machine()] }"
-NAMES = ["quillstead", "quillstead-linux-x64", "quillstead-linux-arm64", "quillstead-darwin"]
+SYSTEMS = {"quillstead-linux-x64": "linux-x64", "quillstead-linux-arm64": "linux-arm64",
+           "quillstead-darwin": "macos-universal"}
+TREES = {name: tree for name, tree in SYSTEMS.items() if tree in made.TREES}
+NAMES = ["quillstead", *TREES]
 
 
 def package(name, version=made.VERSION, directory=made.DIST):
@@ -40,12 +43,10 @@ class Packages(unittest.TestCase):
 
     def test_name_those_of_the_systems_in_exactly_their_version(self):
         wanted = manifest("quillstead")["optionalDependencies"]
-        self.assertEqual(wanted, dict.fromkeys(NAMES[1:], made.VERSION))
+        self.assertEqual(wanted, dict.fromkeys(SYSTEMS, made.VERSION))
 
     def test_hold_the_programs_as_they_were_staged(self):
-        trees = {"quillstead-linux-x64": "linux-x64", "quillstead-linux-arm64": "linux-arm64",
-                 "quillstead-darwin": "macos-universal"}
-        for name, tree in trees.items():
+        for name, tree in TREES.items():
             with self.subTest(package=name), tarfile.open(package(name)) as archive:
                 for program in made.PROGRAMS:
                     member = archive.getmember(f"package/bin/{program}")
@@ -54,7 +55,7 @@ class Packages(unittest.TestCase):
                     self.assertEqual(archive.extractfile(member).read(), staged)
 
     def test_hold_the_notices_of_what_is_in_the_programs(self):
-        for name in NAMES[1:]:
+        for name in TREES:
             with self.subTest(package=name), tarfile.open(package(name)) as archive:
                 self.assertIn(b"SQLite", archive.extractfile("package/THIRD-PARTY-NOTICES").read())
                 json.load(archive.extractfile("package/quillstead.spdx.json"))

@@ -117,7 +117,7 @@ class BillTest(Made):
 
     def test_puts_bill_and_notices_into_every_tree(self):
         os.environ["SOURCE_DATE_EPOCH"] = "0"
-        arguments, sys.argv = sys.argv, ["bill.py", str(self.fetched), str(self.stage), str(self.dist), "1.2.3"]
+        arguments, sys.argv = sys.argv, ["bill.py", str(self.fetched), str(self.stage), str(self.dist), "1.2.3", *_trees]
         with contextlib.redirect_stdout(io.StringIO()):
             bill.main()
         sys.argv = arguments
@@ -128,6 +128,13 @@ class BillTest(Made):
             notices = (documents / "THIRD-PARTY-NOTICES").read_text(encoding="utf-8")
             self.assertIn("SQLite's blessing", notices)
             self.assertEqual("musl's licence" in notices, tree.startswith("linux"))
+
+
+    def test_tells_of_one_tree_alone(self):
+        os.environ["SOURCE_DATE_EPOCH"] = "0"
+        document = bill.bill(self.stage, "1.2.3", bill.libraries(self.fetched), ["linux-x64"])
+        self.assertEqual([one["fileName"] for one in document["files"]],
+                         [f"./linux-x64/bin/{name}" for name in _programs])
 
 
 class CheckTest(Made):
@@ -143,6 +150,11 @@ class CheckTest(Made):
         self.assertIn("macos-universal has a program more: bin/other", problems)
         self.assertIn("linux-x64/share/doc/quillstead/README.md is empty", problems)
         self.assertIn("share/doc/quillstead/README.md is another in macos-universal", problems)
+
+    def test_looks_at_no_tree_that_it_was_not_told_of(self):
+        shutil.rmtree(self.stage / "linux-arm64")
+        self.assertEqual(list(trees.layout_problems(self.stage, ["linux-x64", "macos-universal"])), [])
+        self.assertNotEqual(list(trees.layout_problems(self.stage)), [])
 
     def test_finds_another_version_and_places_of_the_building_machine(self):
         program = self.stage / "linux-x64/bin/quillstead-hook"
