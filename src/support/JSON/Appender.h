@@ -22,6 +22,14 @@ class Appender {
     return *this;
   }
 
+  /// Both bytes, for less than a call for each.
+  void appendPair(char first, char second) {
+    if (buffer_.size() - used_ < 2) flush();
+    buffer_[used_] = first;
+    buffer_[used_ + 1] = second;
+    used_ += 2;
+  }
+
   Appender& operator+=(std::string_view bytes) {
     if (bytes.size() > buffer_.size() - used_) flush();
     if (bytes.size() > buffer_.size()) {

@@ -112,28 +112,27 @@ class Writer {
     return decoded.length;
   }
 
-  /// Byte by byte: a call of `memcpy` for two costs more than the text between two escapes.
+  /// Without `memcpy`: a call of it costs more than the text between two escapes.
   void writeEscape(char character) {
-    out_ += '\\';
     switch (character) {
       case '\b':
-        return void(out_ += 'b');
+        return out_.appendPair('\\', 'b');
       case '\f':
-        return void(out_ += 'f');
+        return out_.appendPair('\\', 'f');
       case '\n':
-        return void(out_ += 'n');
+        return out_.appendPair('\\', 'n');
       case '\r':
-        return void(out_ += 'r');
+        return out_.appendPair('\\', 'r');
       case '\t':
-        return void(out_ += 't');
+        return out_.appendPair('\\', 't');
       case '"':
       case '\\':
       case '/':
-        return void(out_ += character);
+        return out_.appendPair('\\', character);
       default: {
         constexpr std::string_view digits = "0123456789abcdef";
         const auto byte = static_cast<unsigned char>(character);
-        out_ += "u00";
+        out_ += "\\u00";
         out_ += digits[byte >> 4U];
         out_ += digits[byte & 0xFU];
       }

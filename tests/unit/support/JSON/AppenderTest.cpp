@@ -51,6 +51,19 @@ TEST(Appender, KeepsTheOrderOfBytesPiecesAndRuns) {
   EXPECT_EQ(text, expected);
 }
 
+TEST(Appender, TakesPairsAtEveryFilling) {
+  for (const std::size_t filled : {0U, 1U, 4093U, 4094U, 4095U, 4096U, 4097U}) {
+    std::string text;
+    Appender appender(text);
+    const std::string before = letters(filled);
+    for (const char letter : before) appender += letter;
+    appender.appendPair('\\', 'n');
+    appender.appendPair('\\', '"');
+    appender.end();
+    EXPECT_EQ(text, before + "\\n\\\"");
+  }
+}
+
 TEST(Appender, TakesRunsAndPiecesOfEverySizeAtEveryFilling) {
   for (const std::size_t filled : {0U, 1U, 15U, 16U, 4079U, 4080U, 4081U, 4095U, 4096U}) {
     for (const std::size_t size : {1U, 15U, 16U, 17U, 4095U, 4096U, 4097U, 8192U, 70'000U}) {
