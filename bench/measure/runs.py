@@ -10,10 +10,14 @@ from dataclasses import dataclass
 class Times:
     """What the runs of one command took. Times in seconds, memory in bytes."""
     wall: list
-    page_faults: int
+    faults: list
     peak_memory: int
     user: float
     kernel: float
+
+    @property
+    def page_faults(self):
+        return int(statistics.median(self.faults))
 
     @property
     def median(self):
@@ -27,8 +31,8 @@ class Times:
 def alternate(timer, rounds, payload, commands, environment, directory, input_by="pipe",
               output_by="pipe"):
     """Runs the commands (name to argument list) one after the other, `rounds` times, with the file
-    `payload` as their input. Gives name to Times. `timer`: the program TimesRuns."""
-    arguments = [timer, str(rounds), payload, input_by, output_by]
+    `payload` as their input. Gives name to Times. `timer`: the program TimesRuns, and what starts it."""
+    arguments = [*timer, str(rounds), payload, input_by, output_by]
     for command in commands.values():
         arguments += ["--", *command]
     ended = subprocess.run(arguments, env=environment, cwd=directory, stdout=subprocess.PIPE,
@@ -43,7 +47,7 @@ def _times(name, rows):
         raise RuntimeError(f"a run of {name} failed")
     wall, faults, memory, user, kernel, _, _ = zip(*rows)
     return Times(wall=[nanoseconds / 1e9 for nanoseconds in wall],
-                 page_faults=int(statistics.median(faults)),
+                 faults=list(faults),
                  peak_memory=max(memory) * 1024,
                  user=statistics.median(user) / 1e6,
                  kernel=statistics.median(kernel) / 1e6)
