@@ -12,8 +12,8 @@ namespace quillstead::OS {
 /// below a few megabytes, or where the system has no large pages.
 void preferLargePages(std::span<std::byte> memory);
 
-/// Moves `bytes` into memory where they can grow to sixteen times `size`. Memory that is never
-/// written costs nothing.
+/// Moves `bytes` into memory where they can grow to sixteen times `size`, or eight times if that is
+/// huge. Memory that is never written costs nothing.
 void moveToLargeMemory(std::string& bytes, std::size_t size);
 
 /// Makes room for `count` more bytes at the end of `bytes`. Small strings grow by themselves.

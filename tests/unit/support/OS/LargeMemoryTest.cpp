@@ -23,6 +23,13 @@ TEST(MakeRoom, GrowsALargeTextSixteenfold) {
   EXPECT_LT(text.capacity(), 32 * megabyte + 16);  // as a library rounds it up
 }
 
+TEST(MakeRoom, GrowsAHugeTextEightfold) {
+  std::string text(megabyte, 'a');
+  makeRoom(text, 63 * megabyte);
+  EXPECT_GE(text.capacity(), 512 * megabyte);
+  EXPECT_LT(text.capacity(), 512 * megabyte + 16);
+}
+
 TEST(MakeRoom, MovesNothingWhereThereIsRoom) {
   std::string text(megabyte, 'a');
   text.reserve(2 * megabyte);
