@@ -415,6 +415,8 @@ class Ours(unittest.TestCase):
              f'\ufeffmcp_servers.quillstead.command = "{SERVER}"\r\nmcp_servers.quillstead.env_vars = {both}\r\n', "\ufeff"),
             ("a=1\n\n[mcp_servers.quillstead]\ncommand = '/o/quillstead-mcp'\n[x]\n",
              f'a=1\n\n[mcp_servers.quillstead]\ncommand = "{SERVER}"\nenv_vars = {both}\n[x]\n', "a=1\n\n[x]\n"),
+            ("a=1\n\n \t[mcp_servers.quillstead]\n  command = '/o/quillstead-mcp'\n",
+             f'a=1\n\n \t[mcp_servers.quillstead]\n  command = "{SERVER}"\n  env_vars = {both}\n', "a=1\n"),
             *(("a=1\n" + gap + "[mcp_servers.quillstead]\ncommand = '/o/quillstead-mcp'\n\n[x]\n",
                f'a=1\n{gap}[mcp_servers.quillstead]\ncommand = "{SERVER}"\nenv_vars = {both}\n\n[x]\n',
                "a=1\n\n[x]\n") for gap in ("", "\n", " \t\n")),
