@@ -14,7 +14,12 @@ struct MonotonicClock {
   using time_point = std::chrono::time_point<MonotonicClock>;
   static constexpr bool is_steady = true;
 
-  static time_point now() noexcept;
+  static time_point now() noexcept {
+    timespec reading{};
+    clock_gettime(identifier(), &reading);
+    return time_point(std::chrono::seconds(reading.tv_sec) +
+                      std::chrono::nanoseconds(reading.tv_nsec));
+  }
 
  private:
   static clockid_t identifier() noexcept;  ///< what the system calls it
