@@ -17,7 +17,7 @@ std::size_t placeOf(std::int64_t store) { return store == 0 ? 0 : 1; }
 }  // namespace
 
 bool create(Database& database) {
-  // The words of one step are gathered in memory and written as one part.
+  // hashsize: the words of one step are collected in memory and written as one part.
   return database.run(R"sql(
     CREATE TABLE IF NOT EXISTS state (
       only INTEGER PRIMARY KEY CHECK (only = 1), fingerprint, isUnfinished, needsMerging, namesStamp,

@@ -31,14 +31,14 @@ struct Row {
 /// Creates missing tables.
 bool create(Database& database);
 
-/// Creates what titles are found by in their order, if it is missing. It is not among the tables at
-/// first, because it costs much less when it is made once, after many rows.
+/// Creates the database index on titles, if it is missing. `create` leaves it out, because building
+/// it once costs much less than updating it for each of many rows.
 bool orderTitles(Database& database);
 
-/// When the parts of the index that hold words are merged by themselves.
+/// When the parts of the full-text index are merged.
 enum class Merging {
-  asItGrows,  ///< when some have the same size
-  atTheEnd,   ///< not at all, until `mergeSome`
+  asItGrows,  ///< by itself, when several parts have the same size
+  atTheEnd,   ///< only by `mergeSome`
 };
 bool setMerging(Database& database, Merging merging);
 

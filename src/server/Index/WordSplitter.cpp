@@ -35,7 +35,7 @@ constexpr std::array<bool, 256> plainBytes = [] {
 bool isPlain(char byte) { return plainBytes[static_cast<unsigned char>(byte)]; }
 bool isSign(char byte) { return byte == '_' || byte == '-' || byte == '.'; }
 
-/// Where a name has none of these behind its first byte, it is one word.
+/// A name without any of these behind its first byte is one word.
 bool mayDivide(char byte) { return isSign(byte) || isUpper(byte); }
 
 /// Invisible characters. Some texts have them within words.
