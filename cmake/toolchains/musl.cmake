@@ -32,6 +32,8 @@ set(CMAKE_CXX_FLAGS_INIT "-g0 -ffile-prefix-map=${root}=.")
 # CMake's trials only compile: this compiler makes its C++ library anew for each way to link.
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 
+set(QUILLSTEAD_MUSL_ALLOCATOR ${fetched}/${QUILLSTEAD_MUSL_PLATFORM}/lib/allocator)
+
 set(CMAKE_FIND_ROOT_PATH
   ${fetched}/${QUILLSTEAD_MUSL_PLATFORM} ${fetched}/cli11/source ${fetched}/tomlplusplus/usr
   ${fetched}/googletest-${QUILLSTEAD_MUSL_PLATFORM})
