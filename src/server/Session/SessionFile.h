@@ -24,7 +24,7 @@ class SessionFile {
   /// The file's content; absent when it is new or damaged.
   [[nodiscard]] std::optional<SessionState> read() const;
 
-  /// If this fails, or the process is killed meanwhile, the file counts as damaged.
+  /// If this fails, or the process is killed meanwhile, the file may count as damaged.
   void write(const SessionState& state) const;
 
  private:

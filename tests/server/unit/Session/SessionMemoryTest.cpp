@@ -225,7 +225,7 @@ TEST_F(SessionMemoryTest, TellsEverythingWhenItsFileWasLostOrDamaged) {
   const std::string sound = unit::contentsOf(file);
   for (const std::string& damaged :
        {std::string(), std::string("x"), sound.substr(0, sound.size() - 3),
-        std::string(1'000'000, 'x'), std::string(100, '\0')}) {
+        std::string(1'000'000, 'x'), std::string(100, '\0'), sound + "end\n"}) {
     nextPrompt();
     unit::writeFile(file, damaged);
     EXPECT_EQ(rulesFor("r"), "whole");
