@@ -3,8 +3,8 @@
 # relocations to apply. macOS has no static system library; there only unused code is dropped.
 # Sanitizers need the dynamic loader, so they switch this off.
 #
-# What is built with musl also has its parts in an order that touches few pages, and leaves out what only
-# prints names of exceptions.
+# What is built with musl also has its parts in an order that touches few pages, leaves out what only prints
+# names of exceptions, and has musl's earlier allocator: docs/decisions.md says why.
 #
 # Interface target `quillstead_position`: the code such programs are made of, which every target that
 # shares it has to agree on.
@@ -23,4 +23,7 @@ if(QUILLSTEAD_MUSL_PLATFORM)
   target_link_options(quillstead_static INTERFACE -Wl,-T,${layout})
   set_target_properties(quillstead_static PROPERTIES INTERFACE_LINK_DEPENDS ${layout})
   target_sources(quillstead_static INTERFACE ${PROJECT_SOURCE_DIR}/src/support/NoDemangler.cpp)
+  foreach(part malloc aligned_alloc malloc_usable_size)
+    target_sources(quillstead_static INTERFACE ${QUILLSTEAD_MUSL_ALLOCATOR}/${part}.o)
+  endforeach()
 endif()
