@@ -2,6 +2,7 @@
 
 #include "support/OS/MonotonicClock.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 
@@ -15,10 +16,15 @@ struct Deadline {
   Seconds allowance;
 
   /// The time that is left; 0 when there is none.
-  [[nodiscard]] Seconds leash() const;
+  [[nodiscard]] Seconds leash() const { return std::max(Seconds::zero(), allowance - elapsed()); }
 
   /// Whole milliseconds since the start.
-  [[nodiscard]] std::int64_t elapsedMilliseconds() const;
+  [[nodiscard]] std::int64_t elapsedMilliseconds() const {
+    return static_cast<std::int64_t>(elapsed().count() * 1000.0);
+  }
+
+ private:
+  [[nodiscard]] Seconds elapsed() const { return OS::MonotonicClock::now() - start; }
 };
 
 }  // namespace quillstead::hook

@@ -1,7 +1,6 @@
 #include "hook/Hook.h"
 
 #include "hook/FailOpenBelt.h"
-#include "hook/Harness/AnswerFlags.h"
 #include "hook/Harness/CommandFlag.h"
 #include "hook/Harness/HarnessFlag.h"
 #include "hook/Harness/Harnesses.h"

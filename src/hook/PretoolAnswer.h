@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hook/Harness/AnswerFlags.h"
+#include "hook/Harness/CommandFlag.h"
 #include "support/JSON/Value.h"
 #include "support/OS/Environment.h"
 

@@ -1,7 +1,7 @@
 #include "hook/Budget.h"
 #include "hook/ContextBudget.h"
 #include "hook/FailOpenBelt.h"
-#include "hook/Harness/AnswerFlags.h"
+#include "hook/Harness/CommandFlag.h"
 #include "hook/Hook.h"
 #include "hook/Lanes/MemoryLane.h"
 #include "hook/Lanes/RulesCardFlag.h"

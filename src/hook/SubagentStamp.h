@@ -1,7 +1,7 @@
 #pragma once
 
 #include "contract/Contract.h"
-#include "hook/Harness/AnswerFlags.h"
+#include "hook/Harness/CommandFlag.h"
 #include "support/JSON/Value.h"
 
 #include <optional>

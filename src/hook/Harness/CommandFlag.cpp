@@ -1,6 +1,11 @@
 #include "hook/Harness/CommandFlag.h"
 
-namespace quillstead::hook::CommandFlag {
+#include "hook/Telemetry/Stderr.h"
+#include "support/Text/Text.h"
+
+#include <string>
+
+namespace quillstead::hook {
 
 namespace {
 
@@ -11,7 +16,8 @@ std::optional<std::string_view> unlessEmpty(std::string_view text) {
 
 }  // namespace
 
-std::optional<std::string_view> value(std::string_view flag, std::span<char* const> arguments) {
+std::optional<std::string_view> CommandFlag::value(std::string_view flag,
+                                                   std::span<char* const> arguments) {
   for (std::size_t at = 0; at < arguments.size(); ++at) {
     std::string_view argument = arguments[at];
     if (!argument.starts_with(flag)) continue;
@@ -23,4 +29,28 @@ std::optional<std::string_view> value(std::string_view flag, std::span<char* con
   return std::nullopt;
 }
 
-}  // namespace quillstead::hook::CommandFlag
+std::string_view EventFlag::parse(std::span<char* const> arguments) {
+  const auto given = CommandFlag::value("--event", arguments);
+  if (!given) return knownNames.front();
+  for (const std::string_view known : knownNames) {
+    if (known == *given) return known;
+  }
+  Stderr::line("unknown event \"" + std::string(*given) +
+               "\" — going on without. Known events: " + Text::joined(knownNames, ", ") + ".");
+  return knownNames.front();
+}
+
+Decision DecisionFlag::parse(std::span<char* const> arguments, const HarnessAdapter& adapter) {
+  const auto given = CommandFlag::value("--decision", arguments);
+  if (!given) return Decision::none;
+  if (*given != "allow") {
+    Stderr::line("unknown decision \"" + std::string(*given) +
+                 "\" — going on without. Known decisions: allow.");
+    return Decision::none;
+  }
+  if (adapter.takesDecision()) return Decision::allow;
+  Stderr::line("no decision is given to " + std::string(adapter.name()) + " — going on without.");
+  return Decision::none;
+}
+
+}  // namespace quillstead::hook

@@ -1,7 +1,6 @@
 #include "support/JSON/Reader.h"
 
 #include "support/JSON/Encoding.h"
-#include "support/JSON/RepeatedKeys.h"
 #include "support/OS/LargeMemory.h"
 #include "support/Text/Blocks.h"
 #include "support/Text/Text.h"
@@ -286,6 +285,14 @@ class Parser {
 };
 
 }  // namespace
+
+void Arena::add(std::size_t size) {
+  // Not cleared, as make_unique would do.
+  blocks_.push_back(std::unique_ptr<std::byte[]>(new std::byte[size]));
+  left_ = {blocks_.back().get(), size};
+  lastSize_ = size;
+  OS::preferLargePages(left_);
+}
 
 std::optional<Document> read(std::string_view bytes, std::size_t mostValues) {
   const auto [encoding, markLength] = detectEncoding(bytes);

@@ -101,6 +101,10 @@ class ObjectView {
   std::span<const MemberView> members_;
 };
 
+/// Removes repeated keys from the members of an object: the last value counts, in the place of the
+/// first. Returns how many members are left, at the start of `members`.
+std::size_t dropRepeatedKeys(std::span<MemberView> members);
+
 inline std::optional<bool> View::boolean() const {
   if (kind() != Kind::boolean) return std::nullopt;
   return size() != 0;

@@ -1,7 +1,7 @@
 #include "helpers/HarnessFacts.h"
-#include "hook/Harness/AnswerFlags.h"
 #include "hook/Harness/ClaudeCode.h"
 #include "hook/Harness/Codex.h"
+#include "hook/Harness/CommandFlag.h"
 #include "hook/Harness/Cursor.h"
 #include "hook/Harness/Harnesses.h"
 #include "hook/Harness/OpenCode.h"

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 namespace quillstead::JSON {
 namespace {
 
@@ -93,6 +96,51 @@ TEST(Writer, EscapesEveryCharacterInEveryPlaceAndCompany) {
       }
     }
   }
+}
+
+/// The sizes of texts around which the writer's buffer is full.
+const std::vector<std::size_t> fillings{0,     1,     15,    16,    4'077, 4'078, 4'079, 4'080,
+                                        4'081, 4'091, 4'092, 4'093, 4'094, 4'095, 4'096, 4'097};
+
+std::string letters(std::size_t size) {
+  std::string text;
+  for (std::size_t i = 0; i < size; ++i) text += static_cast<char>('a' + i % 26);
+  return text;
+}
+
+TEST(Writer, WritesTextsOfEverySizeAtEveryFilling) {
+  for (const std::size_t filled : fillings) {
+    for (const std::size_t size : {0U, 1U, 15U, 16U, 17U, 4095U, 4096U, 4097U, 8192U, 70'000U}) {
+      const std::string start(filled, '.');
+      const std::string text = letters(size);
+      EXPECT_EQ(write(Array{start, text, "a"}, Slashes::plain),
+                "[\"" + start + "\",\"" + text + "\",\"a\"]")
+          << filled << ", " << size;
+      EXPECT_EQ(write(Array{start, Value::number("1" + std::string(size, '0')), 5}, Slashes::plain),
+                "[\"" + start + "\",1" + std::string(size, '0') + ",5]")
+          << filled << ", " << size;
+    }
+  }
+}
+
+TEST(Writer, WritesEscapesAtEveryFilling) {
+  for (const std::size_t filled : fillings) {
+    const std::string text = letters(filled) + "\n\"\x01" + letters(filled) + "\\/";
+    EXPECT_EQ(write(text, Slashes::escaped), escapedOneByOne(text, true)) << filled;
+  }
+}
+
+TEST(Writer, WritesRunsOfEverySizeBetweenEscapes) {
+  std::string text;
+  for (std::size_t size = 0; size < 300; ++size) text += letters(size) + "\n" + letters(size) + "/";
+  EXPECT_EQ(write(text, Slashes::escaped), escapedOneByOne(text, true));
+}
+
+TEST(Writer, GivesALargeDocumentRoomToGrow) {
+  const Array pieces(5'000, std::string(1'000, '.'));
+  const std::string document = write(pieces, Slashes::plain);
+  EXPECT_EQ(document.size(), 5'000U * 1'003 + 1);
+  EXPECT_GE(document.capacity(), 3 * document.size());
 }
 
 TEST(Writer, ReplacesAnInvalidByteInEveryPlace) {
