@@ -29,6 +29,7 @@ ERRORS = {
     "kill": "EPERM ESRCH",
     "lseek": "EBADF EINVAL EOVERFLOW ESPIPE",
     "lstat": "EACCES ELOOP ENOENT ENOMEM ENOTDIR",
+    "madvise": "EAGAIN EINVAL ENOMEM",
     "mmap": "EAGAIN ENFILE ENOMEM EPERM",
     "mprotect": "EACCES EINVAL ENOMEM",
     "mremap": "EAGAIN EFAULT ENOMEM",
