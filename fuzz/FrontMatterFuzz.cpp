@@ -1,6 +1,6 @@
 // Any bytes as a card's file, and as a value of its front matter.
 #include "Property.h"
-#include "server/Markdown/FrontMatter.h"
+#include "server/Store/Card.h"
 
 using namespace quillstead;
 using namespace quillstead::server;

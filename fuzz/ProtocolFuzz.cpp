@@ -1,8 +1,8 @@
 // Any bytes as what a client sends, in pieces of any length: every line gets the answer it wants,
 // and that is JSON-RPC. There is no store, and none can be made.
 #include "Property.h"
-#include "server/LineBuffer.h"
 #include "server/Protocol.h"
+#include "server/Server.h"
 
 #include <array>
 

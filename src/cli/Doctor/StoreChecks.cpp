@@ -4,7 +4,6 @@
 #include "cli/Wording.h"
 #include "hook/Harness/Harnesses.h"
 #include "server/Rules/Rules.h"
-#include "server/Store/PrivateFiles.h"
 #include "server/Store/Scope.h"
 #include "server/Store/StoreFiles.h"
 

@@ -15,3 +15,11 @@ inline constexpr Languages english = 1;
 Languages languagesOf(std::string_view word);
 
 }  // namespace quillstead::server::StopWords
+
+/// Words that say little about a prompt's topic, such as "fix", "test", "file" and "list".
+namespace quillstead::server::CommonWords {
+
+/// `word`: in lower case.
+bool contains(std::string_view word);
+
+}  // namespace quillstead::server::CommonWords

@@ -1,8 +1,6 @@
 #include "server/Index/Words.h"
 
 #include "server/Index/CommonPhrases.h"
-#include "server/Index/CommonWords.h"
-#include "server/Index/KoreanParticles.h"
 #include "server/Index/Ranking.h"
 #include "server/Index/StopWords.h"
 #include "server/Index/WordSplitter.h"

@@ -33,4 +33,9 @@ class CodeFence {
 /// header of a card is, and one in code that never ends.
 std::string withLowerHeadings(std::string_view text);
 
+/// `text` without its HTML comments, which are notes for people. In code they stay: between fences,
+/// between backticks, and in indented lines. A line that holds nothing else goes as a whole. One
+/// that begins a line and has no end goes on to the end of the text.
+std::string withoutComments(std::string_view text);
+
 }  // namespace quillstead::server::Markdown

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "server/Session/SessionFile.h"
 #include "server/Session/SessionState.h"
 #include "support/OS/Environment.h"
 

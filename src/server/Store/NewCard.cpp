@@ -1,9 +1,7 @@
 #include "server/Store/NewCard.h"
 
-#include "server/Markdown/FrontMatter.h"
 #include "server/Markdown/Markdown.h"
 #include "server/Store/Card.h"
-#include "server/Store/CardName.h"
 #include "server/Store/StoreFiles.h"
 #include "support/OS/AtomicFile.h"
 #include "support/OS/FileMode.h"

@@ -4,12 +4,15 @@
 #include "support/OS/Descriptor.h"
 #include "support/OS/FileContent.h"
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 /// Reads the files of a store, and nothing outside it. A symbolic link is followed only within the
 /// store. Files that everyone can write are ignored, and so are, in a project's store, files that
@@ -70,3 +73,18 @@ TextOrReason readCardOrLink(const Store& store, const std::string& name);
 TextOrReason readRules(const Store& store);
 
 }  // namespace quillstead::server::StoreFiles
+
+/// The personal store is private: directories 0700, files 0600.
+namespace quillstead::server::PrivateFiles {
+
+struct Wide {
+  std::string path;
+  mode_t mode;  ///< its permissions
+};
+
+/// What others can read or write in the store: its directory, `memory`, `rules.md`, `trusted` and
+/// the cards, in this order. Files in a directory that others cannot enter are left out, and so are
+/// symbolic links. The server never changes the mode of a file that it did not create.
+std::vector<Wide> widerThanPrivate(const Store& personal);
+
+}  // namespace quillstead::server::PrivateFiles

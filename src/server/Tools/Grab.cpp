@@ -4,7 +4,6 @@
 #include "server/Index/Index.h"
 #include "server/Shown.h"
 #include "server/Store/Card.h"
-#include "server/Store/CardName.h"
 #include "server/Store/StoreFiles.h"
 #include "support/Text/Text.h"
 

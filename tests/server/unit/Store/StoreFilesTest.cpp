@@ -1,4 +1,3 @@
-#include "server/Store/PrivateFiles.h"
 #include "server/Store/StoreFiles.h"
 #include "unit/helpers/Files.h"
 
