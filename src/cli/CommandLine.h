@@ -5,7 +5,7 @@
 #include "cli/Init.h"
 #include "cli/Log.h"
 #include "cli/Recall.h"
-#include "cli/Setup/SetupOptions.h"
+#include "cli/Setup/FileChanges.h"
 #include "cli/Texts.h"
 #include "cli/Trust.h"
 

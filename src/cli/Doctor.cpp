@@ -6,8 +6,8 @@
 #include "cli/Doctor/LogChecks.h"
 #include "cli/Doctor/ServerCheck.h"
 #include "cli/Doctor/StoreChecks.h"
-#include "cli/SetUp.h"
 #include "cli/Setup/Harnesses.h"
+#include "cli/Telemetry/LogFile.h"
 #include "cli/Wording.h"
 #include "support/JSON/Writer.h"
 
@@ -25,7 +25,7 @@ constexpr std::chrono::seconds serverTime{3};
 
 std::vector<Check> checksOf(const Options& options, const Context& context) {
   const hook::Deadline deadline{.start = OS::MonotonicClock::now(), .allowance = wholeTime};
-  const auto logNamed = SetUp::logNamed(context.places);
+  const auto logNamed = LogPlace::named(context.places);
   const Programs programs = Programs::of(context.places, context.environment, logNamed);
   const std::vector<std::string> harnesses =
       Harnesses::chosen(options.harnesses, context.places, context.environment);

@@ -2,10 +2,9 @@
 
 #include "cli/Context.h"
 #include "cli/PersonalStore.h"
-#include "cli/SetUp.h"
+#include "cli/Places.h"
 #include "cli/Setup/FileChanges.h"
-#include "cli/Setup/Programs.h"
-#include "cli/Setup/SetupOptions.h"
+#include "cli/Telemetry/LogFile.h"
 #include "support/OS/Directory.h"
 #include "support/OS/FileMode.h"
 #include "support/Text/Text.h"
@@ -82,7 +81,7 @@ int run(const SetupOptions& options, const Context& context) {
   if (harnesses.empty() || !areProgramsThere(context)) return EXIT_FAILURE;
 
   const Programs programs =
-      Programs::of(context.places, context.environment, SetUp::logNamed(context.places));
+      Programs::of(context.places, context.environment, LogPlace::named(context.places));
   FileChanges changes(options, context);
   for (const std::string& harness : harnesses) changes.changeAll(harness, programs);
   if (options.isDryRun) return changes.wasAnyLeftAlone() ? EXIT_FAILURE : EXIT_SUCCESS;

@@ -1,11 +1,9 @@
 #include "cli/Log.h"
 
 #include "cli/Context.h"
-#include "cli/SetUp.h"
 #include "cli/Telemetry/LogFile.h"
 #include "cli/Telemetry/LogFollow.h"
 #include "cli/Telemetry/LogPage.h"
-#include "cli/Telemetry/LogPlace.h"
 #include "cli/Telemetry/LogReport.h"
 
 #include <charconv>
@@ -60,7 +58,7 @@ int noLog(const LogPlace& place, Console& console) {
 
 int run(const Options& options, const Context& context) {
   Console& console = context.console;
-  const LogPlace place = LogPlace::find(context, SetUp::logNamed(context.places));
+  const LogPlace place = LogPlace::find(context, LogPlace::named(context.places));
   OS::Descriptor log;
   std::string path;
   for (std::size_t at = 0; at < place.candidates.size() && !log.isOpen(); ++at) {

@@ -1,9 +1,12 @@
 #include "cli/Places.h"
 
-#include "cli/InstalledLog.h"
 #include "server/UserPlaces.h"
 #include "support/OS/Paths.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <optional>
 #include <string_view>
 
@@ -60,6 +63,39 @@ Places Places::find(const OS::Environment& environment) {
   places.server = places.programs + "quillstead-mcp";
   places.log = installedLog(home, places.stateDirectory);
   return places;
+}
+
+Programs Programs::of(const Places& places, const OS::Environment& environment,
+                      const std::optional<std::string>& logOfClaudeCode) {
+  Programs programs{.hook = places.hook,
+                    .server = places.server,
+                    .log = {},
+                    .isLogTheUsers = false,
+                    .installedLog = places.log};
+  const auto named = environment.value("QUILLSTEAD_HOOK_LOG");
+  programs.isLogTheUsers = named.has_value();
+  if (named) {
+    programs.log = *named;
+  } else if (logOfClaudeCode) {
+    programs.log = logOfClaudeCode;
+  } else if (isInstalledLogNamed()) {
+    programs.log = places.log;
+  }
+  return programs;
+}
+
+std::optional<std::string> onPath(std::string_view name, const OS::Environment& environment) {
+  std::string_view rest = environment.value("PATH").value_or("");
+  while (!rest.empty()) {
+    const std::string_view directory = rest.substr(0, rest.find(':'));
+    rest.remove_prefix(std::min(rest.size(), directory.size() + 1));
+    std::string candidate = std::string(directory).append("/").append(name);
+    struct stat status {};
+    const bool isProgram = directory.starts_with('/') && stat(candidate.c_str(), &status) == 0 &&
+                           S_ISREG(status.st_mode) && access(candidate.c_str(), X_OK) == 0;
+    if (isProgram) return candidate;
+  }
+  return std::nullopt;
 }
 
 }  // namespace quillstead::cli

@@ -2,7 +2,9 @@
 
 #include "support/OS/Environment.h"
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace quillstead::cli {
 
@@ -26,5 +28,28 @@ struct Places {
 
   static Places find(const OS::Environment& environment);
 };
+
+/// The programs that the settings name.
+struct Programs {
+  std::string hook;                ///< absolute
+  std::string server;              ///< absolute
+  std::optional<std::string> log;  ///< the path that entries name; absent: the hook's default
+  bool isLogTheUsers = false;      ///< the user named it, so our entries do not
+  std::string installedLog;        ///< the one that install sets up by default
+
+  /// `logOfClaudeCode`: the log that Claude Code's settings name.
+  static Programs of(const Places& places, const OS::Environment& environment,
+                     const std::optional<std::string>& logOfClaudeCode);
+};
+
+/// The absolute path of the program with that name on PATH; absent when there is none.
+std::optional<std::string> onPath(std::string_view name, const OS::Environment& environment);
+
+/// Where the hook's log goes when install has set the harnesses up: the hook's default place, or,
+/// on systems where it has none, our state directory.
+std::string installedLog(const std::string& home, const std::string& stateDirectory);
+
+/// Whether the settings have to name it for the hook.
+bool isInstalledLogNamed();
 
 }  // namespace quillstead::cli

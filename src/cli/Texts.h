@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cli/Description.h"
+
 #include <string>
 
 namespace quillstead::cli {
@@ -20,3 +22,10 @@ int run(const Options& options, const Context& context);
 
 }  // namespace Texts
 }  // namespace quillstead::cli
+
+namespace quillstead::cli::ManPage {
+
+/// The man page of a program, for section 1.
+std::string of(const ProgramText& program);
+
+}  // namespace quillstead::cli::ManPage

@@ -1,10 +1,9 @@
 #include "cli/Uninstall.h"
 
 #include "cli/Context.h"
+#include "cli/Places.h"
 #include "cli/Setup/FileChanges.h"
 #include "cli/Setup/Harnesses.h"
-#include "cli/Setup/Programs.h"
-#include "cli/Setup/SetupOptions.h"
 #include "support/OS/FileMode.h"
 
 #include <sys/stat.h>

@@ -1,7 +1,7 @@
 // Man pages and completions: each is what its reader takes, and tells what there is.
 #include "cli/CommandLine.h"
 #include "cli/Completions.h"
-#include "cli/ManPage.h"
+#include "cli/Texts.h"
 #include "cli/UserRun.h"
 
 #include <gmock/gmock.h>

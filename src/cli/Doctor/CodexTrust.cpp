@@ -1,7 +1,7 @@
 #include "cli/Doctor/CodexTrust.h"
 
 #include "cli/ChildRun.h"
-#include "cli/OnPath.h"
+#include "cli/Places.h"
 #include "support/JSON/Reader.h"
 #include "support/JSON/Writer.h"
 #include "support/OS/Paths.h"

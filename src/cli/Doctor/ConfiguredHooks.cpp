@@ -1,6 +1,6 @@
 #include "cli/Doctor/ConfiguredHooks.h"
 
-#include "cli/OnPath.h"
+#include "cli/Places.h"
 #include "cli/Setup/HookHandler.h"
 #include "support/JSONC/Document.h"
 

@@ -2,10 +2,14 @@
 
 #include "cli/Context.h"
 #include "cli/Doctor/Check.h"
-#include "cli/Setup/Programs.h"
+#include "cli/Doctor/ConfiguredHooks.h"
+#include "cli/Places.h"
 #include "hook/Budget.h"
+#include "support/OS/Environment.h"
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// Checks that one harness is set up, and that the commands in its settings work.

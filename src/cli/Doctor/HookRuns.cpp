@@ -1,7 +1,7 @@
 #include "cli/Doctor/HookRuns.h"
 
 #include "cli/HookTrial.h"
-#include "cli/OnPath.h"
+#include "cli/Places.h"
 #include "cli/Telemetry/LogLine.h"
 #include "cli/Wording.h"
 #include "hook/Harness/Harnesses.h"

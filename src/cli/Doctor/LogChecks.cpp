@@ -2,7 +2,6 @@
 
 #include "cli/Telemetry/LogFile.h"
 #include "cli/Telemetry/LogLine.h"
-#include "cli/Telemetry/LogPlace.h"
 #include "cli/Wording.h"
 
 #include <sys/stat.h>

@@ -1,6 +1,8 @@
 #include "cli/Setup/FileChanges.h"
 
+#include "cli/Context.h"
 #include "cli/Setup/ConfigFile.h"
+#include "cli/Setup/Harnesses.h"
 #include "cli/Setup/UnifiedDiff.h"
 #include "support/OS/Directory.h"
 #include "support/OS/FileMode.h"
@@ -36,6 +38,13 @@ std::string placeOf(const JSONC::Complaint& complaint) {
 }
 
 }  // namespace
+
+std::vector<std::string> SetupOptions::chosen(const Context& context) const {
+  std::vector<std::string> chosen =
+      Harnesses::chosen(harnesses, context.places, context.environment);
+  if (chosen.empty()) context.console.complain(Harnesses::noneIsThere);
+  return chosen;
+}
 
 bool FileChanges::changeAll(const std::string& harness, const Programs& programs) {
   bool isAnyChanged = false;

@@ -3,7 +3,6 @@
 #include "cli/Context.h"
 #include "cli/Setup/ConfigFile.h"
 #include "cli/Setup/Harnesses.h"
-#include "cli/Setup/SetupOptions.h"
 #include "support/OS/Descriptor.h"
 
 #include <optional>
@@ -12,6 +11,18 @@
 #include <vector>
 
 namespace quillstead::cli {
+
+enum class Direction { install, uninstall };
+
+/// What `quillstead install` and `quillstead uninstall` are told.
+struct SetupOptions {
+  Direction direction = Direction::install;
+  std::vector<std::string> harnesses;  ///< empty: all that the user has
+  bool isDryRun = false;
+
+  /// The harnesses that are meant. Complains when there is none.
+  [[nodiscard]] std::vector<std::string> chosen(const Context& context) const;
+};
 
 /// Changes the files in one run of install or uninstall, and reports each.
 class FileChanges {

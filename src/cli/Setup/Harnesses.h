@@ -1,8 +1,7 @@
 #pragma once
 
 #include "cli/Places.h"
-#include "cli/Setup/Edited.h"
-#include "cli/Setup/Programs.h"
+#include "cli/Setup/SettingsText.h"
 #include "support/OS/Environment.h"
 
 #include <array>

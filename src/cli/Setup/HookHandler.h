@@ -1,7 +1,7 @@
 #pragma once
 
+#include "cli/Places.h"
 #include "cli/Setup/HookTable.h"
-#include "cli/Setup/Programs.h"
 #include "support/JSON/Value.h"
 #include "support/JSONC/Document.h"
 

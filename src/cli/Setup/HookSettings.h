@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cli/Setup/Edited.h"
-#include "cli/Setup/Programs.h"
+#include "cli/Places.h"
+#include "cli/Setup/SettingsText.h"
 
 #include <optional>
 #include <string>

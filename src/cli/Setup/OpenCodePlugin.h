@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/Setup/Edited.h"
+#include "cli/Setup/SettingsText.h"
 
 #include <optional>
 #include <string>

@@ -1,5 +1,9 @@
 #include "cli/Telemetry/LogFile.h"
 
+#include "cli/Setup/ConfigFile.h"
+#include "cli/Setup/HookSettings.h"
+#include "hook/Telemetry/TelemetryLine.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -58,3 +62,26 @@ bool forEachLine(const OS::Descriptor& file, Lines& lines) {
 }
 
 }  // namespace quillstead::cli::LogFile
+
+namespace quillstead::cli {
+
+LogPlace LogPlace::find(const Context& context, const std::optional<std::string>& named) {
+  LogPlace place;
+  const std::string ofHook = hook::TelemetryLine::path(context.environment);
+  if (context.environment.value("QUILLSTEAD_HOOK_LOG")) {
+    place.isOff = ofHook.empty();
+    if (!place.isOff) place.candidates.push_back(ofHook);
+    return place;
+  }
+  if (named && !named->empty()) place.candidates.push_back(*named);
+  place.candidates.push_back(context.places.log);
+  if (ofHook != context.places.log) place.candidates.push_back(ofHook);
+  return place;
+}
+
+std::optional<std::string> LogPlace::named(const Places& places) {
+  const auto settings = ConfigFile::textOf(places.claudeDirectory + "/settings.json");
+  return settings ? HookSettings::logNamedIn(*settings) : std::nullopt;
+}
+
+}  // namespace quillstead::cli

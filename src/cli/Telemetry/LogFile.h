@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/Context.h"
 #include "support/OS/Descriptor.h"
 
 #include <cstddef>
@@ -7,6 +8,24 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+namespace quillstead::cli {
+
+/// Where the hook's log is looked for.
+struct LogPlace {
+  std::vector<std::string> candidates;  ///< the first one that exists counts
+  bool isOff = false;                   ///< the environment switches the log off
+
+  /// QUILLSTEAD_HOOK_LOG; else the log that install set up and the hook's default. `named`: the log
+  /// that Claude Code's settings name, which install uses for all harnesses; absent: none.
+  static LogPlace find(const Context& context, const std::optional<std::string>& named);
+
+  /// The log that Claude Code's settings name; absent when they name none or cannot be read.
+  static std::optional<std::string> named(const Places& places);
+};
+
+}  // namespace quillstead::cli
 
 /// Reads a log line by line, with little memory.
 namespace quillstead::cli::LogFile {

@@ -1,4 +1,4 @@
-#include "cli/InstalledLog.h"
+#include "cli/Places.h"
 
 namespace quillstead::cli {
 
