@@ -115,7 +115,7 @@ def _library_package(library):
     return package
 
 
-def bill(stage, version, used, trees=_trees):
+def bill(stage, version, used, trees):
     """The document. A program stands for one file in one tree; it holds the libraries of its tree."""
     files, relations = [], []
     for tree in trees:

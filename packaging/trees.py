@@ -20,7 +20,6 @@ import check as hardening
 
 _programs = ("quillstead", "quillstead-hook", "quillstead-mcp")
 _linux = {"linux-x64": "X86-64", "linux-arm64": "AArch64"}
-_trees = (*_linux, "macos-universal")
 # What a tree must hold beside bin/, so that nothing is lost from the packages unseen.
 _files = (
     *(f"share/man/man1/{program}.1" for program in _programs),
@@ -96,7 +95,7 @@ def files_of(tree):
     return {str(path.relative_to(tree)): path for path in tree.rglob("*") if path.is_file()}
 
 
-def layout_problems(stage, names=_trees):
+def layout_problems(stage, names):
     trees = {name: files_of(stage / name) for name in names}
     for name, files in trees.items():
         yield from (f"{name} lacks {file}" for file in (*_files, *(f"bin/{program}" for program in _programs))

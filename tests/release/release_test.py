@@ -69,7 +69,7 @@ class Made(unittest.TestCase):
 class BillTest(Made):
     def document(self, epoch="0"):
         os.environ["SOURCE_DATE_EPOCH"] = epoch
-        return bill.bill(self.stage, "1.2.3", bill.libraries(self.fetched))
+        return bill.bill(self.stage, "1.2.3", bill.libraries(self.fetched), _trees)
 
     def linked_with(self, program):
         return {relation["relatedSpdxElement"].removeprefix("SPDXRef-")
@@ -139,12 +139,12 @@ class BillTest(Made):
 
 class CheckTest(Made):
     def test_finds_nothing_wrong_with_trees_that_hold_the_same(self):
-        self.assertEqual(list(trees.layout_problems(self.stage)), [])
+        self.assertEqual(list(trees.layout_problems(self.stage, _trees)), [])
 
     def test_finds_what_a_tree_lacks_or_has_more(self):
         (self.stage / "linux-arm64/share/man/man1/quillstead.1").unlink()
         _write(self.stage, {"macos-universal/bin/other": "x", "linux-x64/share/doc/quillstead/README.md": ""})
-        problems = "\n".join(trees.layout_problems(self.stage))
+        problems = "\n".join(trees.layout_problems(self.stage, _trees))
         self.assertIn("linux-arm64 lacks share/man/man1/quillstead.1", problems)
         self.assertIn("not in both linux-x64 and linux-arm64: share/man/man1/quillstead.1", problems)
         self.assertIn("macos-universal has a program more: bin/other", problems)
@@ -154,7 +154,7 @@ class CheckTest(Made):
     def test_looks_at_no_tree_that_it_was_not_told_of(self):
         shutil.rmtree(self.stage / "linux-arm64")
         self.assertEqual(list(trees.layout_problems(self.stage, ["linux-x64", "macos-universal"])), [])
-        self.assertNotEqual(list(trees.layout_problems(self.stage)), [])
+        self.assertNotEqual(list(trees.layout_problems(self.stage, _trees)), [])
 
     def test_finds_another_version_and_places_of_the_building_machine(self):
         program = self.stage / "linux-x64/bin/quillstead-hook"
