@@ -1,7 +1,7 @@
 #include "cli/Install.h"
 
 #include "cli/Context.h"
-#include "cli/PersonalStore.h"
+#include "cli/Init.h"
 #include "cli/Places.h"
 #include "cli/Setup/FileChanges.h"
 #include "cli/Telemetry/LogFile.h"

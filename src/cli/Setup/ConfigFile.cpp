@@ -1,11 +1,10 @@
 #include "cli/Setup/ConfigFile.h"
 
+#include "support/OS/AtomicFile.h"
 #include "support/OS/Descriptor.h"
 #include "support/OS/Directory.h"
-#include "support/OS/ExclusiveRename.h"
 #include "support/OS/FileContent.h"
 #include "support/OS/FileMode.h"
-#include "support/OS/NamelessFile.h"
 #include "support/OS/Paths.h"
 #include "support/OS/Random.h"
 #include "support/OS/SignalMask.h"

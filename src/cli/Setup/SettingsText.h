@@ -23,10 +23,16 @@ using EditOutcome = std::variant<Edited, JSONC::Complaint>;
 namespace quillstead::cli::SettingsText {
 
 /// A missing file is a document without a root.
-std::variant<JSONC::Document, JSONC::Complaint> read(const std::optional<std::string>& before);
+inline std::variant<JSONC::Document, JSONC::Complaint> read(
+    const std::optional<std::string>& before) {
+  return JSONC::Document::read(before.value_or(""));
+}
 
 /// The new content, for a document made from `before`. In an existing empty file, a line end comes
 /// first. That distinguishes it from a file that install created and uninstall removes.
-std::string of(const JSONC::Document& document, const std::optional<std::string>& before);
+inline std::string of(const JSONC::Document& document, const std::optional<std::string>& before) {
+  const bool wasThereAndEmpty = before && before->empty() && document.root();
+  return (wasThereAndEmpty ? "\n" : "") + document.text();
+}
 
 }  // namespace quillstead::cli::SettingsText

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "hook/Harness/CommandFlag.h"
 #include "hook/Harness/HarnessAdapter.h"
+#include "hook/Harness/Harnesses.h"
 
 #include <span>
 #include <string_view>
@@ -18,6 +20,11 @@ struct Missing {};
 using Outcome = std::variant<Found, Unknown, Missing>;
 
 /// The harness that `--harness` names.
-Outcome parse(std::span<char* const> arguments);
+inline Outcome parse(std::span<char* const> arguments) {
+  const auto name = CommandFlag::value("--harness", arguments);
+  if (!name) return Missing{};
+  if (const HarnessAdapter* const adapter = Harnesses::named(*name)) return Found{*adapter};
+  return Unknown{*name};
+}
 
 }  // namespace quillstead::hook::HarnessFlag

@@ -3,7 +3,6 @@
 #include "contract/Contract.h"
 #include "server/Index/Index.h"
 #include "server/Recall/Recall.h"
-#include "server/Recall/ShownCards.h"
 #include "server/Session/SessionMemory.h"
 #include "server/Shown.h"
 #include "support/Text/Text.h"

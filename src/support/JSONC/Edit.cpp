@@ -1,7 +1,7 @@
 #include "support/JSONC/Edit.h"
 
 #include "support/JSONC/Layout.h"
-#include "support/JSONC/Trivia.h"
+#include "support/JSONC/Parser.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,7 +1,7 @@
 #include "support/JSONC/Layout.h"
 
 #include "support/JSON/Writer.h"
-#include "support/JSONC/Trivia.h"
+#include "support/JSONC/Parser.h"
 
 #include <algorithm>
 #include <functional>

@@ -1,7 +1,6 @@
 #include "support/OS/AtomicFile.h"
 
 #include "support/OS/Directory.h"
-#include "support/OS/ExclusiveRename.h"
 #include "support/OS/Random.h"
 
 #include <fcntl.h>

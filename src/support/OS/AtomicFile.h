@@ -35,3 +35,26 @@ bool replace(const Descriptor& directory, const std::string& name, std::string_v
 void removeLeftovers(const Descriptor& directory);
 
 }  // namespace quillstead::OS::AtomicFile
+
+namespace quillstead::OS {
+
+/// Renames a file within `directory` unless the new name is taken. It is one step where the file
+/// system supports that, else a link and the removal of the old name. Returns 0 or the error
+/// number; EEXIST when the name is taken.
+int renameExclusively(const Descriptor& directory, const char* from, const char* to);
+
+}  // namespace quillstead::OS
+
+/// Files that have no name while they are written: a process that is killed meanwhile leaves
+/// nothing behind.
+namespace quillstead::OS::NamelessFile {
+
+/// Opens a new file for writing that will lie in `directory`, for its user alone (mode 0600). Not
+/// open where the system or the file system has no such files.
+Descriptor create(const Descriptor& directory);
+
+/// Gives the file a name in the directory. Returns 0 or the error number: EEXIST when the name is
+/// taken.
+int giveName(const Descriptor& file, const Descriptor& directory, const char* name);
+
+}  // namespace quillstead::OS::NamelessFile

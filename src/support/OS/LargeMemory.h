@@ -14,7 +14,15 @@ void preferLargePages(std::span<std::byte> memory);
 
 /// Moves `bytes` into memory where they can grow to sixteen times `size`, or eight times if that is
 /// huge. Memory that is never written costs nothing.
-void moveToLargeMemory(std::string& bytes, std::size_t size);
+[[gnu::noinline]] inline void moveToLargeMemory(std::string& bytes, std::size_t size) {
+  constexpr std::size_t huge = 64U << 20U;  // sixteen of these are what a small machine may refuse
+  const std::size_t growth = size < huge ? 16 : 8;
+  std::string roomier;
+  roomier.reserve(growth * size);
+  preferLargePages(std::as_writable_bytes(std::span(roomier.data(), roomier.capacity())));
+  roomier += bytes;
+  bytes = std::move(roomier);
+}
 
 /// Makes room for `count` more bytes at the end of `bytes`. Small strings grow by themselves.
 inline void makeRoom(std::string& bytes, std::size_t count) {

@@ -1,4 +1,4 @@
-#include "server/Recall/ShownCards.h"
+#include "server/Recall/Recall.h"
 #include "server/helpers/MemoryStage.h"
 
 #include <gtest/gtest.h>

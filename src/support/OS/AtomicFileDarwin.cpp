@@ -1,4 +1,4 @@
-#include "support/OS/ExclusiveRename.h"
+#include "support/OS/AtomicFile.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -18,3 +18,13 @@ int renameExclusively(const Descriptor& directory, const char* from, const char*
 }
 
 }  // namespace quillstead::OS
+
+namespace quillstead::OS::NamelessFile {
+
+Descriptor create(const Descriptor& /*directory*/) { return {}; }
+
+int giveName(const Descriptor& /*file*/, const Descriptor& /*directory*/, const char* /*name*/) {
+  return ENOTSUP;
+}
+
+}  // namespace quillstead::OS::NamelessFile
