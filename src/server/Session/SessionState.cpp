@@ -54,7 +54,7 @@ void writeLine(std::string& text, std::string_view name, Numbers... numbers) {
 
 using namespace std::chrono_literals;
 
-constexpr std::chrono::milliseconds patience = 200ms;
+constexpr std::chrono::milliseconds longestWait = 200ms;
 constexpr std::chrono::hours lifetime = 24h * 7;
 constexpr std::string_view suffix = ".session";
 constexpr std::size_t largest = 262'144;  // bytes
@@ -65,7 +65,7 @@ bool locked(const OS::Descriptor& file) {
   for (;;) {
     if (flock(file.number(), LOCK_EX | LOCK_NB) == 0) return true;
     if (errno != EWOULDBLOCK && errno != EINTR) return false;
-    if (OS::MonotonicClock::now() - start >= patience) return false;
+    if (OS::MonotonicClock::now() - start >= longestWait) return false;
     poll(nullptr, 0, 1);
   }
 }
