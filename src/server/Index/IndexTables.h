@@ -18,7 +18,7 @@ namespace quillstead::server::IndexTables {
 /// The version of the tables, of the tokenizer, and of how texts are split into words. It is part
 /// of the file's name, so that versions of the server do not share an index. Raise it with every
 /// change of these; a test fails if that was forgotten.
-inline constexpr int version = 7;
+inline constexpr int version = 8;
 
 /// A file as the index stores it. `store` is written as the number of its enumerator.
 struct Row {

@@ -14,8 +14,9 @@ namespace {
 
 /// What is stored before a file's name. The name ends in a NUL.
 struct Seen {
-  std::int64_t store;
   OS::FileStamp stamp;
+  std::uint32_t store;
+  std::uint32_t nameLength;  ///< bytes, without the NUL
 };
 
 std::size_t partSize(std::size_t files) {
@@ -25,8 +26,9 @@ std::size_t partSize(std::size_t files) {
 }
 
 void append(std::string& text, const Survey::File& file) {
-  const Seen seen{.store = static_cast<std::int64_t>(file.store),
-                  .stamp = file.stamp.value_or(OS::FileStamp{})};
+  const Seen seen{.stamp = file.stamp.value_or(OS::FileStamp{}),
+                  .store = static_cast<std::uint32_t>(file.store),
+                  .nameLength = static_cast<std::uint32_t>(file.name.size())};
   const std::size_t begin = text.size();
   text.resize(begin + sizeof seen);
   std::memcpy(text.data() + begin, &seen, sizeof seen);
@@ -36,11 +38,12 @@ void append(std::string& text, const Survey::File& file) {
 /// Removes the first file from `files`. True when it still has its stamp.
 bool isNextUnchanged(std::string_view& files, const Survey& survey) {
   Seen seen{};
-  const std::size_t end = files.find('\0', std::min(files.size(), sizeof seen));
-  if (end == std::string_view::npos) return false;
+  if (files.size() < sizeof seen) return false;
   std::memcpy(&seen, files.data(), sizeof seen);
-  const char* const name = files.data() + sizeof seen;
-  files.remove_prefix(end + 1);
+  files.remove_prefix(sizeof seen);
+  const char* const name = files.data();
+  if (files.size() <= seen.nameLength || name[seen.nameLength] != '\0') return false;
+  files.remove_prefix(seen.nameLength + std::size_t{1});
   const Store::Kind store = seen.store == 0 ? Store::Kind::project : Store::Kind::personal;
   return StoreFiles::cardStamp(survey.cards(store), store, name) == seen.stamp;
 }
