@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <optional>
 #include <string>
-#include <unordered_map>
 
 namespace quillstead::server::Passage {
 
@@ -37,12 +37,11 @@ bool isFormOf(std::string_view word, const SearchTerm& term) {
 class Terms {
  public:
   explicit Terms(const std::vector<SearchTerm>& terms) : terms_(terms) {
-    for (std::size_t at = 0; at < terms.size(); ++at) {
-      places_.emplace(terms[at].word, at);
-      if (!terms[at].word.empty()) begins_.at(lowByte(terms[at].word[0])) = true;
-      beginnings_.push_back(beginningOf(terms[at].word));
+    beginnings_.reserve(terms.size());
+    for (const SearchTerm& term : terms) {
+      if (!term.word.empty()) begins_.at(lowByte(term.word[0])) = true;
+      beginnings_.push_back(beginningOf(term.word));
     }
-    std::sort(beginnings_.begin(), beginnings_.end());
   }
 
   /// The term that the word is, or is a form of.
@@ -50,38 +49,38 @@ class Terms {
     if (!mayBeOne(word.text)) return std::nullopt;
     const bool isPair = word.script != Text::PairedScript::none;
     const std::string lowered = isPair ? std::string(word.text) : Words::lowered(word.text);
-    const auto same = places_.find(lowered);
-    if (same != places_.end()) return same->second;
-    if (isPair) return std::nullopt;
-    const auto form = std::find_if(terms_.begin(), terms_.end(), [&lowered](const auto& term) {
-      return isFormOf(lowered, term);
-    });
-    if (form == terms_.end()) return std::nullopt;
-    return static_cast<std::size_t>(form - terms_.begin());
+    const std::uint32_t beginning = beginningOf(lowered);
+    std::optional<std::size_t> form;
+    for (std::size_t at = 0; at < terms_.size(); ++at) {
+      if (beginnings_[at] != beginning) continue;
+      if (terms_[at].word == lowered) return at;
+      if (!isPair && !form && isFormOf(lowered, terms_[at])) form = at;
+    }
+    return form;
   }
 
+ private:
   /// A quick test that rejects most words. A letter beyond ASCII may have other bytes in lower
   /// case.
   [[nodiscard]] bool mayBeOne(std::string_view word) const {
     if (static_cast<unsigned char>(word[0]) < 0x80 && !begins_.at(lowByte(word[0]))) return false;
-    const std::string_view beginning = word.substr(0, shortestForm);
-    const bool isASCII = std::all_of(beginning.begin(), beginning.end(), [](char byte) {
-      return static_cast<unsigned char>(byte) < 0x80;
-    });
-    return !isASCII ||
-           std::binary_search(beginnings_.begin(), beginnings_.end(), beginningOf(word));
+    constexpr std::uint32_t beyondASCII = 0x80808080;
+    const std::uint32_t beginning = beginningOf(word);
+    return (beginning & beyondASCII) != 0 ||
+           std::find(beginnings_.begin(), beginnings_.end(), beginning) != beginnings_.end();
   }
 
- private:
   /// The bytes that every form shares with its term, packed into one number, ASCII letters in lower
   /// case. Other bytes may collide.
   static std::uint32_t beginningOf(std::string_view word) {
-    constexpr std::uint32_t lowerCase = 0x20;
+    constexpr std::uint32_t lowerCase = 0x20202020;
     std::uint32_t beginning = 0;
-    for (const char byte : word.substr(0, shortestForm)) {
-      beginning = beginning << 8U | static_cast<unsigned char>(byte) | lowerCase;
+    if (word.size() >= sizeof beginning) {
+      std::memcpy(&beginning, word.data(), sizeof beginning);
+    } else {
+      std::copy(word.begin(), word.end(), reinterpret_cast<char*>(&beginning));
     }
-    return beginning;
+    return beginning | lowerCase;
   }
 
   static unsigned char lowByte(char byte) {
@@ -91,8 +90,7 @@ class Terms {
 
   const std::vector<SearchTerm>& terms_;
   std::array<bool, 256> begins_{};         ///< by the first byte of a term, in lower case
-  std::vector<std::uint32_t> beginnings_;  ///< of the terms, sorted
-  std::unordered_map<std::string_view, std::size_t> places_;
+  std::vector<std::uint32_t> beginnings_;  ///< of each term
 };
 
 bool isSmallLetter(char byte) { return byte >= 'a' && byte <= 'z'; }
@@ -123,7 +121,7 @@ std::vector<Match> matches(std::string_view text, const std::vector<SearchTerm>&
     }
     if (!isSimple) {
       WordSplitter::split(text.substr(at, next - at), take);
-    } else if (known.mayBeOne(word)) {
+    } else {
       take({.text = word});  // as the splitter would, for most words of most texts
     }
     at = next + 1;
