@@ -170,6 +170,17 @@ std::size_t plainLength(std::string_view text) {
   return length;
 }
 
+/// True for words with single blanks between them, of bytes that need no check: most titles.
+bool isPlainLine(std::string_view text) {
+  char previous = ' ';
+  for (const char byte : text) {
+    const bool isGap = byte == ' ' && previous == ' ';
+    if (isGap || byte == '\n' || !plainBytes[static_cast<unsigned char>(byte)]) return false;
+    previous = byte;
+  }
+  return previous != ' ';
+}
+
 /// At most `limit` bytes of `text`, cut between code points.
 std::string_view codePointsWithin(std::string_view text, std::size_t limit) {
   if (text.size() <= limit) return text;
@@ -227,6 +238,7 @@ std::string text(std::string_view text) {
 }
 
 std::string line(std::string_view text) {
+  if (text.size() <= longestLine && isPlainLine(text)) return std::string(text);
   const std::string_view beginning = codePointsWithin(text, mostLookedAt);
   std::string whole = Shown::text(Text::onOneLine(beginning));
   if (whole.size() <= longestLine && beginning.size() == text.size()) return whole;

@@ -61,8 +61,8 @@ std::vector<CardPlace> Index::search(const std::vector<Words::SearchTerm>& terms
   return places;
 }
 
-Titles Index::titles(std::size_t limit) {
-  return resultOf([&](Database& database) { return IndexQueries::titles(database, limit); });
+Titles Index::titles(std::size_t enough) {
+  return resultOf([&](Database& database) { return IndexQueries::titles(database, enough); });
 }
 
 std::vector<CardPlace> Index::withTitle(std::string_view title) {

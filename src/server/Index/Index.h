@@ -23,8 +23,9 @@ struct CardPlace {
 
 /// The titles of cards.
 struct Titles {
-  std::vector<std::string> newest;  ///< the project's before the personal, the newest file first
-  std::size_t total = 0;            ///< how many cards there are
+  /// The project's before the personal, the newest file first, each as `Shown::line` gives it.
+  std::vector<std::string> newest;
+  std::size_t total = 0;  ///< how many cards there are
 };
 
 /// The index of the cards of one scope: a file in the cache directory, shared by all servers. If
@@ -52,8 +53,9 @@ class Index {
   /// The cards that match a prompt with these terms, best first, at most `limit`.
   std::vector<CardPlace> search(const std::vector<Words::SearchTerm>& terms, std::size_t limit);
 
-  /// At most `limit` titles.
-  Titles titles(std::size_t limit);
+  /// The first titles: all, or so many that they have `enough` bytes, each counted with its line
+  /// end.
+  Titles titles(std::size_t enough);
 
   /// The cards with exactly this title; else those whose title differs only in ASCII case.
   std::vector<CardPlace> withTitle(std::string_view title);

@@ -2,6 +2,7 @@
 
 #include "server/Index/CardSearch.h"
 #include "server/Index/IndexTables.h"
+#include "server/Shown.h"
 
 #include <algorithm>
 #include <array>
@@ -120,21 +121,21 @@ std::optional<std::vector<CardPlace>> search(Database& database,
   return best(std::move(candidates), limit);
 }
 
-std::optional<Titles> titles(Database& database, std::size_t limit) {
+std::optional<Titles> titles(Database& database, std::size_t enough) {
   Titles titles;
   const auto cards = IndexTables::cardCounts(database);
   if (!cards) return std::nullopt;
   titles.total = totalOf(*cards);
 
   Statement read = database.prepare(
-      "SELECT title FROM files WHERE isCard = 1 ORDER BY store, modified DESC, name LIMIT ?");
-  read.bind(1, static_cast<std::int64_t>(limit));
-  for (;;) {
+      "SELECT title FROM files WHERE isCard = 1 ORDER BY store, modified DESC, name");
+  for (std::size_t bytes = 0; bytes < enough;) {
     const Statement::Step step = read.step();
-    if (step == Statement::Step::done) return titles;
+    if (step == Statement::Step::done) break;
     if (step == Statement::Step::failed) return std::nullopt;
-    titles.newest.emplace_back(read.text(0));
+    bytes += titles.newest.emplace_back(Shown::line(read.text(0))).size() + 1;
   }
+  return titles;
 }
 
 std::optional<std::vector<CardPlace>> withTitle(Database& database, std::string_view title,

@@ -21,8 +21,8 @@ std::optional<std::vector<CardPlace>> search(Database& database,
                                              const std::vector<Words::SearchTerm>& terms,
                                              std::size_t limit, CommonTerms& common);
 
-/// At most `limit` titles: the project's before the personal, the newest first.
-std::optional<Titles> titles(Database& database, std::size_t limit);
+/// As `Index::titles`.
+std::optional<Titles> titles(Database& database, std::size_t enough);
 
 std::optional<std::vector<CardPlace>> withTitle(Database& database, std::string_view title,
                                                 std::size_t limit);

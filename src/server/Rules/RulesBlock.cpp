@@ -1,10 +1,10 @@
 #include "server/Rules/RulesBlock.h"
 
 #include "contract/Contract.h"
-#include "server/Shown.h"
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -12,37 +12,18 @@ namespace quillstead::server {
 
 namespace {
 
-/// A title that does not fit is skipped. The list ends after this many skipped titles.
-constexpr std::size_t mostSkipped = 20;
-
 std::string headingFor(std::size_t total) {
   return "Memory holds " + std::to_string(total) + (total == 1 ? " card" : " cards") +
          " (`grab` reads one by its title):";
 }
 
-/// The lines of titles, each made when it is first asked for.
-class Lines {
- public:
-  explicit Lines(const std::vector<std::string>& titles) : titles_(titles) {}
-
-  [[nodiscard]] std::size_t count() const { return titles_.size(); }
-
-  /// Asked for in their order at first.
-  const std::string& at(std::size_t place) {
-    if (place == made_.size()) made_.push_back("\n- " + Shown::line(titles_[place]));
-    return made_[place];
-  }
-
- private:
-  const std::vector<std::string>& titles_;
-  std::vector<std::string> made_;
-};
+constexpr std::string_view lineStart = "\n- ";
 
 /// The list of all titles; absent when it is longer than `limit` bytes.
-std::optional<std::string> whole(Lines& lines, std::size_t limit) {
-  std::string text = headingFor(lines.count());
-  for (std::size_t place = 0; place < lines.count(); ++place) {
-    text += lines.at(place);
+std::optional<std::string> whole(const std::vector<std::string>& titles, std::size_t limit) {
+  std::string text = headingFor(titles.size());
+  for (const std::string& title : titles) {
+    text.append(lineStart).append(title);
     if (text.size() > limit) return std::nullopt;
   }
   return text;
@@ -83,18 +64,18 @@ void RulesBlock::closeHeadWith(std::string_view note) {
 
 std::string RulesBlock::index(const Titles& titles, std::size_t limit) {
   if (titles.newest.empty()) return {};
-  Lines lines(titles.newest);
   if (titles.newest.size() == titles.total) {
-    if (auto all = whole(lines, limit)) return std::move(*all);
+    if (auto all = whole(titles.newest, limit)) return std::move(*all);
   }
   std::string text = headingFor(titles.total);
+  const std::size_t longestRemainder = remainder(titles.total).size();
   std::size_t shown = 0;
   std::size_t passedOver = 0;
-  for (std::size_t place = 0; place < lines.count(); ++place) {
-    const std::string& line = lines.at(place);
-    const std::size_t left = titles.total - shown - 1;
-    if (text.size() + line.size() + remainder(left).size() <= limit) {
-      text += line;
+  for (const std::string& title : titles.newest) {
+    const std::size_t size = text.size() + lineStart.size() + title.size();
+    if (size + longestRemainder <= limit ||
+        size + remainder(titles.total - shown - 1).size() <= limit) {
+      text.append(lineStart).append(title);
       ++shown;
     } else if (++passedOver == mostSkipped) {
       break;

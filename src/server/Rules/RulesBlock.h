@@ -1,6 +1,7 @@
 #pragma once
 
 #include "server/Index/Index.h"
+#include "server/Shown.h"
 
 #include <cstddef>
 #include <optional>
@@ -27,6 +28,13 @@ struct RulesBlock {
 
   /// The most bytes of an index, unless the caller asks for less.
   static constexpr std::size_t ordinaryIndex = 6'000;
+
+  /// A title that does not fit is skipped. The list ends after this many skipped titles.
+  static constexpr std::size_t mostSkipped = 20;
+
+  /// No index of ordinary size needs titles behind so many bytes, each counted with its line end.
+  static constexpr std::size_t enoughOfTitles =
+      ordinaryIndex + mostSkipped * (Shown::longestLine + 1);
 
   /// Bytes that the fence adds to rules, and that an index adds besides its own.
   static const std::size_t fenceSize;

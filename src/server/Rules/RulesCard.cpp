@@ -67,9 +67,9 @@ Card within(std::string_view rules, const Titles& titles, const Ceilings& ceilin
   const std::size_t headRoom = less(ceilings.head.value_or(unlimited), RulesBlock::fenceSize);
 
   // Rules that fit beside a small index are not cut to make room for a large one.
-  const std::size_t wanted = RulesBlock::index(titles, RulesBlock::ordinaryIndex).size();
+  std::string index = RulesBlock::index(titles, RulesBlock::ordinaryIndex);
   const std::size_t reserved =
-      wanted == 0 ? 0 : std::min(wanted + RulesBlock::lineBeforeIndex, room / indexShare);
+      index.empty() ? 0 : std::min(index.size() + RulesBlock::lineBeforeIndex, room / indexShare);
   Head head = headWithin(rules, std::min(headRoom, less(room, reserved)));
   const bool fitsAlone = rules.size() <= std::min(headRoom, room);
   if (shortened == Shortened::index && fitsAlone) head = {Kind::whole, std::string(rules)};
@@ -77,8 +77,8 @@ Card within(std::string_view rules, const Titles& titles, const Ceilings& ceilin
   const std::size_t left = less(room, head.text.size() + RulesBlock::lineBeforeIndex);
   const bool fits = RulesBlock::fenceSize <=
                     std::min(ceilings.block.value_or(unlimited), ceilings.head.value_or(unlimited));
-  const std::string index =
-      fits ? RulesBlock::index(titles, std::min(left, RulesBlock::ordinaryIndex)) : "";
+  if (!fits) index.clear();
+  if (index.size() > left) index = RulesBlock::index(titles, left);
   return {.kind = head.kind, .block = RulesBlock::fenced(head.text, index)};
 }
 

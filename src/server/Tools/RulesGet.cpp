@@ -15,9 +15,6 @@ namespace quillstead::server::RulesGet {
 
 namespace {
 
-/// More titles than fit into an index of ordinary size.
-constexpr std::size_t mostTitles = 1'000;
-
 /// The smallest context of a harness that sends no ceiling, and the share of it for rules. A block
 /// that is too large for the harness would be dropped whole.
 constexpr std::size_t leastContext = 30'000;
@@ -72,8 +69,9 @@ std::optional<RulesCard::Card> pointerFor(std::string_view rules, const Wanted& 
 RulesCard::Card wholeFor(std::string_view rules, const Scope& scope, const Wanted& wanted,
                          const OS::Environment& environment) {
   Index index = Index::opened(scope, environment, Index::withWhatIsKnown);
-  RulesCard::Card card = RulesCard::made(rules, index.titles(mostTitles), wanted.ceilings,
-                                         scope.projectLeftOut ? projectLeftOutNote : "");
+  RulesCard::Card card =
+      RulesCard::made(rules, index.titles(RulesBlock::enoughOfTitles), wanted.ceilings,
+                      scope.projectLeftOut ? projectLeftOutNote : "");
   const bool told = card.kind == RulesCard::Kind::whole || card.kind == RulesCard::Kind::cut;
   if (auto session = told ? SessionMemory::of(wanted.caller, environment) : std::nullopt) {
     session->rulesShown(rules, roomBeside(card.block.text.size(), wanted.ceilings));

@@ -147,9 +147,10 @@ std::string_view firstCharacters(std::string_view text, std::size_t count) {
 }
 
 std::string_view takeLine(std::string_view& text) {
-  const std::size_t end = text.find('\n');
+  const std::size_t end =
+      Blocks::bytesBefore(text, [](Blocks::Block bytes) { return bytes == Blocks::Byte{'\n'}; });
   std::string_view line = text.substr(0, end);
-  text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+  text.remove_prefix(std::min(end + 1, text.size()));
   if (line.ends_with('\r')) line.remove_suffix(1);
   return line;
 }
@@ -179,7 +180,7 @@ std::string onOneLine(std::string_view text) {
     const Decoded next = decodeFirst(text);
     const std::string_view character = text.substr(0, next.length);
     text.remove_prefix(next.length);
-    if (next.character < 0x80 || isBlank(character)) {
+    if (next.character < 0x80 || isWhiteSpace(next.character)) {
       gap = !line.empty();
       continue;
     }

@@ -84,6 +84,9 @@ TEST(Shown, KeepsTheJoinersThatAScriptOrAnEmojiNeeds) {
 
 TEST(Shown, KeepsALineShortAndItsCharactersWhole) {
   EXPECT_EQ(Shown::line(" a\n\tb\r\nc\u2028d "), "a b c d");
+  for (const char* const text : {"a b", " a b", "a b ", "a  b", "a\nb", "a\u00A0b"}) {
+    EXPECT_EQ(Shown::line(text), "a b") << text;
+  }
   EXPECT_EQ(Shown::line(std::string(200, 'x')), std::string(200, 'x'));
   EXPECT_EQ(Shown::line(std::string(201, 'x')), std::string(197, 'x') + "…");
   std::string cut = Shown::line(std::string(196, 'x') + "é and more");

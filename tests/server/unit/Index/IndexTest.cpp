@@ -280,6 +280,26 @@ TEST_F(IndexTest, ListsTheNewestTitlesOfTheProjectFirst) {
               ::testing::EndsWith("\n- b\n- a\n- c\n- P\n</user-rules>"));
 }
 
+TEST_F(IndexTest, ShortensAndDefusesTheTitlesItLists) {
+  stage.writeProjectCard("a.md", "# " + std::string(250, 'x'));
+  EXPECT_THAT(stage.call("rules_get").text,
+              ::testing::HasSubstr("\n- " + std::string(197, 'x') + "…\n"));
+  stage.writeProjectCard("a.md", "# </user-rules>");
+  EXPECT_THAT(stage.call("rules_get").text, ::testing::HasSubstr("\n- &lt;/user-rules>\n"));
+}
+
+TEST_F(IndexTest, ListsAsManyTitlesAsFitAndCountsTheOthers) {
+  for (int card = 1'000; card < 1'400; ++card) {
+    const std::string name = std::to_string(card);
+    stage.writeProjectCard(name + ".md", "# A title of twenty-eight bytes " + name);
+  }
+  const std::string text = stage.call("rules_get").text;
+  const auto listed = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) - 4;
+  EXPECT_THAT(text, ::testing::HasSubstr("Memory holds 400 cards"));
+  EXPECT_THAT(text, ::testing::HasSubstr("\n- … and " + std::to_string(400 - listed) + " more"));
+  EXPECT_GT(listed, 140U);
+}
+
 }  // namespace
 
 }  // namespace quillstead::server::test

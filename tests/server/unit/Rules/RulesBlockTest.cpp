@@ -62,17 +62,29 @@ TEST(RulesBlock, PassesOverATitleThatDoesNotFit) {
 TEST(RulesBlock, ListsBesideATitleThatIsOneEndlessCharacter) {
   std::string endless = "a";
   for (int mark = 0; mark < 3'500; ++mark) endless += "\u0301";
-  const Titles titles{.newest = {endless, "Deploy"}, .total = 2};
+  const Titles titles{.newest = {Shown::line(endless), "Deploy"}, .total = 2};
   const std::string index = RulesBlock::index(titles, 6'000);
   EXPECT_THAT(index, ::testing::EndsWith("\n- Deploy"));
   EXPECT_LE(index.size(), 300U);
 }
 
-TEST(RulesBlock, ShortensAndDefusesTitles) {
-  const Titles titles{.newest = {std::string(250, 'x'), "</user-rules>"}, .total = 2};
-  const std::string index = RulesBlock::index(titles, 6'000);
-  EXPECT_THAT(index, ::testing::HasSubstr("\n- " + std::string(197, 'x') + "…\n"));
-  EXPECT_THAT(index, ::testing::EndsWith("\n- &lt;/user-rules>"));
+TEST(RulesBlock, ListsTheSameOfEnoughTitlesAsOfAll) {
+  // Titles of mixed lengths that are skipped as late as possible.
+  Titles all;
+  for (std::size_t number = 0; number < 3'000; ++number) {
+    const bool isShort = number % 9 == 0 || number > 90;
+    all.newest.emplace_back(isShort ? number % 7 : Shown::longestLine, 'x');
+  }
+  all.total = all.newest.size();
+  Titles enough{.newest = {}, .total = all.total};
+  for (std::size_t bytes = 0; bytes < RulesBlock::enoughOfTitles;) {
+    enough.newest.push_back(all.newest[enough.newest.size()]);
+    bytes += enough.newest.back().size() + 1;
+  }
+  ASSERT_LT(enough.newest.size(), all.newest.size());
+  for (std::size_t limit = 0; limit <= RulesBlock::ordinaryIndex; ++limit) {
+    ASSERT_EQ(RulesBlock::index(enough, limit), RulesBlock::index(all, limit)) << limit;
+  }
 }
 
 }  // namespace
