@@ -128,6 +128,10 @@ bool Database::run(const char* statements) {
   return result == SQLITE_OK;
 }
 
+bool Database::beginReading() {
+  return sqlite3_get_autocommit(database_.get()) == 0 || run("BEGIN");
+}
+
 void Database::rollBack() {
   if (sqlite3_get_autocommit(database_.get()) != 0) return;
   sqlite3_exec(database_.get(), "ROLLBACK", nullptr, nullptr, nullptr);

@@ -72,6 +72,10 @@ class Database {
   /// Runs statements without rows; false when one failed.
   bool run(const char* statements);
 
+  /// Begins a transaction, unless there is one: its statements all see the same state. It locks
+  /// others out from writing as soon as it has read something. False when that failed.
+  bool beginReading();
+
   /// Rolls the transaction back, if there is one.
   void rollBack();
 

@@ -20,7 +20,7 @@ constexpr std::size_t mostOfOneTitle = 100;
 template <typename Query>
 auto run(Database& database, const Query& query) {
   using Result = decltype(query(database));
-  if (!database.run("BEGIN")) return Result();
+  if (!database.beginReading()) return Result();
   Result result = query(database);
   database.rollBack();
   return result;
@@ -89,6 +89,7 @@ void Index::openInMemory() {
 bool Index::bringUpToDate() {
   const auto deadline = OS::MonotonicClock::now() + patience_.withFiles;
   const auto turn = [this] { return IndexFile::nextTurn(path_); };
+  if (!database_.beginReading()) return false;
   const auto outcome = IndexUpdate::run(database_, survey_, deadline, turn);
   if (outcome == IndexUpdate::Outcome::written && !path_.empty()) IndexFile::prune(path_);
   return outcome != IndexUpdate::Outcome::failed;

@@ -113,7 +113,10 @@ class Update {
   Outcome run(const Turn& turn) {
     state_ = IndexTables::state(database_);
     if (!state_ && database_.error() == DatabaseError::busy) return Outcome::failed;
-    if (isPartCurrent(turn)) return state_->needsMerging ? mergeOnly() : Outcome::current;
+    const bool isCurrentByPart = isPartCurrent(turn);
+    if (isCurrentByPart && !state_->needsMerging) return Outcome::current;
+    database_.rollBack();  // a look at all files may take long, and others may want to write
+    if (isCurrentByPart) return mergeOnly();
     look();
     // A short call leaves an incomplete look to a call that has time for all files.
     const bool isCut = !survey_.isComplete() && state_ && !state_->isUnfinished;

@@ -26,7 +26,7 @@ using Turn = std::function<std::uint64_t()>;
 
 /// Looks at the files and reads those that changed. It works in steps. Each step is one
 /// transaction: what it did is kept if a later step fails, and other servers see all of it or
-/// nothing.
+/// nothing. A transaction that the caller began goes on if no file had to be listed; else it ends.
 ///
 /// It stops after the first file behind the deadline, and the next update goes on from there. So a
 /// large or slow store is indexed over several calls, and none of them keeps its caller waiting.

@@ -77,6 +77,35 @@ class IndexUpdateTest : public ::testing::Test {
   const unit::TemporaryDirectory place;
 };
 
+TEST_F(IndexUpdateTest, LocksOthersOutOnlyWhileItReads) {
+  Database database = openIndex();
+  Database other = Database::open(place / "index", 0ms);
+  const auto mayWrite = [&other] {
+    const bool may = other.run("BEGIN EXCLUSIVE");
+    other.rollBack();
+    return may;
+  };
+  const auto update = [&] {
+    Survey seen = survey();
+    const auto first = [] { return std::uint64_t{0}; };
+    return IndexUpdate::run(database, seen, Clock::now() + 10s, first);
+  };
+  put("a.md", "# A");
+  ASSERT_TRUE(database.beginReading());
+  EXPECT_EQ(update(), IndexUpdate::Outcome::written);
+  EXPECT_TRUE(mayWrite());
+  std::this_thread::sleep_for(100ms);  // until the directory's time shows that nothing changed
+  ASSERT_EQ(update(), IndexUpdate::Outcome::written);
+
+  ASSERT_TRUE(database.beginReading());
+  EXPECT_EQ(update(), IndexUpdate::Outcome::current);
+  EXPECT_FALSE(mayWrite()) << "a query must see what the update found to be current";
+  EXPECT_TRUE(database.beginReading());
+  EXPECT_FALSE(mayWrite());
+  database.rollBack();
+  EXPECT_TRUE(mayWrite());
+}
+
 TEST_F(IndexUpdateTest, KeepsWhatIsDoneWhenSlowFilesTakeAllTheTime) {
   constexpr std::size_t files = 200;
   for (std::size_t number = 0; number < files; ++number) {
