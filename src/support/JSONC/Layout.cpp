@@ -116,10 +116,8 @@ std::string marginAt(std::string_view text, std::size_t place) {
 }
 
 bool beginsLine(std::string_view text, std::size_t place) {
-  const std::size_t begin = lineBegin(text, place);
-  const std::string_view before = text.substr(0, begin);
-  return (before.ends_with('\n') || before.ends_with('\r')) &&
-         begin + marginAt(text, place).size() == place;
+  while (place > 0 && isBlank(text[place - 1])) --place;
+  return place > 0 && isLineEnd(text[place - 1]);
 }
 
 }  // namespace quillstead::JSONC
