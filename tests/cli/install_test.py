@@ -280,6 +280,26 @@ class Tables(unittest.TestCase):
                         b"x = 1979-05-27T07:32:00Z\n\xc3\xa4 = 1".replace(b"\xc3\xa4", '"ä"'.encode())]:
             self.check_all("codex servers", harness, file, content)
 
+    def test_a_path_with_a_character_that_toml_escapes(self):
+        with Home("a\x7fb") as home:
+            programs = home.root / "bin"
+            programs.mkdir()
+            for name in ["quillstead", "quillstead-hook", "quillstead-mcp"]:
+                shutil.copy2(PROGRAM.parent / name, programs / name)
+            ended = home.run("install", "codex", program=programs / "quillstead")
+            self.assertEqual((ended.returncode, ended.stderr), (0, ""))
+            self.assertIn(b"a\\u007Fb/bin/quillstead-mcp", home.settings()[TOML[1]])
+
+    def test_a_file_on_one_long_line(self):
+        with Home() as home:
+            home.write(".claude.json", b'{"numbers":[' + b"1," * 300_000 + b"1]}")
+            before = home.settings()
+            begin = time.monotonic()
+            for command in ("install", "uninstall"):
+                self.assertEqual(home.run(command, "claude-code").returncode, 0)
+            self.assertLess(time.monotonic() - begin, 20)
+            self.assertEqual(home.settings(), before)
+
     def test_plugin(self):
         harness, file = PLUGIN
         self.check_all("plugin", harness, file, None)

@@ -21,8 +21,13 @@ Complaint complaintAt(const toml::source_position& place, std::string_view what)
   return {.line = place.line, .column = place.column, .what = std::string(what)};
 }
 
+/// Like JSON's, but TOML wants the delete character escaped too.
 std::string tomlString(std::string_view text) {
-  return JSON::write(JSON::Value(text), JSON::Slashes::plain);
+  std::string written = JSON::write(JSON::Value(text), JSON::Slashes::plain);
+  for (std::size_t i = written.find('\x7F'); i != std::string::npos; i = written.find('\x7F', i)) {
+    written.replace(i, 1, "\\u007F");
+  }
+  return written;
 }
 
 std::string variablesText() {
