@@ -206,6 +206,14 @@ class LogTest(unittest.TestCase):
         if sys.platform == "linux":
             self.assertIn(".local/state/quillstead/hook.log", run.stderr)
 
+    def test_names_each_place_once_when_there_is_no_log(self):
+        del self.environment["QUILLSTEAD_HOOK_LOG"]
+        home = pathlib.Path(self.stage.name)
+        ours = home / ".local/state/quillstead/hook.log"
+        (home / ".claude").mkdir()
+        (home / ".claude/settings.json").write_text(json.dumps({"env": {"QUILLSTEAD_HOOK_LOG": str(ours)}}))
+        self.assertEqual(self.run_log().stderr.count(str(ours)), 1)
+
     def test_reads_the_log_that_install_set_up_and_else_the_hooks_own(self):
         home = pathlib.Path(self.stage.name)
         del self.environment["QUILLSTEAD_HOOK_LOG"]

@@ -73,9 +73,11 @@ LogPlace LogPlace::find(const Context& context, const std::optional<std::string>
     if (!place.isOff) place.candidates.push_back(ofHook);
     return place;
   }
-  if (named && !named->empty()) place.candidates.push_back(*named);
-  place.candidates.push_back(context.places.log);
-  if (ofHook != context.places.log) place.candidates.push_back(ofHook);
+  for (const std::string& path : {named.value_or(""), context.places.log, ofHook}) {
+    auto& known = place.candidates;
+    const bool isNew = std::find(known.begin(), known.end(), path) == known.end();
+    if (isNew && !path.empty()) known.push_back(path);
+  }
   return place;
 }
 
