@@ -330,6 +330,22 @@ class DoctorTest(unittest.TestCase):
         subprocess.run(["/bin/sh", "-c", f"chmod -R go= {store}"], check=True)
         self.assert_check(self.doctor("cursor"), "store.personal", "ok")
 
+    def test_a_file_in_the_place_of_the_personal_store(self):
+        self.install()
+        shutil.rmtree(self.home / ".quillstead")
+        (self.home / ".quillstead").write_text("")
+        self.assert_check(self.doctor("cursor"), "store.personal", "warn", "is not a directory", "quillstead init")
+
+    def test_programs_and_a_log_whose_paths_have_to_be_escaped(self):
+        odd = self.home / 'it\'s "odd"\\\t'
+        shutil.move(self.bin, odd)
+        self.bin = odd
+        self.environment["XDG_STATE_HOME"] = str(odd / "state")
+        self.install()
+        for check in self.doctor().values():
+            self.assertIn(check["status"], ("ok", "skip"), check)
+        self.assertFalse((odd / "state/quillstead/hook.log").exists(), "a check left a line in the log")
+
     def test_a_project_that_is_not_trusted(self):
         self.install()
         (self.work / ".quillstead").mkdir(mode=0o755)

@@ -3,7 +3,9 @@
 #include "cli/Places.h"
 #include "cli/Setup/HookHandler.h"
 #include "support/JSONC/Document.h"
+#include "support/JSONC/Parser.h"
 
+#include <algorithm>
 #include <utility>
 #include <variant>
 
@@ -28,12 +30,18 @@ std::vector<std::string> shellFor(std::string_view harness, const std::string& t
   return {"/bin/sh", "-c", text};
 }
 
-/// The command without its log variable, so that a trial run leaves no line in the user's log.
-std::string withoutLog(const std::string& text) {
-  constexpr std::string_view log = "QUILLSTEAD_HOOK_LOG='";
-  const std::size_t end = text.starts_with(log) ? text.find('\'', log.size()) : std::string::npos;
-  const bool isWhole = end != std::string::npos && text.substr(end + 1).starts_with(' ');
-  return isWhole ? text.substr(end + 2) : text;
+/// The command with its log switched off, so that a trial run leaves no line in the user's log: the
+/// last assignment of a variable counts.
+std::string withoutLog(std::string text, const HookHandler::Run& run) {
+  if (run.setsLog) text.insert(run.assignments.size(), "QUILLSTEAD_HOOK_LOG= ");
+  return text;
+}
+
+/// The end of the string whose opening quote is at `begin`.
+std::size_t endOfString(std::string_view text, std::size_t begin) {
+  std::size_t place = begin + 1;
+  while (place < text.size() && text[place] != '"') place += text[place] == '\\' ? 2 : 1;
+  return std::min(place + 1, text.size());
 }
 
 class Reader {
@@ -82,7 +90,7 @@ class Reader {
                         .told = *text};
     for (const std::string& argument : run->arguments) hook.told.append("\n").append(argument);
     if (run->isShellText) {
-      hook.command = shellFor(harness_, withoutLog(*text), environment_);
+      hook.command = shellFor(harness_, withoutLog(*text, *run), environment_);
     } else {
       hook.command = {run->program};
       if (run->program.find('/') == std::string::npos) {
@@ -123,8 +131,8 @@ ConfiguredHooks ConfiguredHooks::readPlugin(const std::string& text,
   std::string program(environment.value("QUILLSTEAD_HOOK_BIN").value_or(""));
   const std::size_t begin = text.find(before);
   if (program.empty() && begin != std::string::npos) {
-    const std::size_t path = begin + before.size();
-    program = text.substr(path, text.find('"', path) - path);
+    const std::size_t quote = begin + before.size() - 1;
+    program = JSONC::unescaped(text.substr(quote, endOfString(text, quote) - quote));
   }
   if (program.empty()) program = programName;
   const std::string found = program.find('/') == std::string::npos

@@ -103,6 +103,11 @@ bool isThere(const std::string& path) {
   return stat(path.c_str(), &status) == 0;
 }
 
+bool isDirectory(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
 }  // namespace
 
 Check personal(const Context& context, const std::vector<std::string>& harnesses) {
@@ -112,6 +117,11 @@ Check personal(const Context& context, const std::vector<std::string>& harnesses
   if (!scope.personal || !isThere(scope.personal->root)) {
     const std::string root = scope.personal ? scope.personal->root : std::string("no home");
     findings.warn(root + ": there is no personal store", "quillstead init");
+    return findings.check("store.personal", "");
+  }
+  if (!isDirectory(scope.personal->root)) {
+    findings.warn(scope.personal->root + " is not a directory, so there is no personal store",
+                  "move it away, then: quillstead init");
     return findings.check("store.personal", "");
   }
   const Cards cards = cardsOf(*scope.personal);
