@@ -229,6 +229,17 @@ class DoctorTest(unittest.TestCase):
             {"command": f"timeout 3 {self.bin}/quillstead-hook --harness cursor"}]}}))
         self.assert_check(self.doctor("cursor"), "cursor.hooks", "fail", "through another program")
 
+    def test_another_server_of_our_name(self):
+        self.install()
+        cursor, codex = self.home / ".cursor/mcp.json", self.home / ".codex/config.toml"
+        cursor.write_text('{"mcpServers": {"quillstead": {"command": "env", "args": ["A=1", "quillstead-mcp"]}}}')
+        codex.write_text('[mcp_servers.quillstead]\nurl = "http://127.0.0.1:1"\n')
+        checks = self.doctor("cursor", "codex")
+        for harness in ("cursor", "codex"):
+            self.assert_check(checks, f"{harness}.server", "warn", "another server in the place of ours", "remove it")
+        cursor.unlink()
+        self.assert_check(self.doctor("cursor"), "cursor.server", "warn", "has no server of ours")
+
     def test_entries_at_two_levels(self):
         self.install()
         for user, project in [(".codex/hooks.json", ".codex/hooks.json"), (".cursor/hooks.json", ".cursor/hooks.json"),

@@ -121,6 +121,10 @@ Compared compare(const Harnesses::Target& target, const std::string& what, bool 
   const auto& edited = std::get<Edited>(outcome);
   if (!edited.hadOurs && isNeeded) {
     compared.findings.fail(target.path + " has no " + what + " of ours", fix);
+  } else if (!edited.hadOurs && compared.text && edited.text == compared.text) {
+    compared.findings.warn(target.path + " has another " + what +
+                               " in the place of ours, which install leaves as it is",
+                           "if it is not yours, remove it, then: " + fix);
   } else if (!edited.hadOurs) {
     compared.findings.warn(target.path + " has no " + what + " of ours", fix);
   } else if (edited.text != compared.text) {
