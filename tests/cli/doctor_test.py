@@ -347,6 +347,34 @@ class DoctorTest(unittest.TestCase):
         (self.home / ".quillstead").write_text("")
         self.assert_check(self.doctor("cursor"), "store.personal", "warn", "is not a directory", "quillstead init")
 
+    def test_what_the_server_passes_over_in_a_store(self):
+        self.install()
+        store, notes = self.home / ".quillstead", self.home / "notes"
+        notes.mkdir()
+        (notes / "out.md").write_text("# Out\n")
+        (store / "memory/out.md").symlink_to(notes / "out.md")
+        (store / "memory/again.md").symlink_to("tea.md")
+        check = self.doctor("cursor")["store.personal"]
+        self.assertIn("1 card of", check["summary"])
+        self.assertIn("out.md is left out: it is a symbolic link out of the store", check["summary"])
+        self.assertNotIn("again.md", check["summary"])
+
+        (store / "memory/out.md").unlink()
+        (store / "memory").chmod(0o777)
+        self.assert_check(self.doctor("cursor"), "store.personal", "warn",
+                          f"{store}/memory is left out: any user can write to it", f"chmod -R o-w {store}/memory")
+        shutil.rmtree(store / "memory")
+        self.assert_check(self.doctor("cursor"), "store.personal", "ok")
+        (store / "memory").symlink_to(notes)
+        self.assert_check(self.doctor("cursor"), "store.personal", "warn",
+                          f"{store}/memory is left out: it is a symbolic link out of the store", "directory")
+        (store / "memory").unlink()
+        (store / "memory").write_text("")
+        self.assert_check(self.doctor("cursor"), "store.personal", "warn", "it is no directory that you can read")
+        store.chmod(0o777)
+        self.assert_check(self.doctor("cursor"), "store.personal", "warn",
+                          f"{store} is left out: any user can write to it", f"chmod -R o-w {store}")
+
     def test_programs_and_a_log_whose_paths_have_to_be_escaped(self):
         odd = self.home / 'it\'s "odd"\\\t'
         shutil.move(self.bin, odd)

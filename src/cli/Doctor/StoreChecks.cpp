@@ -6,12 +6,16 @@
 #include "server/Rules/Rules.h"
 #include "server/Store/Scope.h"
 #include "server/Store/StoreFiles.h"
+#include "server/UserPlaces.h"
+#include "support/OS/FileStamp.h"
 
+#include <dirent.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string_view>
 #include <variant>
 
@@ -28,12 +32,30 @@ using StoreFiles::NoText;
 struct Cards {
   std::int64_t count = 0;
   std::int64_t bytes = 0;
+  bool areRead = false;  ///< there is a directory for them, and it is not left out
   std::map<std::string, std::string_view> leftOut;  ///< a file's name, and why
 };
+
+/// Links that lead out of the store. The server passes over every link, because one within the
+/// store has its card already.
+void findLinksOut(const Store& store, Cards& cards) {
+  const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir((store.root + "/memory").c_str()),
+                                                    closedir);
+  if (!listing) return;
+  while (const dirent* entry = readdir(listing.get())) {
+    const std::string name = entry->d_name;
+    if (entry->d_type != DT_LNK || name.starts_with('.')) continue;
+    if (!name.ends_with(StoreFiles::cardSuffix)) continue;
+    const auto read = StoreFiles::readCardOrLink(store, name);
+    const auto* const reason = std::get_if<NoText>(&read);
+    if (reason != nullptr) cards.leftOut.emplace(name, StoreFiles::explained(*reason));
+  }
+}
 
 Cards cardsOf(const Store& store) {
   Cards cards;
   const OS::Descriptor directory = StoreFiles::openCards(store);
+  cards.areRead = directory.isOpen();
   StoreFiles::forEachCardName(directory, [&](const char* name) {
     if (!std::string_view(name).ends_with(StoreFiles::cardSuffix)) return;
     const auto read = StoreFiles::readCard(directory, store.kind, name);
@@ -44,10 +66,38 @@ Cards cardsOf(const Store& store) {
     ++cards.count;
     cards.bytes += std::get<StoreFiles::FileText>(read).stamp.size;
   });
+  if (cards.areRead) findLinksOut(store, cards);
   return cards;
 }
 
+bool isEverybodys(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && OS::ownershipOf(status) == OS::Ownership::everybodys;
+}
+
+std::string takeFromOthers(const std::string& path) {
+  return "chmod -R o-w " + quotedWhereNeeded(path);
+}
+
+/// A directory of cards of which none is read.
+void findDirectoryLeftOut(const Store& store, Findings& findings) {
+  const std::string path = store.root + "/memory";
+  struct stat status {};
+  if (lstat(path.c_str(), &status) != 0) return;
+  const auto leaveOut = [&](std::string_view why, const std::string& fix) {
+    findings.warn(path + " is left out: " + std::string(why), fix);
+  };
+  if (StoreFiles::cardsLeadOut(store)) {
+    leaveOut(StoreFiles::explained(NoText::outsideStore), "put the cards into a directory there");
+  } else if (isEverybodys(path)) {
+    leaveOut(StoreFiles::explained(NoText::everybodys), takeFromOthers(path));
+  } else {
+    leaveOut("it is no directory that you can read", "put the cards into a directory there");
+  }
+}
+
 void findLeftOut(const Store& store, const Cards& cards, Findings& findings) {
+  if (!cards.areRead) findDirectoryLeftOut(store, findings);
   constexpr std::size_t most = 3;
   std::size_t told = 0;
   for (const auto& [name, reason] : cards.leftOut) {
@@ -114,13 +164,18 @@ Check personal(const Context& context, const std::vector<std::string>& harnesses
   Scope scope = Scope::find(context.environment, "/");
   scope.project.reset();
   Findings findings;
-  if (!scope.personal || !isThere(scope.personal->root)) {
-    const std::string root = scope.personal ? scope.personal->root : std::string("no home");
-    findings.warn(root + ": there is no personal store", "quillstead init");
+  const std::string root = server::UserPlaces::personalStore(context.environment);
+  if (isEverybodys(root)) {
+    findings.warn(root + " is left out: any user can write to it", takeFromOthers(root));
     return findings.check("store.personal", "");
   }
-  if (!isDirectory(scope.personal->root)) {
-    findings.warn(scope.personal->root + " is not a directory, so there is no personal store",
+  if (!scope.personal || !isThere(root)) {
+    findings.warn((root.empty() ? "no home" : root) + ": there is no personal store",
+                  "quillstead init");
+    return findings.check("store.personal", "");
+  }
+  if (!isDirectory(root)) {
+    findings.warn(root + " is not a directory, so there is no personal store",
                   "move it away, then: quillstead init");
     return findings.check("store.personal", "");
   }
