@@ -410,6 +410,25 @@ class Ours(unittest.TestCase):
         self.assertEqual((new, left), (old, old))
         self.assertIn("mcp.json  unchanged\n", told)
 
+    def test_opencode_has_one_server_in_its_two_files(self):
+        plain, commented = ".config/opencode/opencode.json", ".config/opencode/opencode.jsonc"
+        ours = '{"mcp": {"quillstead": {"type": "local", "command": ["/o/quillstead-mcp"]}}}'
+        mine = '{"theme": "x"}'
+        for old, new, left in [
+            ({plain: ours, commented: mine}, {plain: ours.replace("/o/quillstead-mcp", SERVER), commented: mine},
+             {plain: "{}", commented: mine}),
+            ({plain: ours, commented: ours}, {plain: "{}", commented: ours.replace("/o/quillstead-mcp", SERVER)},
+             {plain: "{}", commented: "{}"}),
+        ]:
+            for action, wanted in (("install", new), ("uninstall", left)):
+                with self.subTest(old=old, action=action), Home() as home:
+                    for file, content in old.items():
+                        home.write(file, content.encode())
+                    self.assertEqual(home.run(action, "opencode").returncode, 0)
+                    self.assertEqual({file: home.settings()[file].decode() for file in old}, wanted)
+                    again = home.run(action, "opencode")
+                    self.assertNotRegex(again.stdout, "added|updated|removed")
+
     def test_a_server_keeps_what_the_user_added(self):
         old = '{"mcpServers": {"quillstead": {"alwaysLoad": true, "command": "/o/quillstead-mcp", "args": ["x"], "env": {"A": "b"}}, "z": {}}}'
         new, left, _ = self.installed("claude-code", ".claude.json", old)

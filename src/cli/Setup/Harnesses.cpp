@@ -125,20 +125,49 @@ std::vector<Target> cursor(const Places& places, const Programs& programs) {
                    programs)};
 }
 
+ServerEntry::Where inOpenCode() {
+  return {.keys = {"mcp", "quillstead"}, .form = ServerEntry::Form::asArray};
+}
+
+bool hasServerOfOurs(const std::string& path) {
+  const auto text = ConfigFile::textOf(path);
+  const auto removed = text ? ServerEntry::uninstall(*text, inOpenCode()) : EditOutcome();
+  const auto* const edited = std::get_if<Edited>(&removed);
+  return edited != nullptr && edited->hadOurs;
+}
+
+/// A file whose entry is one too many.
+Target doubledServer(const std::string& path) {
+  const auto remove = [](const std::string& before) {
+    return ServerEntry::uninstall(before, inOpenCode());
+  };
+  return {.harness = "opencode",
+          .path = path,
+          .install = [remove](const Before& before) { return remove(before.value_or("")); },
+          .uninstall = remove};
+}
+
+/// OpenCode reads both files with servers. The user may have made the second one after ours was put
+/// into the first.
 std::vector<Target> openCode(const Places& places, const Programs& programs) {
   struct stat status {};
+  const std::string plain = places.openCodeDirectory + "/opencode.json";
   const std::string withComments = places.openCodeDirectory + "/opencode.jsonc";
   const bool hasComments = lstat(withComments.c_str(), &status) == 0;
-  return {{.harness = "opencode",
-           .path = places.openCodeDirectory + "/plugins/quillstead.js",
-           .install =
-               [&programs](const Before& before) {
-                 return OpenCodePlugin::install(before, programs.hook);
-               },
-           .uninstall = OpenCodePlugin::uninstall},
-          serverTarget(
-              "opencode", hasComments ? withComments : places.openCodeDirectory + "/opencode.json",
-              {.keys = {"mcp", "quillstead"}, .form = ServerEntry::Form::asArray}, programs)};
+  const bool isInPlain = hasComments && hasServerOfOurs(plain);
+  const bool isInBoth = isInPlain && hasServerOfOurs(withComments);
+  std::vector<Target> targets{{.harness = "opencode",
+                               .path = places.openCodeDirectory + "/plugins/quillstead.js",
+                               .install =
+                                   [&programs](const Before& before) {
+                                     return OpenCodePlugin::install(before, programs.hook);
+                                   },
+                               .uninstall = OpenCodePlugin::uninstall}};
+  if (isInBoth) targets.push_back(doubledServer(plain));
+  const bool isCommentsChanged = hasComments && (isInBoth || !isInPlain);
+  targets.push_back(
+      serverTarget("opencode", isCommentsChanged ? withComments : plain, inOpenCode(), programs));
+  return targets;
 }
 
 }  // namespace
