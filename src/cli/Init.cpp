@@ -20,12 +20,12 @@ namespace {
 
 constexpr std::string_view emptyRules =
     "<!--\n"
-    "Rules that always hold for you, in your own words, one a list item:\n"
+    "Rules that always hold, in your own words, one a list item:\n"
     "\n"
     "- Answer in British English.\n"
     "- Ask before you add a dependency.\n"
     "\n"
-    "Your agent gets all that stands outside of comments like this one, at every prompt.\n"
+    "Your agent gets all that stands outside of comments like this one, once in each session.\n"
     "-->\n";
 
 bool isThere(const std::string& path) {
