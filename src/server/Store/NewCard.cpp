@@ -91,6 +91,9 @@ std::string composed(const NewCard& card, std::chrono::system_clock::time_point 
 std::variant<AddedCard, NotAdded> add(const Store& store, const NewCard& card) {
   const std::string text = Text::repaired(composed(card, std::chrono::system_clock::now()));
   if (text.size() > StoreFiles::largestFile) return NotAdded{"the card is larger than 1 MiB"};
+  if (StoreFiles::holdsConflict(text)) {
+    return NotAdded{"a card with git's conflict marks is left out. Indent their lines"};
+  }
   const OS::Descriptor cards = StoreFiles::makeCards(store);
   if (!cards.isOpen()) {
     return NotAdded{"the directory " + store.root + "/memory " +

@@ -69,20 +69,6 @@ void reportSkipped(const std::string& path, NoText flaw) {
   complain(path + " is skipped: " + std::string(explained(flaw)));
 }
 
-/// True when the text contains git's conflict markers.
-bool holdsConflict(std::string_view text) {
-  constexpr std::string_view beginning = "<<<<<<< ";
-  constexpr std::string_view end = ">>>>>>> ";
-  if (text.find(beginning) == std::string_view::npos) return false;
-  bool begun = false;
-  while (!text.empty()) {
-    const std::string_view line = Text::takeLine(text);
-    if (begun && line.starts_with(end)) return true;
-    begun = begun || line.starts_with(beginning);
-  }
-  return false;
-}
-
 TextOrReason asText(Store::Kind kind, std::variant<OS::FileContent, OS::NoContent> read) {
   if (const auto* none = std::get_if<OS::NoContent>(&read)) return reason(*none);
   auto& content = std::get<OS::FileContent>(read);
@@ -133,6 +119,19 @@ TextOrReason readFollowing(const Store& store, const std::string& path,
 }
 
 }  // namespace
+
+bool holdsConflict(std::string_view text) {
+  constexpr std::string_view beginning = "<<<<<<< ";
+  constexpr std::string_view end = ">>>>>>> ";
+  if (text.find(beginning) == std::string_view::npos) return false;
+  bool begun = false;
+  while (!text.empty()) {
+    const std::string_view line = Text::takeLine(text);
+    if (begun && line.starts_with(end)) return true;
+    begun = begun || line.starts_with(beginning);
+  }
+  return false;
+}
 
 OS::Descriptor openCards(const Store& store) {
   const Root root(store);

@@ -65,6 +65,9 @@ struct FileText {
 };
 using TextOrReason = std::variant<FileText, NoText>;
 
+/// True when the text contains git's conflict markers.
+bool holdsConflict(std::string_view text);
+
 TextOrReason readCard(const OS::Descriptor& cards, Store::Kind kind, const std::string& name);
 
 /// The same, but links within the store are followed. `name` has no slashes.

@@ -1,6 +1,7 @@
 #include "server/Tools/MemoryAdd.h"
 
 #include "contract/Contract.h"
+#include "server/Markdown/Markdown.h"
 #include "server/Shown.h"
 #include "server/Store/NewCard.h"
 #include "server/Store/Scope.h"
@@ -43,6 +44,10 @@ ToolReply run(Arguments& arguments, const OS::Environment& environment) {
   if (arguments.flaw()) return badArguments(*arguments.flaw());
   if (Text::isBlank(card.text)) {
     return refusal("Not remembered: it is only a copy of what memory sent earlier.");
+  }
+
+  if (Text::isBlank(Markdown::withoutComments(card.text))) {
+    return refusal("Not remembered: it is only an HTML comment, and these are never shown.");
   }
 
   const Scope scope = Scope::find(environment, cwd);

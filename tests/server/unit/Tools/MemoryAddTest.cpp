@@ -97,6 +97,22 @@ TEST(MemoryAdd, SaysWhyItCouldNot) {
   EXPECT_THAT(huge.text, HasSubstr("larger than 1 MiB"));
 }
 
+TEST(MemoryAdd, RefusesWhatWouldNeverBeShown) {
+  const MemoryStage stage;
+  const auto add = [&](const std::string& text) {
+    return stage.call("memory_add", R"({"title":"t","text":")" + text + "\"}");
+  };
+  const Answer conflict = add(R"(<<<<<<< a\n1\n=======\n2\n>>>>>>> b)");
+  EXPECT_TRUE(conflict.isError);
+  EXPECT_THAT(conflict.text, HasSubstr("conflict marks"));
+  EXPECT_FALSE(add(R"(  <<<<<<< a\n  1\n  =======\n  2\n  >>>>>>> b)").isError);
+
+  const Answer comment = add("<!-- a note\\nfor people -->");
+  EXPECT_TRUE(comment.isError);
+  EXPECT_THAT(comment.text, HasSubstr("only an HTML comment"));
+  EXPECT_FALSE(add("<!-- a note --> and more").isError);
+}
+
 TEST(MemoryAdd, RefusesArgumentsOfAWrongKind) {
   const MemoryStage stage;
   for (const char* const arguments :
