@@ -240,6 +240,18 @@ class DoctorTest(unittest.TestCase):
         cursor.unlink()
         self.assert_check(self.doctor("cursor"), "cursor.server", "warn", "has no server of ours")
 
+    def test_hooks_that_claude_code_does_not_run(self):
+        self.install()
+        (self.work / ".claude").mkdir()
+        for path in (self.home / ".claude/settings.json", self.work / ".claude/settings.local.json"):
+            before = path.read_text() if path.exists() else "{}"
+            for value, status in (("false", "ok"), ("true", "fail")):
+                path.write_text(json.dumps({**json.loads(before), "disableAllHooks": json.loads(value)}))
+                self.assertEqual(self.doctor("claude-code")["claude-code.hooks"]["status"], status)
+            self.assert_check(self.doctor("claude-code"), "claude-code.hooks", "fail",
+                              f"{path} switches all hooks off", "disableAllHooks")
+            path.write_text(before)
+
     def test_entries_at_two_levels(self):
         self.install()
         for user, project in [(".codex/hooks.json", ".codex/hooks.json"), (".cursor/hooks.json", ".cursor/hooks.json"),

@@ -179,6 +179,24 @@ std::vector<std::string> otherFiles(const std::string& harness, const Context& c
   return {top + "/.opencode/plugins/quillstead.js"};
 }
 
+/// Claude Code runs no hooks at all when one of its files says so.
+void findSwitchedOff(const std::string& harness, const std::string& path, const Context& context,
+                     Findings& findings) {
+  if (harness != "claude-code") return;
+  std::vector<std::string> files = otherFiles(harness, context);
+  files.insert(files.begin(), path);
+  for (const std::string& file : files) {
+    const auto text = ConfigFile::textOf(file);
+    const auto read = JSONC::Document::read(text.value_or(""));
+    const auto* const document = std::get_if<JSONC::Document>(&read);
+    if (document == nullptr || !document->root()) continue;
+    const JSONC::Item* const all = find(*document->root(), "disableAllHooks");
+    if (all == nullptr || document->textOf(all->value) != "true") continue;
+    findings.fail(file + " switches all hooks off", "take disableAllHooks out of it");
+    return;
+  }
+}
+
 /// Whether both bring the same: one without a slot brings what all of them do.
 bool bringTheSame(const ConfiguredHook& one, const ConfiguredHook& other) {
   return one.event == other.event &&
@@ -272,6 +290,7 @@ std::vector<Check> run(const std::string& harness, const Context& context, const
     hooks.findings = leftToUser(targets.back());
   }
   findMissing(configured, hooks.findings, installFor(harness));
+  findSwitchedOff(harness, path, context, hooks.findings);
 
   Compared server = compare(targets.back(), "server", false);
   findTwoHomes(harness, server, configured, context);
