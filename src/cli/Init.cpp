@@ -6,7 +6,7 @@
 #include "server/UserPlaces.h"
 #include "support/OS/AtomicFile.h"
 #include "support/OS/Directory.h"
-#include "support/OS/FileMode.h"
+#include "support/OS/File.h"
 
 #include <sys/stat.h>
 

@@ -6,7 +6,7 @@
 #include "cli/Setup/FileChanges.h"
 #include "cli/Telemetry/LogFile.h"
 #include "support/OS/Directory.h"
-#include "support/OS/FileMode.h"
+#include "support/OS/File.h"
 #include "support/Text/Text.h"
 
 #include <unistd.h>

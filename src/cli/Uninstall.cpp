@@ -4,7 +4,7 @@
 #include "cli/Places.h"
 #include "cli/Setup/FileChanges.h"
 #include "cli/Setup/Harnesses.h"
-#include "support/OS/FileMode.h"
+#include "support/OS/File.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

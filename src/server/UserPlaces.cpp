@@ -2,7 +2,7 @@
 
 #include "support/OS/Descriptor.h"
 #include "support/OS/Directory.h"
-#include "support/OS/FileMode.h"
+#include "support/OS/File.h"
 #include "support/OS/Paths.h"
 
 #include <fcntl.h>

@@ -5,7 +5,7 @@
 #include "cli/Setup/Harnesses.h"
 #include "cli/Setup/UnifiedDiff.h"
 #include "support/OS/Directory.h"
-#include "support/OS/FileMode.h"
+#include "support/OS/File.h"
 
 #include <sys/file.h>
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "server/Index/CardWalk.h"
 #include "server/Index/PhraseReader.h"
 
 #include <cstddef>

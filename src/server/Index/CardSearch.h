@@ -1,8 +1,8 @@
 #pragma once
 
 #include "server/Index/CardScores.h"
-#include "server/Index/CommonTerms.h"
 #include "server/Index/Database.h"
+#include "server/Index/IndexTables.h"
 #include "server/Index/Words.h"
 
 #include <cstddef>

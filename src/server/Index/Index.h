@@ -1,6 +1,7 @@
 #pragma once
 
 #include "server/Index/Database.h"
+#include "server/Index/IndexTables.h"
 #include "server/Index/Survey.h"
 #include "server/Index/Words.h"
 #include "server/Store/Scope.h"
@@ -8,6 +9,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -80,3 +82,22 @@ class Index {
 };
 
 }  // namespace quillstead::server
+
+/// Queries of an index. Each result is absent when the database failed.
+namespace quillstead::server::IndexQueries {
+
+/// The cards for a prompt's terms, at most `limit`, ranked over all cards. Words in the title weigh
+/// most, then tags, then the body. Equal ranks are ordered by store, the project first, then by
+/// file name. Cards far worse than the best are left out. At least two cards of each store are kept
+/// if they match. `common`: gets those of the index, and what this search found out.
+std::optional<std::vector<CardPlace>> search(Database& database,
+                                             const std::vector<Words::SearchTerm>& terms,
+                                             std::size_t limit, CommonTerms& common);
+
+/// As `Index::titles`.
+std::optional<Titles> titles(Database& database, std::size_t enough);
+
+std::optional<std::vector<CardPlace>> withTitle(Database& database, std::string_view title,
+                                                std::size_t limit);
+
+}  // namespace quillstead::server::IndexQueries

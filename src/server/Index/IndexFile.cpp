@@ -3,7 +3,7 @@
 #include "server/Index/IndexTables.h"
 #include "server/UserPlaces.h"
 #include "support/OS/Directory.h"
-#include "support/OS/FileMode.h"
+#include "support/OS/File.h"
 #include "support/Text/Hash.h"
 
 #include <fcntl.h>

@@ -1,7 +1,7 @@
 #include "server/Index/IndexUpdate.h"
 
 #include "server/Index/IndexTables.h"
-#include "server/Index/SeenFiles.h"
+#include "server/Index/Survey.h"
 #include "support/Text/Hash.h"
 
 #include <algorithm>
@@ -225,6 +225,7 @@ class Update {
       const auto rows = IndexTables::rows(database_);
       if (!rows) return false;
       plan_ = planFor(*rows, survey_);
+      areTitlesOrdered_ = false;
     }
     if (!state_ && !beginState()) return false;
     const Clock::time_point end = std::min(deadline_, Clock::now() + longestStep);
@@ -239,7 +240,8 @@ class Update {
 
   /// Merges until the end of the step.
   bool merge(Clock::time_point end) {
-    if (!IndexTables::orderTitles(database_)) return false;
+    if (!areTitlesOrdered_ && !IndexTables::orderTitles(database_)) return false;
+    areTitlesOrdered_ = true;
     while (state_->needsMerging) {
       const auto isWhole = IndexTables::mergeSome(database_);
       if (!isWhole) return false;
@@ -255,7 +257,10 @@ class Update {
     IndexTables::Writer writer(database_, state_->cards);
     if (plan_->changes.size() >= manyChanges) {
       state_->needsMerging = true;
-      if (!IndexTables::setMerging(database_, IndexTables::Merging::atTheEnd)) return false;
+      const bool isFirst = plan_->done == 0;
+      if (isFirst && !IndexTables::setMerging(database_, IndexTables::Merging::atTheEnd)) {
+        return false;
+      }
     }
     bytesRead_ = 0;
     while (plan_->done < plan_->changes.size()) {
@@ -302,7 +307,8 @@ class Update {
   std::optional<IndexTables::State> state_;  ///< of the index when last looked at
   std::optional<std::uint64_t> namesStamp_;  ///< taken before the last look
   std::optional<Plan> plan_;
-  std::size_t bytesRead_ = 0;  ///< in this step
+  bool areTitlesOrdered_ = false;  ///< since the plan was made
+  std::size_t bytesRead_ = 0;      ///< in this step
 };
 
 }  // namespace

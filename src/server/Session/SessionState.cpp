@@ -2,7 +2,7 @@
 
 #include "server/UserPlaces.h"
 #include "support/OS/Directory.h"
-#include "support/OS/FileMode.h"
+#include "support/OS/File.h"
 #include "support/OS/MonotonicClock.h"
 #include "support/Text/Hash.h"
 #include "support/Text/Text.h"

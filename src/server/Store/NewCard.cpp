@@ -4,7 +4,7 @@
 #include "server/Store/Card.h"
 #include "server/Store/StoreFiles.h"
 #include "support/OS/AtomicFile.h"
-#include "support/OS/FileMode.h"
+#include "support/OS/File.h"
 #include "support/Text/Text.h"
 
 #include <array>

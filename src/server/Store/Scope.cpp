@@ -4,6 +4,7 @@
 #include "server/Store/Trust.h"
 #include "support/OS/Beneath.h"
 #include "support/OS/Directory.h"
+#include "support/OS/File.h"
 #include "support/OS/Paths.h"
 
 #include <fcntl.h>

@@ -4,7 +4,7 @@
 #include "server/Markdown/Markdown.h"
 #include "support/OS/Beneath.h"
 #include "support/OS/Directory.h"
-#include "support/OS/FileMode.h"
+#include "support/OS/File.h"
 #include "support/OS/Paths.h"
 #include "support/Text/Text.h"
 

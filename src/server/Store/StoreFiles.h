@@ -2,7 +2,7 @@
 
 #include "server/Store/Scope.h"
 #include "support/OS/Descriptor.h"
-#include "support/OS/FileContent.h"
+#include "support/OS/File.h"
 
 #include <sys/types.h>
 

@@ -5,8 +5,7 @@
 #include "support/OS/AtomicFile.h"
 #include "support/OS/Directory.h"
 #include "support/OS/Environment.h"
-#include "support/OS/FileContent.h"
-#include "support/OS/FileMode.h"
+#include "support/OS/File.h"
 #include "support/OS/Paths.h"
 #include "support/Text/Text.h"
 

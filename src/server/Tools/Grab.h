@@ -1,7 +1,7 @@
 #pragma once
 
 #include "server/Tools/Arguments.h"
-#include "server/Tools/ToolReply.h"
+#include "server/Tools/Tools.h"
 #include "support/OS/Environment.h"
 
 #include <string_view>

@@ -1,6 +1,7 @@
 #include "support/OS/AtomicFile.h"
 
 #include "support/OS/Directory.h"
+#include "support/OS/File.h"
 #include "support/OS/Random.h"
 
 #include <fcntl.h>

@@ -1,6 +1,5 @@
 #include "support/OS/AtomicFile.h"
-
-#include "support/OS/FileMode.h"
+#include "support/OS/File.h"
 
 #include <fcntl.h>
 #include <sys/syscall.h>

@@ -54,18 +54,6 @@ bool forEachName(const Descriptor& directory, std::string_view suffix,
   return errno == 0;
 }
 
-std::optional<FileState> stateOf(const Descriptor& directory, const char* name) {
-  struct stat status {};
-  if (fstatat(directory.number(), name, &status, AT_SYMLINK_NOFOLLOW) != 0) return std::nullopt;
-  if (!S_ISREG(status.st_mode)) return std::nullopt;
-  return FileState{.stamp = fileStamp(status), .ownership = ownershipOf(status)};
-}
-
-std::optional<FileStamp> stampOf(const Descriptor& directory, const char* name) {
-  const auto state = stateOf(directory, name);
-  return state ? std::optional(state->stamp) : std::nullopt;
-}
-
 bool makeDirectories(const std::string& path, mode_t mode) {
   if (isDirectory(path)) return true;
   for (std::size_t slash = path.find('/', 1); slash != std::string::npos;

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "support/OS/Descriptor.h"
-#include "support/OS/FileStamp.h"
+
+#include <sys/types.h>
 
 #include <functional>
 #include <optional>
@@ -21,17 +22,6 @@ Descriptor openDirectory(const std::string& path, Links links);
 /// system's. False when the directory could not be read to its end.
 bool forEachName(const Descriptor& directory, std::string_view suffix,
                  const std::function<void(const char* name)>& visit);
-
-/// The state of a file without its content.
-struct FileState {
-  FileStamp stamp;
-  Ownership ownership;
-};
-
-/// The state of the regular file `name` in the directory; absent when there is none. Symbolic links
-/// are not followed.
-std::optional<FileState> stateOf(const Descriptor& directory, const char* name);
-std::optional<FileStamp> stampOf(const Descriptor& directory, const char* name);
 
 /// Creates the directory and missing ones above it, with `mode` without the bits in the process's
 /// mask. True when the directory exists afterwards.

@@ -1,4 +1,4 @@
-#include "server/Index/IndexQueries.h"
+#include "server/Index/Index.h"
 #include "server/Index/IndexTables.h"
 
 #include <gtest/gtest.h>

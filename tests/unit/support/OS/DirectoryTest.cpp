@@ -30,24 +30,6 @@ TEST(Directory, ListsFilesAgainAndAgainAndLeavesNothingOpen) {
   EXPECT_EQ(unit::openDescriptors(), before);
 }
 
-TEST(Directory, TellsTheStampsOfFilesOnly) {
-  const unit::TemporaryDirectory place;
-  unit::writeFile(place / "a.md", "four");
-  fs::create_directory(place / "b.md");
-  fs::create_symlink("a.md", place / "c.md");
-  const OS::Descriptor directory = OS::openDirectory(place.path(), OS::Links::followed);
-  const auto state = OS::stateOf(directory, "a.md");
-  ASSERT_TRUE(state);
-  EXPECT_EQ(state->stamp.size, 4);
-  EXPECT_GT(state->stamp.modified, 1'600'000'000'000'000'000);
-  EXPECT_EQ(state->ownership, OS::Ownership::ours);
-  fs::permissions(place / "a.md", fs::perms::others_write, fs::perm_options::add);
-  EXPECT_EQ(OS::stateOf(directory, "a.md")->ownership, OS::Ownership::everybodys);
-  for (const char* const name : {"b.md", "c.md", "none.md"}) {
-    EXPECT_FALSE(OS::stateOf(directory, name)) << name;
-  }
-}
-
 TEST(Directory, IsNotOpenWhenItIsNone) {
   const unit::TemporaryDirectory place;
   unit::writeFile(place / "file", "");

@@ -1,4 +1,4 @@
-#include "support/OS/FileStamp.h"
+#include "support/OS/File.h"
 
 namespace quillstead::OS {
 

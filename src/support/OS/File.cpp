@@ -1,4 +1,4 @@
-#include "support/OS/FileContent.h"
+#include "support/OS/File.h"
 
 #include "support/OS/Beneath.h"
 
@@ -71,6 +71,18 @@ std::variant<FileContent, NoContent> contentOf(const Descriptor& file, std::size
 }
 
 }  // namespace
+
+std::optional<FileState> stateOf(const Descriptor& directory, const char* name) {
+  struct stat status {};
+  if (fstatat(directory.number(), name, &status, AT_SYMLINK_NOFOLLOW) != 0) return std::nullopt;
+  if (!S_ISREG(status.st_mode)) return std::nullopt;
+  return FileState{.stamp = fileStamp(status), .ownership = ownershipOf(status)};
+}
+
+std::optional<FileStamp> stampOf(const Descriptor& directory, const char* name) {
+  const auto state = stateOf(directory, name);
+  return state ? std::optional(state->stamp) : std::nullopt;
+}
 
 std::variant<FileContent, NoContent> readFile(const Descriptor& directory, const std::string& name,
                                               std::size_t limit) {

@@ -1,4 +1,4 @@
-#include "support/OS/FileStamp.h"
+#include "support/OS/File.h"
 #include "support/Text/Hash.h"
 
 #include <linux/magic.h>
