@@ -81,6 +81,7 @@ class Lookup {
     const std::string expression = expressionOf(known.term);
     if (common_.contain(expression)) {
       known.cards = mostCounted_;
+      known.isWhole = false;  // it was true of the guess before, which no card has
       return true;
     }
     auto found = reader_.read(expression, mostCounted_);

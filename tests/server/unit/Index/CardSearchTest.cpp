@@ -141,6 +141,17 @@ TEST_F(CardSearchTest, DoesNotReadAgainWhatItFoundToBeCommon) {
   EXPECT_EQ(find("heron egret", cards).size(), cards) << "believed, as both are common";
 }
 
+TEST_F(CardSearchTest, FindsTheSameWhenItKnowsThatTheBeginningOfAWordIsCommon) {
+  for (std::size_t number = 0; number < large; ++number) {
+    add(number % 3 == 0 ? "walrus herons" : "walrus");
+    add("walrus herons herons of the " + std::string(number % 2 == 0 ? "north" : "walrus"));
+  }
+  const auto first = find("walrus heronsa", cards);
+  ASSERT_FALSE(first.empty());
+  EXPECT_TRUE(common.contain("\"herons\"*"));
+  EXPECT_EQ(find("walrus heronsa", cards), first);
+}
+
 TEST_F(CardSearchTest, IsAbsentWhenTheTablesAreGone) {
   add("walrus");
   ASSERT_TRUE(database.run("DROP TABLE cards"));
