@@ -7,7 +7,7 @@
 #include "server/Store/Scope.h"
 #include "server/Store/StoreFiles.h"
 #include "server/UserPlaces.h"
-#include "support/OS/FileStamp.h"
+#include "support/OS/File.h"
 
 #include <dirent.h>
 #include <sys/stat.h>
