@@ -112,11 +112,8 @@ class Writer {
   /// `bytes`: the character's own; `rest`: what follows it.
   void add(const Decoded& next, std::string_view bytes, std::string_view rest) {
     if (!keeps(next.character, rest)) return;
-    if (isOpening(next.character) && isTag(rest)) {
-      result_ += "&lt;";
-    } else {
-      result_ += next.valid ? bytes : Text::replacementCharacter;
-    }
+    if (isOpening(next.character) && isTag(rest)) return addPlain("&lt;");
+    result_ += next.valid ? bytes : Text::replacementCharacter;
     previous_ = next.character;
   }
 
@@ -132,7 +129,7 @@ class Writer {
  private:
   [[nodiscard]] bool keeps(char32_t character, std::string_view rest) const {
     if (character == joiner || character == nonJoiner) return joins(character, rest);
-    if (Text::isVariationSelector(character)) return !Text::isVariationSelector(previous_);
+    if (Text::isVariationSelector(character)) return selects(character);
     if (character == '\t' || character == '\n') return true;
     const Category category = Text::categoryOf(character);
     return category != Category::format && category != Category::control;
@@ -145,6 +142,19 @@ class Writer {
         Text::isPicture(previous_) || isSkinTone(previous_) || Text::isVariationSelector(previous_);
     return character == joiner && afterPicture && !rest.empty() &&
            Text::isPicture(Text::decodeFirst(rest).character);
+  }
+
+  /// Only where there may be variants: else each letter could carry a hidden byte.
+  [[nodiscard]] bool selects(char32_t character) const {
+    constexpr char32_t firstOfHan = 0xE0100;
+    constexpr std::string_view keys = "0123456789#*";
+    if (Text::isVariationSelector(previous_)) return false;
+    if (character >= firstOfHan) return Text::pairedScript(previous_) == Text::PairedScript::han;
+    if (previous_ < 0x80) {
+      const bool isKey = keys.find(static_cast<char>(previous_)) != std::string_view::npos;
+      return isKey && (character == 0xFE0E || character == 0xFE0F);
+    }
+    return true;
   }
 
   static bool isSkinTone(char32_t character) {

@@ -52,7 +52,19 @@ bool isIn(const std::array<Range, count>& ranges, char32_t character) {
                      [character](const Range& range) { return range.holds(character); });
 }
 
-constexpr Range tags{0xE0000, 0xE007F};
+/// What Unicode lets a program show as nothing, and has among marks, letters or what is not
+/// assigned.
+constexpr std::array<Range, 9> unseen{{
+    {0x034F, 0x034F},    // combining grapheme joiner
+    {0x115F, 0x1160},    // fillers of Hangul
+    {0x17B4, 0x17B5},    // vowels of Khmer
+    {0x2065, 0x2065},    // not assigned
+    {0x3164, 0x3164},    // filler of Hangul
+    {0xFFA0, 0xFFA0},    // the same, half as wide
+    {0xFFF0, 0xFFF8},    // not assigned
+    {0xE0000, 0xE00FF},  // tags
+    {0xE01F0, 0xE0FFF},  // not assigned
+}};
 
 /// Blocks of scripts whose letters join or stack.
 constexpr std::array<Range, 9> joiningScripts{{
@@ -67,8 +79,9 @@ constexpr std::array<Range, 9> joiningScripts{{
     {0x10A00, 0x11FFF},  // Kharoshthi to the newer scripts of India
 }};
 
-constexpr std::array<Range, 3> variationSelectors{{
+constexpr std::array<Range, 4> variationSelectors{{
     {0x180B, 0x180D},
+    {0x180F, 0x180F},
     {0xFE00, 0xFE0F},
     {0xE0100, 0xE01EF},
 }};
@@ -105,7 +118,7 @@ char32_t lowered(char32_t character) {
 }
 
 Category categoryOf(char32_t character) {
-  if (tags.holds(character)) return Category::format;
+  if (isIn(unseen, character)) return Category::format;
   const auto category = utf8proc_category(codePoint(character));
   if (category == UTF8PROC_CATEGORY_CC) return Category::control;
   if (category == UTF8PROC_CATEGORY_CF) return Category::format;

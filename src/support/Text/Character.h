@@ -32,7 +32,7 @@ enum class Category {
   sign,  ///< punctuation and symbols
   whiteSpace,
   control,  ///< tab and line ends included
-  format,   ///< invisible; changes how others are shown. Includes all tag characters
+  format,   ///< invisible. Includes all tag characters and fillers
   other,    ///< private or not assigned
 };
 

@@ -61,9 +61,23 @@ TEST(Shown, DropsWhatNobodySees) {
                           {"a\x01\x1B[31mb\x7F\u0085", "a[31mb"},
                           {"tab\tline\ncr\r\n", "tab\tline\ncr\n"},
                           {"a\u200Db\u200Cc", "abc"},
-                          {"x\uFE0F\uFE0E\U000E0100\uFE01y", "x\uFE0Fy"},
+                          {"❤\uFE0F\uFE0E\U000E0100\uFE01y", "❤\uFE0Fy"},
                           {"<\rb", "&lt;b"}}) {
     EXPECT_EQ(Shown::text(one.text), one.shown);
+  }
+}
+
+TEST(Shown, DropsFillersAndSelectorsThatCouldHideText) {
+  for (const char* const unseen :
+       {"\u034F", "\u115F", "\u1160", "\u17B4", "\u2065", "\u3164", "\uFFA0", "\uFFF0",
+        "\U000E0080", "\U000E01F0", "\U000E0FFF", "\uFE00", "\uFE0F", "\U000E0141", "\u180F"}) {
+    EXPECT_EQ(Shown::text("a" + std::string(unseen) + "b"), "ab") << unseen;
+    EXPECT_THAT(Shown::text("</" + std::string(unseen) + "user-rules>"),
+                ::testing::StartsWith("&lt;"));
+  }
+  for (const std::string seen :
+       {"\u2764\uFE0F", "1\uFE0F\u20E3", "\u845B\U000E0100", "\u2229\uFE00"}) {
+    EXPECT_EQ(Shown::text(seen), seen);
   }
 }
 

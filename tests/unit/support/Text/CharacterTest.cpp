@@ -61,7 +61,17 @@ TEST(Character, IsInvisibleAsATagAlsoWhereUnicodeHasNoneYet) {
   for (const char32_t tag : {U'\U000E0001', U'\U000E0002', U'\U000E0020', U'\U000E007F'}) {
     EXPECT_EQ(categoryOf(tag), Category::format) << std::hex << static_cast<std::uint32_t>(tag);
   }
-  EXPECT_EQ(categoryOf(U'\U000E0080'), Category::other);
+  EXPECT_EQ(categoryOf(U'\U000E0100'), Category::mark) << "a variation selector";
+}
+
+TEST(Character, IsInvisibleAsAFiller) {
+  for (const char32_t filler : U"\u034F\u115F\u1160\u17B5\u3164\uFFA0\uFFF8\U000E0FFF"sv) {
+    EXPECT_EQ(categoryOf(filler), Category::format)
+        << std::hex << static_cast<std::uint32_t>(filler);
+  }
+  for (const char32_t seen : U"\u0350\u115E\u1161\u3163\uFFA1"sv) {
+    EXPECT_NE(categoryOf(seen), Category::format) << std::hex << static_cast<std::uint32_t>(seen);
+  }
 }
 
 }  // namespace
