@@ -1,7 +1,7 @@
-"""Fails when a published program gives memory back to the system again and again while it answers: the server
-would take a quarter longer, the hook a tenth (docs/decisions.md).
+"""Fails when a published program asks the system for memory, or gives it back, again and again while it
+answers: the server would take a quarter longer, the hook a tenth (docs/decisions.md).
 
-    memory_given_back.py SERVER HOOK
+    calls_for_memory.py SERVER HOOK
 """
 
 import json
@@ -13,7 +13,9 @@ import sys
 import tempfile
 
 CARDS = 20
-MOST = {"server": 10, "hook": 0}  # with musl's present allocator it is 83 and 1
+# With musl's present allocator memory is given back 83 times by the server, once by the hook. When the server does
+# not take its first pages at once, it asks for memory 15 times.
+MOST = {"server": {"brk": 12, "munmap": 10}, "hook": {"brk": 2, "munmap": 0}}
 
 
 def requests(directory):
@@ -24,14 +26,15 @@ def requests(directory):
     return "".join(json.dumps({"jsonrpc": "2.0"} | message) + "\n" for message in messages)
 
 
-def given_back(program, question, environment, expected):
-    """How often the program gives memory back while it answers."""
-    with tempfile.NamedTemporaryFile("r") as calls:
-        ended = subprocess.run(["strace", "-f", "-o", calls.name, "-e", "trace=munmap", *program], text=True,
+def calls(program, question, environment, expected):
+    """How often the program makes each of the calls for memory while it answers."""
+    with tempfile.NamedTemporaryFile("r") as trace:
+        ended = subprocess.run(["strace", "-f", "-o", trace.name, "-e", "trace=brk,munmap", *program], text=True,
                                check=True, input=question, env=environment, capture_output=True)
         if expected not in ended.stdout:
             raise RuntimeError(f"another answer came: {ended.stdout}")
-        return len(re.findall(r"\bmunmap\(", calls.read()))
+        lines = trace.read()
+    return {call: len(re.findall(rf"\b{call}\(", lines)) for call in ("brk", "munmap")}
 
 
 def of_server(server):
@@ -44,22 +47,24 @@ def of_server(server):
             (memory / f"{number}.md").write_text(f"# Rolling back shop {number}\n\n{body}")
         environment = {"HOME": scratch, "QUILLSTEAD_HOME": str(directory / "store"), "PATH": os.environ["PATH"]}
         for _ in range(2):  # the first call makes the index
-            count = given_back([server], requests(directory), environment, '"quillstead/replyKind":"cards"')
-        return count
+            made = calls([server], requests(directory), environment, '"quillstead/replyKind":"cards"')
+        return made
 
 
 def of_hook(hook):
     call = {"cwd": "/", "hook_event_name": "PreToolUse", "tool_name": "mcp__quillstead__memory_add",
             "agent_id": "a7f3c2", "agent_type": "reviewer", "tool_input": {"text": "x" * 250}}
-    return given_back([hook, "--harness", "claude-code", "--slot", "pretool"], json.dumps(call),
+    return calls([hook, "--harness", "claude-code", "--slot", "pretool"], json.dumps(call),
                       {"PATH": os.environ["PATH"]}, '"_quillstead_subagent":"a7f3c2"')
 
 
 def main(server, hook):
-    counts = {"server": of_server(server), "hook": of_hook(hook)}
-    for name, count in counts.items():
-        print(f"the {name} gave memory back {count} times, of {MOST[name]}")
-    return 0 if all(count <= MOST[name] for name, count in counts.items()) else 1
+    good = True
+    for name, made in (("server", of_server(server)), ("hook", of_hook(hook))):
+        for call, count in made.items():
+            print(f"{name}: {call} {count} times, of {MOST[name][call]}")
+            good = good and count <= MOST[name][call]
+    return 0 if good else 1
 
 
 if __name__ == "__main__":
