@@ -18,7 +18,7 @@ import counts  # noqa: E402  (found through the line above)
 import payloads  # noqa: E402
 
 RUNS = 20
-# Where nothing is chosen anew for each run the floor has 7, a tool call 10: both can have two more.
+# Where nothing is chosen anew for each run the floor has 7, a tool call 9: both can have two more.
 MOST_MORE = 4
 
 
