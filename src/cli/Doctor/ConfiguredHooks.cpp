@@ -40,7 +40,7 @@ std::string withoutLog(std::string text, const HookHandler::Run& run) {
 /// The end of the string whose opening quote is at `begin`.
 std::size_t endOfString(std::string_view text, std::size_t begin) {
   std::size_t place = begin + 1;
-  while (place < text.size() && text[place] != '"') place += text[place] == '\\' ? 2 : 1;
+  while (place < text.size() && text[place] != '"') place += text[place] == '\\' ? 2U : 1U;
   return std::min(place + 1, text.size());
 }
 
