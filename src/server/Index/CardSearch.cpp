@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <limits>
 #include <string>
+#include <utility>
 
 namespace quillstead::server::CardSearch {
 
@@ -65,14 +66,13 @@ class Lookup {
 
   /// The term, or a guess at it, with the cards that have it. Absent when the database failed.
   std::optional<Known> find(const SearchTerm& term, std::size_t place) {
-    Known known{.term = term, .place = place, .postings = {}};
-    for (;;) {
+    for (SearchTerm tried = term;; --guessesLeft_) {
+      Known known{.term = std::move(tried), .place = place, .postings = {}};
       if (!read(known)) return std::nullopt;
       if (known.cards > 0 || guessesLeft_ == 0) return known;
-      const auto next = guess(term, known.term);
+      auto next = guess(term, known.term);
       if (!next) return known;
-      known.term = *next;
-      --guessesLeft_;
+      tried = *std::move(next);
     }
   }
 
@@ -81,7 +81,6 @@ class Lookup {
     const std::string expression = expressionOf(known.term);
     if (common_.contain(expression)) {
       known.cards = mostCounted_;
-      known.isWhole = false;  // it was true of the guess before, which no card has
       return true;
     }
     auto found = reader_.read(expression, mostCounted_);
