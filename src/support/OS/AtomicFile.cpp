@@ -86,3 +86,15 @@ void removeLeftovers(const Descriptor& directory) {
 }
 
 }  // namespace quillstead::OS::AtomicFile
+
+namespace quillstead::OS {
+
+int renameExclusively(const Descriptor& directory, const char* from, const char* to) {
+  if (const auto error = renameInOneStep(directory, from, to)) return *error;
+  const int number = directory.number();
+  if (linkat(number, from, number, to, 0) != 0) return errno;
+  unlinkat(number, from, 0);
+  return 0;
+}
+
+}  // namespace quillstead::OS

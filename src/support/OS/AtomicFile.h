@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -42,6 +43,10 @@ namespace quillstead::OS {
 /// system supports that, else a link and the removal of the old name. Returns 0 or the error
 /// number; EEXIST when the name is taken.
 int renameExclusively(const Descriptor& directory, const char* from, const char* to);
+
+/// The one step alone, which each platform has in its own way. Absent when the system or the file
+/// system does not support it.
+std::optional<int> renameInOneStep(const Descriptor& directory, const char* from, const char* to);
 
 }  // namespace quillstead::OS
 
