@@ -151,15 +151,14 @@ class Gatherer {
 }  // namespace
 
 std::string lowered(std::string_view word) {
-  std::string result;
-  result.reserve(word.size());
+  const auto isBeyondASCII = [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; };
+  // Most words are ASCII as a whole.
+  std::string result(word.begin(), std::find_if(word.begin(), word.end(), isBeyondASCII));
+  for (char& letter : result) {
+    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  }
+  word.remove_prefix(result.size());
   while (!word.empty()) {
-    const char first = word.front();
-    if (static_cast<unsigned char>(first) < 0x80) {
-      result += first >= 'A' && first <= 'Z' ? static_cast<char>(first - 'A' + 'a') : first;
-      word.remove_prefix(1);
-      continue;
-    }
     const Text::Decoded next = Text::decodeFirst(word);
     const char32_t character = next.valid ? Text::lowered(next.character) : U' ';
     Text::appendCharacter(result, static_cast<std::uint32_t>(character));

@@ -200,8 +200,10 @@ namespace {
 
 /// The start of a code block that is never closed; the end of `text` when every block is closed.
 std::size_t beginOfOpenCode(std::string_view text) {
-  CodeFence code;
   std::size_t begin = text.size();
+  const bool mayHaveCode = text.find("```") != text.npos || text.find("~~~") != text.npos;
+  if (!mayHaveCode) return begin;
+  CodeFence code;
   for (std::string_view rest = text; !rest.empty();) {
     const std::size_t at = text.size() - rest.size();
     const bool wasOpen = code.isOpen();
@@ -240,6 +242,8 @@ bool isPlainText(std::string_view line) {
 class Lowering {
  public:
   enum class Line { mayBeHeading, isCode };
+
+  explicit Lowering(std::size_t size) { result_.reserve(size + 1); }
 
   void add(std::string_view line, Line kind) {
     const std::size_t underline = kind == Line::isCode ? 0 : levelByUnderline(line);
@@ -280,7 +284,7 @@ class Lowering {
 
 std::string withLowerHeadings(std::string_view text) {
   const std::size_t openCode = beginOfOpenCode(text);
-  Lowering lowering;
+  Lowering lowering(text.size());
   CodeFence code;
   for (std::string_view rest = text; !rest.empty();) {
     const std::size_t at = text.size() - rest.size();

@@ -4,7 +4,7 @@
 #include "support/Text/Text.h"
 
 #include <algorithm>
-#include <array>
+#include <bitset>
 #include <cstdint>
 #include <cstring>
 #include <functional>
@@ -39,8 +39,8 @@ class Terms {
   explicit Terms(const std::vector<SearchTerm>& terms) : terms_(terms) {
     beginnings_.reserve(terms.size());
     for (const SearchTerm& term : terms) {
-      if (!term.word.empty()) begins_.at(lowByte(term.word[0])) = true;
       beginnings_.push_back(beginningOf(term.word));
+      known_[hashOf(beginnings_.back())] = true;
     }
   }
 
@@ -63,11 +63,9 @@ class Terms {
   /// A quick test that rejects most words. A letter beyond ASCII may have other bytes in lower
   /// case.
   [[nodiscard]] bool mayBeOne(std::string_view word) const {
-    if (static_cast<unsigned char>(word[0]) < 0x80 && !begins_.at(lowByte(word[0]))) return false;
     constexpr std::uint32_t beyondASCII = 0x80808080;
     const std::uint32_t beginning = beginningOf(word);
-    return (beginning & beyondASCII) != 0 ||
-           std::find(beginnings_.begin(), beginnings_.end(), beginning) != beginnings_.end();
+    return known_[hashOf(beginning)] || (beginning & beyondASCII) != 0;
   }
 
   /// The bytes that every form shares with its term, packed into one number, ASCII letters in lower
@@ -83,14 +81,17 @@ class Terms {
     return beginning | lowerCase;
   }
 
-  static unsigned char lowByte(char byte) {
-    constexpr unsigned char lowerCase = 0x20;
-    return static_cast<unsigned char>(byte) | lowerCase;
+  static std::size_t hashOf(std::uint32_t beginning) {
+    constexpr std::uint32_t goldenRatio = 0x9E3779B9;  // spreads what differs in any byte
+    constexpr int wordBits = 32;
+    return (beginning * goldenRatio) >> (wordBits - hashBits);
   }
 
+  static constexpr int hashBits = 10;
+
   const std::vector<SearchTerm>& terms_;
-  std::array<bool, 256> begins_{};         ///< by the first byte of a term, in lower case
   std::vector<std::uint32_t> beginnings_;  ///< of each term
+  std::bitset<1U << hashBits> known_;      ///< their hashes
 };
 
 bool isSmallLetter(char byte) { return byte >= 'a' && byte <= 'z'; }

@@ -161,6 +161,7 @@ Block block(const Scope& scope, const std::vector<CardPlace>& places,
   std::vector<ShownCard> found = read(scope, places);
   std::vector<Printable> printables;
   std::vector<std::size_t> needs;
+  printables.reserve(found.size());
   needs.reserve(found.size());
   for (const ShownCard& one : found) {
     needs.push_back(printables.emplace_back(one.text, one.place).need(longestCard));
