@@ -115,6 +115,20 @@ TEST(Words, DoNotDependOnCharactersThatAreNotSeen) {
   EXPECT_EQ(termsOf("stag\u00ADing \uFEFFde\u200Bploy"), "staging:1 deploy:1");
 }
 
+TEST(Words, AreLoweredLetterByLetter) {
+  for (const Case& one : {
+           Case{"AZ@[az`{09_", "az@[az`{09_"},
+           {"ÉCOLE", "école"},
+           {"ABCÉDEF", "abcédef"},
+           {"ЖУК", "жук"},
+           {"東京", "東京"},
+           {"A\xC3", "a "},
+           {"", ""},
+       }) {
+    EXPECT_EQ(Words::lowered(one.text), one.words) << one.text;
+  }
+}
+
 TEST(Words, AreIndexedWithTheirParts) {
   for (const Case& one : {
            Case{"run fetchWithRetry", "run fetchWithRetry fetch With Retry "},
