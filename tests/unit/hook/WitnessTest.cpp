@@ -85,5 +85,18 @@ TEST_F(Witness, SaysNothingWhenTheProcessesDirectoryIsGone) {
   EXPECT_EQ(run.standardError, "");
 }
 
+TEST_F(Witness, SaysNothingInADirectoryThatThisUserCannotReachByItsPath) {
+  const unit::ForkedRun run = unit::inForkedProcess([&] {
+    constexpr uid_t somebody = 3'999'999;
+    std::filesystem::permissions(directory_ / "", std::filesystem::perms::none);
+    if (geteuid() == 0 && setuid(somebody) != 0) _exit(1);
+    warnIfCwdWitnessesDisagree(own_);
+    warnIfCwdWitnessesDisagree(directory_ / "other");
+  });
+  std::filesystem::permissions(directory_ / "", std::filesystem::perms::owner_all);
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.standardError, warning(directory_ / "other", own_));
+}
+
 }  // namespace
 }  // namespace quillstead::hook::Witness
