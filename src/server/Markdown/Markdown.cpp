@@ -280,6 +280,22 @@ class Lowering {
   std::size_t linesOfText_ = 0;  ///< how many lines of plain text the last ones are
 };
 
+/// "## Title" when a reader would take `line` for the title of a card, whatever white space it has.
+std::optional<std::string> titleIn(std::string_view line) {
+  constexpr std::string_view mark = "##";
+  if (line.find(mark) == std::string_view::npos) return std::nullopt;  // most lines, quickly
+  line = Text::trimmed(line);
+  if (!line.starts_with(mark)) return std::nullopt;
+  line.remove_prefix(mark.size());
+  const std::string_view title = Text::trimmed(line);
+  if (title.empty() || title.size() == line.size()) return std::nullopt;
+  return std::string(mark).append(" ").append(title);
+}
+
+bool beginsWithBracket(std::string_view rest) {
+  return !rest.empty() && Text::trimmed(Text::takeLine(rest)).starts_with('(');
+}
+
 }  // namespace
 
 std::string withLowerHeadings(std::string_view text) {
@@ -290,6 +306,11 @@ std::string withLowerHeadings(std::string_view text) {
     const std::size_t at = text.size() - rest.size();
     const std::string_view line = Text::takeLine(rest);
     const bool isCode = code.covers(line) && at < openCode;
+    const std::optional<std::string> title = titleIn(line);
+    if (title && beginsWithBracket(rest)) {
+      lowering.add(*title, Lowering::Line::mayBeHeading);
+      continue;
+    }
     const bool looksLikeHeader = rest.starts_with('(');
     lowering.add(
         line, isCode && !looksLikeHeader ? Lowering::Line::isCode : Lowering::Line::mayBeHeading);

@@ -30,7 +30,8 @@ class CodeFence {
 /// `text` with each heading two levels lower, at most at the sixth, and underlined ones ("===" or
 /// "---" below a line) written with "#". An underlined heading of several lines becomes text. Lines
 /// in code stay as they are, but for two: a heading that is followed by a line in brackets, as the
-/// header of a card is, and one in code that never ends.
+/// header of a card is, and one in code that never ends. The former is found whatever white space
+/// indents it and stands in it.
 std::string withLowerHeadings(std::string_view text);
 
 /// `text` without its HTML comments, which are notes for people. In code they stay: between fences,

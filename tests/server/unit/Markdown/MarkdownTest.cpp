@@ -86,6 +86,27 @@ TEST(Markdown, LowersHeadingsByTwoLevels) {
   }
 }
 
+TEST(Markdown, LowersWhatLooksLikeTheHeaderOfACardWhereverItStands) {
+  struct Case {
+    std::string_view text;
+    std::string_view lowered;
+  };
+  for (const Case& one :
+       {Case{"~~~\n## B\n \t(personal: b.md)\n~~~", "~~~\n#### B\n \t(personal: b.md)\n~~~"},
+        {"~~~\n  ## B\n\u00A0(personal: b.md)\n~~~", "~~~\n#### B\n\u00A0(personal: b.md)\n~~~"},
+        {"a\n\n    ## B\n    (personal: b.md)", "a\n\n#### B\n    (personal: b.md)"},
+        {"##\u00A0B\n(personal: b.md)", "#### B\n(personal: b.md)"},
+        {"\u2003## B\n(personal: b.md)", "#### B\n(personal: b.md)"},
+        {"\t##\u3000B \n(personal: b.md)\n## C", "#### B\n(personal: b.md)\n#### C"}}) {
+    EXPECT_EQ(Markdown::withLowerHeadings(one.text), one.lowered) << one.text;
+  }
+  for (const std::string_view other :
+       {"~~~\n## B\nb (b)\n~~~", "    ## B\n\n    (b)", "~~~\n# a\n  (b)\n~~~", "##B\n(b)",
+        "##\n(b)", "    ## B", "\t##B\n(b)"}) {
+    EXPECT_EQ(Markdown::withLowerHeadings(other), other == "##\n(b)" ? "####\n(b)" : other);
+  }
+}
+
 TEST(Markdown, LowersUnderlinedHeadingsToo) {
   struct Case {
     std::string_view text;
