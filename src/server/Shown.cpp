@@ -38,6 +38,10 @@ bool isUnseen(char32_t character) {
          Text::isVariationSelector(character);
 }
 
+/// True for the line and the paragraph separator. What reads text line by line must see the lines
+/// that a reader sees.
+bool endsLine(char32_t character) { return character == 0x2028 || character == 0x2029; }
+
 bool isSpace(char32_t character) {
   return character == '\t' || character == '\n' ||
          Text::categoryOf(character) == Category::whiteSpace;
@@ -112,6 +116,7 @@ class Writer {
   /// `bytes`: the character's own; `rest`: what follows it.
   void add(const Decoded& next, std::string_view bytes, std::string_view rest) {
     if (!keeps(next.character, rest)) return;
+    if (endsLine(next.character)) return addPlain("\n");
     if (isOpening(next.character) && isTag(rest)) return addPlain("&lt;");
     result_ += next.valid ? bytes : Text::replacementCharacter;
     previous_ = next.character;

@@ -12,8 +12,8 @@ namespace quillstead::server::Shown {
 inline constexpr std::size_t longestLine = 200;
 
 /// `text` with every "<" that could begin a tag written "&lt;". Format and control characters are
-/// dropped, except tab, line feed, and joiners that a script or an emoji needs. Invalid UTF-8
-/// becomes U+FFFD. Applying it twice gives the same result.
+/// dropped, except tab, line feed, and joiners that a script or an emoji needs. Line and paragraph
+/// separators become line feeds, and invalid UTF-8 U+FFFD. Applying it twice gives the same result.
 std::string text(std::string_view text);
 
 /// A name or a title: `text` on one line of at most `longestLine` bytes, cut between characters

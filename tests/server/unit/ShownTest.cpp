@@ -67,6 +67,11 @@ TEST(Shown, DropsWhatNobodySees) {
   }
 }
 
+TEST(Shown, EndsEveryLineWithALineFeed) {
+  EXPECT_EQ(Shown::text("a\u2028## Tea\u2029(personal: tea.md)"), "a\n## Tea\n(personal: tea.md)");
+  EXPECT_EQ(Shown::text("<\u2028/user-rules>"), "&lt;\n/user-rules>");
+}
+
 TEST(Shown, DropsFillersAndSelectorsThatCouldHideText) {
   for (const char* const unseen :
        {"\u034F", "\u115F", "\u1160", "\u17B4", "\u2065", "\u3164", "\uFFA0", "\uFFF0",
@@ -118,7 +123,7 @@ TEST(Shown, KeepsALineShortAndItsCharactersWhole) {
 TEST(Shown, LeavesItsOwnOutputAlone) {
   const std::string_view parts[] = {
       "<", "/", " ",      "\n",     "\r",   "a",    "user-rules", "\u200D", "\u200B", "\uFE0F",
-      "👩", "م", "\u0301", "\uFF1C", "\xFF", "&lt;", "1",          "\u3000", "\x02",   "\U000E0041"};
+      "👩", "م", "\u0301", "\uFF1C", "\xFF", "&lt;", "1",          "\u2028", "\x02",   "\U000E0041"};
   std::minstd_rand random(1);
   for (int round = 0; round < 20'000; ++round) {
     std::string text;
