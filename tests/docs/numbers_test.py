@@ -21,7 +21,7 @@ LIMITS = [
     ("docs/memory.md", r"without a ceiling \| {} bytes", 1, "src/server/Tools/RulesGet.cpp", "ceilingOfCards"),
     ("docs/memory.md", r"a request \| {} MiB", MIB, "src/server/Server.cpp", "longestLine"),
     ("docs/memory.md", r"a request \| [^|]* {} values", 1, "src/server/Protocol.cpp", "mostValues"),
-    ("docs/memory.md", r"store of more than {} cards", 1, "src/server/Index/Survey.h", "fewFiles"),
+    ("docs/memory.md", r"store of more than {} cards", 1, "src/server/Index/SeenFiles.h", "fewFiles"),
     ("docs/reliability.md", r"The hook keeps {} MiB", MIB, "src/hook/MCP/ChildProcess.h", "longestOutput"),
     ("docs/decisions.md", r"kept up to {} MiB", MIB, "src/hook/MCP/ChildProcess.h", "longestOutput"),
     ("docs/decisions.md", r"a line of more than {} MiB is no reply", MIB, "src/hook/MCP/MCPClient.cpp", "longestResponse"),

@@ -1,6 +1,7 @@
 #include "server/Index/IndexUpdate.h"
 
 #include "server/Index/IndexTables.h"
+#include "server/Index/SeenFiles.h"
 #include "server/Index/Survey.h"
 #include "support/Text/Hash.h"
 

@@ -169,6 +169,41 @@ constexpr std::string_view greekWords =
     "στην στις στο στον στους συνέχισε τα τη την της τι τις το τον του τους των ως όλα όλες όλοι "
     "όμως όπου όπως όταν ότι όχι";
 
+constexpr std::string_view chinesePhrases =
+    "一下 一个 一些 不 不是 与 为什么 也 了 了吗 什么 什麼 从 他 他们 们 但是 你 你们 你好 再 又 "
+    "可以 可以吗 吗 吧 告诉 呢 和 哪个 哪些 哪里 啊 因为 在 "
+    "多少 她 好的 如何 如果 它 对 对吗 就 就是 帮忙 帮我 应该 很 怎么 怎样 怎麼 想要 我 我们 我們 "
+    "所以 把 是 是否 是的 没有 為什麼 然后 现在 的 的话 着 繼續 "
+    "给我 继续 能不能 能否 被 要 請 請問 謝謝 让 请 请问 谢谢 还 还是 这 这个 这些 这段 这里 這個 "
+    "那 那个 那些 那個 那段 那里 都 需要";
+
+constexpr std::string_view japanesePhrases =
+    "あの あり ありがとう ある あれ いいえ いくつ いた いつ いま いる おしえて おねがい "
+    "お願いします お願い致します か から が ください ここ こと この これ こんにちは "
+    "ございます した して しました します しません すべき する そこ その それ ために ための だった "
+    "だれ って ていた ている てください てる で である できない できます "
+    "できる でした です では ではなく でも と という とか ところ として とは どう どうして "
+    "どうすれば どうやって どこ どの どのように どれ ない なかった なぜ なった "
+    "など なに なる に について によって に関して ね の のか のが のに のは のを は はい へ ました "
+    "ます ません まで も もう一回 もう一度 もの や よ より られ "
+    "れる わ を 下さい 今 何か 何が 何の 何を 何故 教えて 次へ 的 続き 続けて 誰が";
+
+constexpr std::string_view koreanPhrases =
+    "감사 거기 것은 것을 것이 계속 그것 그래서 그러나 그런데 그리고 까지 나는 나요 네 누가 누구 "
+    "는데 다시 대한 대해 되나요 됩니까 됩니다 드려 드립 때문 라고 라는 "
+    "무슨 무엇 부탁 부터 습니까 습니다 안녕 어디 어떤 어떻게 언제 없는 없습 없어 에게 에는 에도 "
+    "에서 여기 예요 우리 위한 위해 으로 응 이것 이라 이에요 이제 "
+    "인가요 입니까 입니다 있나 있는 있습 있어 저것 저는 좋아 주세요 지금 지만 진행 하고 하기 "
+    "하나요 하는 하면 하세요 하지만 합니까 합니다 해 해서 해주세요 해줘 "
+    "했습니다 했어요";
+
+constexpr std::string_view alphabetPhrases =
+    "กรุณา กับ กี่ ก็ ของ ขอบคุณ ครับ ควร คะ คือ คุณ ค่ะ จะ จาก ฉัน ช่วย ซึ่ง ด้วย ตกลง ต่อ ต่อไป "
+    "ต้อง ถ้า ทำต่อ ทำไม ที่ ที่ไหน นะ นั้น นี้ ผม มี ยังไง ลอง ว่า สวัสดี สำหรับ หน่อย หรือ หาก "
+    "อยู่ อย่างไร อะไร อีกครั้ง เขา เท่าไร เท่าไหร่ เป็น เพราะ เพื่อ เมื่อไร เมื่อไหร่ เรา "
+    "เหล่านี้ แต่ และ แล้ว โดย โอเค ใคร ใช่ ใน ให้ ได้ ได้ไหม ไม่ ไม่ใช่ ไหม ກະລຸນາ ຂອງ ຂອບໃຈ "
+    "ສືບຕໍ່ ຫຍັງ ແມ່ນ ແລະ ကျေးဇူး ဆက် ပါ ဘာ និង បន្ត របស់ សូម អរគុណ អ្វី";
+
 using Contains = bool (*)(std::string_view word);
 
 /// The language at each place has the bit of that place. English is the first.
@@ -199,105 +234,10 @@ Languages languagesOf(std::string_view word) {
   return found;
 }
 
-}  // namespace quillstead::server::StopWords
-
-namespace quillstead::server::CommonWords {
-
-namespace {
-
-constexpr std::string_view englishWords =
-    "add added adding additional adds answer answers append apply argument arguments array ask "
-    "available bad begin best better big bit branch break broke broken bug bugs build builds "
-    "built call called calls case cases change changed changes check checked checks choose class "
-    "clean clear close code command comment comments commit commits compare complete copy count "
-    "create created current cut data day days default define delete describe detail details diff "
-    "difference different document drop edit empty end enter error errors example examples exist "
-    "existing explain explanation fail failed failing fails failure field file files find finish "
-    "finished finishing first fix fixed fixes fixing folder follow format found full function "
-    "functions generate good group handle hard hour hours idea implement implementation "
-    "implemented important improve include info information input insert int issue issues item "
-    "items job key kind large last leave left level line lines list lists load log long main "
-    "makes match message method methods minute minutes module move moved multiple name named "
-    "names new next note number object old open opens option options output page parameter part "
-    "pass path people place point possible press print problem problems program project pull push "
-    "question questions quick read reading reads ready reason refactor remove removed rename "
-    "replace request response result results return returns review rewrite run running runs save "
-    "script search second section select send sentence separate set setting settings setup ship "
-    "short show shows simple simplify single slow small snippet solution space start started "
-    "state step steps stop string study style suggest summary support system task tasks test "
-    "tested testing tests text third time times today tomorrow top total turn type types "
-    "understand update updated updates user users value values variable variables version view "
-    "wait week word words work working works world write writing written wrong year yesterday";
-
-constexpr std::string_view germanWords =
-    "aktuell anzeigen aufgabe aufruf ausführen ausgabe beispiel bereich code datei dateien daten "
-    "eingabe ende entferne entfernen ergebnis erkläre erklären erstelle erstellen fehler feld "
-    "frage fragen funktion funktionen füge geht heute hinzu klasse korrigiere korrigieren lese "
-    "lesen liste lösche löschen lösung methode morgen name neu neue neuen neuer neues nächste "
-    "nächsten ordner probiere problem projekt prüfe prüfen schreib schreibe schreiben schritt "
-    "seite starte starten teil test teste testen tests text typ variable wert werte zahl zeig "
-    "zeige zeigen zeile zeilen zeit ziel zusammenfassung ändere ändern öffne öffnen überprüfe";
-
-constexpr std::string_view frenchWords =
-    "affiche afficher ajoute ajouter appel change changer classe code commande corrige corriger "
-    "crée créer dernier dernière données efface erreur erreurs essaie essayer exemple explication "
-    "explique expliquer fichier fichiers fin fonction fonctions lance lancer ligne lignes lire "
-    "lis liste modifie modifier montre montrer méthode nom nombre nouveau nouveaux nouvelle ouvre "
-    "ouvrir page partie problème programme projet question relance retire répare résultat résume "
-    "suite supprime supprimer temps test teste tester tests texte type tâche valeur variable "
-    "vérifie vérifier écrire écris étape";
-
-constexpr std::string_view spanishWords =
-    "abre abrir agrega agregar archivo archivos arregla arreglar añade añadir borra borrar busca "
-    "buscar cambia cambiar cambios clase comando comprueba corregir corrige crea crear código "
-    "dato datos ejecuta ejecutar ejemplo elimina eliminar error errores escribe escribir explica "
-    "explicar fallo fichero fin funciones función intenta lee leer lista línea líneas modifica "
-    "mostrar muestra método nombre nueva nuevo número parte paso pregunta problema programa "
-    "proyecto prueba pruebas página quita resultado revisa siguiente tarea texto tiempo tipo "
-    "valor variable ver verifica última último";
-
-constexpr std::string_view italianWords =
-    "aggiungere aggiungi apri aprire cambia cambiare cancella classe codice comando controlla "
-    "correggere correggi crea creare dati elimina errore errori esegui esempio file funzione "
-    "leggi lista metodo modifica mostra nome numero nuova nuovo pagina parte passo problema "
-    "progetto prova riga righe rimuovi risultato scrivi spiega spiegami tempo testo tipo valore "
-    "verifica";
-
-constexpr std::string_view portugueseWords =
-    "abra abrir adicionar adicione altera apaga arquivo arquivos classe comando corrigir corrija "
-    "criar crie código dados escreva executar execute exemplo explique função funções leia linha "
-    "linhas lista mostre muda mude método nome nova novo número parte passo pergunta problema "
-    "projeto página remova resultado rode tarefa tempo tente teste testes texto tipo valor "
-    "verifique";
-
-constexpr std::string_view dutchWords =
-    "bestand bestanden code controleer fout fouten functie herstel laat lees lijst naam nieuw "
-    "nieuwe open pas probeer probleem regel regels resultaat schrijf stap taak tekst test testen "
-    "toon type uitleg verander verwijder voeg waarde wijzig zien";
-
-constexpr std::string_view russianWords =
-    "вывод выполни данные добавить добавь задача запусти имя исправить исправь класс код команда "
-    "метод напиши новая новый объясни открой ошибка ошибки ошибку переименуй покажи пример "
-    "проблема проверь проект прочитай результат создай список строка строки тест тесты тип удали "
-    "удалить файл файла файлы функции функцию функция шаг";
-
-constexpr std::string_view othersWords =
-    "açıkla błąd chạy değiştir dodaj dosya dosyayı dòng düzelt ekle fonksiyon fonksiyonu funkcja "
-    "funkcję giải göster hata hatayı hàm kiểm kod kodu lỗi mã napisz napraw plik pliki pokaż sil "
-    "sprawdź sửa test testleri testy thích thử tệp uruchom usuń viết wyjaśnij xóa zmień çalıştır "
-    "αρχείο δείξε διόρθωσε εξήγησε κώδικα πρόσθεσε συνάρτηση σφάλμα τεστ أصلح أضف احذف اختبار "
-    "اختبارات اشرح اعرض اكتب الاختبار الاختبارات الخطأ الكود الملف خطأ دالة شغل غير كود ملف कोड "
-    "जोड़ें टेस्ट ठीक त्रुटि दिखाइए दिखाएं दिखाओ फ़ंक्शन फ़ाइल फाइल बताइए बताएं बदलें बदलो लिखें "
-    "लिखो समझाएं हटाएं";
-
-}  // namespace
-
-bool contains(std::string_view word) {
-  return WordList<englishWords>::contains(word) || WordList<germanWords>::contains(word) ||
-         WordList<frenchWords>::contains(word) || WordList<spanishWords>::contains(word) ||
-         WordList<italianWords>::contains(word) || WordList<portugueseWords>::contains(word) ||
-         WordList<dutchWords>::contains(word) || WordList<russianWords>::contains(word) ||
-         WordList<othersWords>::contains(word);
+bool containsPhrase(std::string_view phrase) {
+  return WordList<chinesePhrases>::contains(phrase) ||
+         WordList<japanesePhrases>::contains(phrase) || WordList<koreanPhrases>::contains(phrase) ||
+         WordList<alphabetPhrases>::contains(phrase);
 }
 
-}  // namespace quillstead::server::CommonWords
+}  // namespace quillstead::server::StopWords

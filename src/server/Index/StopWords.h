@@ -14,12 +14,7 @@ inline constexpr Languages english = 1;
 /// The languages in which `word`, in lower case, is a stop word.
 Languages languagesOf(std::string_view word);
 
+/// Whether `phrase` is one, in a script without spaces between words.
+bool containsPhrase(std::string_view phrase);
+
 }  // namespace quillstead::server::StopWords
-
-/// Words that say little about a prompt's topic, such as "fix", "test", "file" and "list".
-namespace quillstead::server::CommonWords {
-
-/// `word`: in lower case.
-bool contains(std::string_view word);
-
-}  // namespace quillstead::server::CommonWords

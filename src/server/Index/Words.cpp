@@ -1,8 +1,9 @@
 #include "server/Index/Words.h"
 
-#include "server/Index/CommonPhrases.h"
+#include "server/Index/CommonWords.h"
 #include "server/Index/Ranking.h"
 #include "server/Index/StopWords.h"
+#include "server/Index/WordList.h"
 #include "server/Index/WordSplitter.h"
 #include "support/Text/Text.h"
 
@@ -15,7 +16,6 @@ namespace quillstead::server::Words {
 
 namespace {
 
-using CommonPhrases::Saying;
 using Text::PairedScript;
 using WordSplitter::Word;
 
@@ -41,6 +41,52 @@ double pairSays(PairedScript script, PairedScript neighbour) {
   return Ranking::otherPair;
 }
 
+/// What a phrase says about the prompt's topic.
+enum class Saying {
+  nothing,  ///< "please", "how", "is"
+  little,   ///< "test", "file"
+  something
+};
+
+Saying sayingOf(std::string_view phrase) {
+  if (StopWords::containsPhrase(phrase)) return Saying::nothing;
+  return CommonWords::containsPhrase(phrase) ? Saying::little : Saying::something;
+}
+
+/// For each byte of a run of characters, in a script without spaces between words, the least that a
+/// phrase with it says.
+std::vector<Saying> sayings(std::string_view run) {
+  constexpr std::size_t longestPhrase = 6;  // characters; longer ones are not in the lists
+  std::vector<Saying> all(run.size(), Saying::something);
+  for (std::size_t begin = 0; begin < run.size();) {
+    std::size_t end = begin;
+    for (std::size_t length = 0; length < longestPhrase && end < run.size(); ++length) {
+      end += Text::decodeFirst(run.substr(end)).length;
+      const Saying saying = sayingOf(run.substr(begin, end - begin));
+      if (saying == Saying::something) continue;
+      for (std::size_t at = begin; at < end; ++at) all[at] = std::min(all[at], saying);
+    }
+    begin += Text::decodeFirst(run.substr(begin)).length;
+  }
+  return all;
+}
+
+/// Korean particles, which follow a word without a space between. Others, such as "이" and "의",
+/// also end many nouns of two syllables.
+constexpr std::string_view koreanParticles = "는 를 만 에 은 을";
+
+constexpr std::string_view koreanNounsThatEndAlike =
+    "가을 고을 그만 낭만 노을 마을 불만 오만 자만 지은";
+
+/// The first syllable of a word that has two, of which the second is a particle or the ending of a
+/// verb: "짐" of "짐만", "좁" of "좁은". Empty for any other word.
+std::string_view stemOfKorean(std::string_view word) {
+  const std::string_view first = word.substr(0, Text::decodeFirst(word).length);
+  const bool hasParticle = WordList<koreanParticles>::contains(word.substr(first.size()));
+  const bool isWhole = WordList<koreanNounsThatEndAlike>::contains(word);
+  return hasParticle && !isWhole ? first : std::string_view();
+}
+
 /// Collects the terms of a prompt, with the stop words of all languages.
 class Gatherer {
  public:
@@ -52,7 +98,7 @@ class Gatherer {
         break;
       case Word::Kind::run:
         run_ = word.text;
-        sayings_ = CommonPhrases::sayings(word.text);
+        sayings_ = sayings(word.text);
         break;
       case Word::Kind::pair:
         takePair(word, pairSays(word.script, word.neighbour), false);
@@ -116,8 +162,7 @@ class Gatherer {
                     .says = says,
                     .isBeginning = isBeginning,
                     .script = isBeginning ? PairedScript::none : word.script};
-    const std::string_view stem =
-        word.text == run_ ? KoreanParticles::stemOf(run_) : std::string_view();
+    const std::string_view stem = word.text == run_ ? stemOfKorean(run_) : std::string_view();
     if (!stem.empty()) {
       term.word = stem;
       term.says = std::min(says, Ranking::commonWord);

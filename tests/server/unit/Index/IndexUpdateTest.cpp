@@ -1,5 +1,6 @@
 #include "server/Index/IndexTables.h"
 #include "server/Index/IndexUpdate.h"
+#include "server/Index/SeenFiles.h"
 #include "server/Index/Survey.h"
 #include "support/OS/Directory.h"
 #include "unit/helpers/Files.h"
