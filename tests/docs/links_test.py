@@ -1,7 +1,11 @@
 #!/usr/bin/env python3
-"""Links between the pages. Nothing is fetched."""
+"""Links between the pages. Nothing is fetched. CMAKE and BUILD name CMake and the directory of a build."""
 
+import os
+import pathlib
 import re
+import subprocess
+import tempfile
 import unittest
 import urllib.parse
 
@@ -24,20 +28,30 @@ def anchors(page):
 
 
 class Links(unittest.TestCase):
-    def test_lead_to_files_and_headings_that_exist(self):
+    def assert_links_lead_somewhere(self, all_pages):
         seen = 0
-        for page in pages.pages():
+        for page in all_pages:
             for link in links(page):
                 if re.match(r"[a-z]+:", link):
                     continue
                 path, _, anchor = urllib.parse.unquote(link).partition("#")
                 target = (page.parent / path).resolve() if path else page
-                with self.subTest(page=pages.name(page), link=link):
+                with self.subTest(page=str(page), link=link):
                     self.assertTrue(target.exists(), "there is no such file")
                     if anchor:
                         self.assertIn(anchor, anchors(target))
                 seen += 1
         self.assertGreater(seen, 50)
+
+    def test_lead_to_files_and_headings_that_exist(self):
+        self.assert_links_lead_somewhere(pages.pages())
+
+    def test_lead_somewhere_where_the_pages_are_installed(self):
+        cmake, build = os.environ["CMAKE"], os.environ["BUILD"]
+        with tempfile.TemporaryDirectory() as prefix:
+            subprocess.run([cmake, "--install", build, "--component", "documents", "--prefix", prefix],
+                           check=True, stdout=subprocess.DEVNULL)
+            self.assert_links_lead_somewhere(sorted(pathlib.Path(prefix).resolve().rglob("*.md")))
 
     def test_load_no_picture_from_elsewhere(self):
         for page in pages.pages():
