@@ -6,11 +6,14 @@
 #include "unit/helpers/Files.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -300,6 +303,52 @@ TEST_F(IndexUpdateTest, OrdersTitlesWhenAllRowsAreThere) {
     ASSERT_TRUE(update(database, seen, Clock::now() + 60s));
     EXPECT_EQ(numberIn(database, ordersOfTitles), 1) << files;
   }
+}
+
+/// The statements that a database runs from now on.
+class RunStatements {
+ public:
+  /// A statement with `slow` in it takes as long as a step of an update may.
+  RunStatements(Database& database, std::string_view slow) : slow_(slow) {
+    sqlite3_trace_v2(database.handle(), SQLITE_TRACE_STMT, &note, this);
+  }
+
+  /// How many had this in them.
+  [[nodiscard]] std::ptrdiff_t with(std::string_view words) const {
+    return std::count_if(all_.begin(), all_.end(), [words](const std::string& statement) {
+      return statement.find(words) != std::string::npos;
+    });
+  }
+
+ private:
+  static int note(unsigned /*event*/, void* self, void* /*statement*/, void* text) {
+    auto& noted = *static_cast<RunStatements*>(self);
+    noted.all_.emplace_back(static_cast<const char*>(text));
+    if (noted.all_.back().find(noted.slow_) != std::string::npos)
+      std::this_thread::sleep_for(100ms);
+    return 0;
+  }
+
+  std::string slow_;
+  std::vector<std::string> all_;
+};
+
+TEST_F(IndexUpdateTest, SetsTheMergingAndOrdersTitlesOnceInHoweverManySteps) {
+  putLong(300, 2'000);
+  Database database = openIndex();
+  RunStatements statements(database, "'merge'");
+  const auto slowly = [](const OS::Descriptor& cards, Store::Kind kind, const std::string& name) {
+    std::this_thread::sleep_for(2ms);
+    return StoreFiles::readCard(cards, kind, name);
+  };
+  Survey seen = survey();
+  ASSERT_TRUE(update(database, seen, Clock::now() + 60s, slowly));
+  const std::ptrdiff_t merges = statements.with("'merge'");
+  EXPECT_GE(merges, 2);
+  EXPECT_GE(statements.with("COMMIT"), 5 + merges) << "changes and merges take several steps";
+  EXPECT_EQ(statements.with("'automerge', 0"), 1);
+  EXPECT_EQ(statements.with("'automerge', 4"), 1);
+  EXPECT_EQ(statements.with("newest ON files"), 1);
 }
 
 /// A store large enough to be looked at in parts.
