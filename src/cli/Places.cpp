@@ -14,25 +14,28 @@ namespace quillstead::cli {
 
 namespace {
 
+using server::UserPlaces::joined;
+using server::UserPlaces::withoutLastSlashes;
+
 /// The value of a variable; absent when it is unset or empty.
 std::optional<std::string> chosen(const OS::Environment& environment, std::string_view name) {
   const auto value = environment.value(name);
   if (!value || value->empty()) return std::nullopt;
-  return std::string(*value);
+  return withoutLastSlashes(*value);
 }
 
 /// A base directory by the XDG rules: a relative path counts as unset.
 std::string baseDirectory(const OS::Environment& environment, std::string_view name,
                           const std::string& byDefault) {
   const auto value = environment.value(name);
-  return value && value->starts_with('/') ? std::string(*value) : byDefault;
+  return value && value->starts_with('/') ? withoutLastSlashes(*value) : byDefault;
 }
 
 /// The directory of the programs with a slash at its end: the one that a package names whose own
 /// directory changes with each version, or that of the running program. Empty when it is not known.
 std::string directoryOfPrograms(const OS::Environment& environment) {
   const auto named = environment.value("QUILLSTEAD_PROGRAMS");
-  if (named && named->starts_with('/')) return std::string(*named) + "/";
+  if (named && named->starts_with('/')) return joined(withoutLastSlashes(*named), "");
   const auto own = OS::ownExecutable();
   const auto path = own ? OS::canonicalPath(*own) : std::nullopt;
   return path ? path->substr(0, path->rfind('/') + 1) : std::string();
@@ -44,20 +47,21 @@ Places Places::find(const OS::Environment& environment) {
   const std::string home = server::UserPlaces::home(environment);
   const auto claude = chosen(environment, "CLAUDE_CONFIG_DIR");
   const std::string personal = server::UserPlaces::personalStore(environment);
-  const std::string cacheInHome = home + "/" + std::string(OS::cacheDirectoryInHome());
+  const auto inHome = [&home](std::string_view name) { return joined(home, name); };
+  const auto base = [&](std::string_view variable, std::string_view name) {
+    return baseDirectory(environment, variable, inHome(name));
+  };
 
   Places places;
   places.home = home;
-  places.claudeDirectory = claude.value_or(home + "/.claude");
-  places.claudeServers = claude.value_or(home) + "/.claude.json";
-  places.codexDirectory = chosen(environment, "CODEX_HOME").value_or(home + "/.codex");
-  places.cursorDirectory = home + "/.cursor";
-  places.openCodeDirectory =
-      baseDirectory(environment, "XDG_CONFIG_HOME", home + "/.config") + "/opencode";
-  places.stateDirectory =
-      baseDirectory(environment, "XDG_STATE_HOME", home + "/.local/state") + "/quillstead";
-  places.cacheDirectory = baseDirectory(environment, "XDG_CACHE_HOME", cacheInHome) + "/quillstead";
-  places.personalStore = personal.empty() ? home + "/.quillstead" : personal;
+  places.claudeDirectory = claude.value_or(inHome(".claude"));
+  places.claudeServers = joined(claude.value_or(home), ".claude.json");
+  places.codexDirectory = chosen(environment, "CODEX_HOME").value_or(inHome(".codex"));
+  places.cursorDirectory = inHome(".cursor");
+  places.openCodeDirectory = joined(base("XDG_CONFIG_HOME", ".config"), "opencode");
+  places.stateDirectory = joined(base("XDG_STATE_HOME", ".local/state"), "quillstead");
+  places.cacheDirectory = joined(base("XDG_CACHE_HOME", OS::cacheDirectoryInHome()), "quillstead");
+  places.personalStore = personal.empty() ? inHome(".quillstead") : personal;
   places.programs = directoryOfPrograms(environment);
   places.hook = places.programs + "quillstead-hook";
   places.server = places.programs + "quillstead-mcp";

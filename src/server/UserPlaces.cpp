@@ -20,7 +20,7 @@ constexpr mode_t rightsOfOthers = 0077;
 
 std::string cachesOfAllPrograms(const OS::Environment& environment) {
   const auto chosen = environment.value("XDG_CACHE_HOME");
-  if (chosen && chosen->starts_with('/')) return std::string(*chosen);
+  if (chosen && chosen->starts_with('/')) return withoutLastSlashes(*chosen);
   const std::string directory = home(environment);
   return directory.empty() ? std::string() : joined(directory, OS::cacheDirectoryInHome());
 }
@@ -40,7 +40,8 @@ std::string canonicalOrGiven(std::string path) {
 
 std::string home(const OS::Environment& environment) {
   const auto home = environment.value("HOME");
-  return home && home->starts_with('/') ? std::string(*home) : OS::homeDirectory();
+  if (home && home->starts_with('/')) return withoutLastSlashes(*home);
+  return withoutLastSlashes(OS::homeDirectory());
 }
 
 std::string defaultPersonalStore(const OS::Environment& environment) {
@@ -51,13 +52,14 @@ std::string defaultPersonalStore(const OS::Environment& environment) {
 std::string personalStore(const OS::Environment& environment) {
   const auto chosen = environment.value("QUILLSTEAD_HOME");
   const bool isChosen = chosen && chosen->starts_with('/');
-  return isChosen ? canonicalOrGiven(std::string(*chosen)) : defaultPersonalStore(environment);
+  return isChosen ? canonicalOrGiven(withoutLastSlashes(*chosen))
+                  : defaultPersonalStore(environment);
 }
 
 std::string makeCacheDirectory(const OS::Environment& environment) {
   const std::string caches = cachesOfAllPrograms(environment);
   if (caches.empty()) return {};
-  const std::string directory = caches + "/quillstead";
+  const std::string directory = joined(caches, "quillstead");
   if (!OS::makeDirectories(directory, OS::FileMode::privateDirectory)) return {};
   std::optional<std::string> path = OS::canonicalPath(directory);
   struct stat status {};
@@ -76,6 +78,11 @@ bool makeCacheFile(const std::string& path) {
   const OS::Descriptor made(open(path.c_str(), flags, OS::FileMode::privateFile));
   // Another server may have made it at the same time.
   return made.isOpen() || (lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode));
+}
+
+std::string withoutLastSlashes(std::string_view path) {
+  while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
+  return std::string(path);
 }
 
 std::string joined(std::string_view directory, std::string_view name) {

@@ -9,7 +9,7 @@
 /// path is ignored, because its meaning would depend on the current directory.
 namespace quillstead::server::UserPlaces {
 
-/// HOME, else the system's answer; empty when both are missing.
+/// HOME, else the system's answer, without a slash at its end; empty when both are missing.
 std::string home(const OS::Environment& environment);
 
 /// The directory of personal memory: QUILLSTEAD_HOME, or ~/.quillstead. Links are followed if it
@@ -30,6 +30,9 @@ bool makeCacheFile(const std::string& path);
 
 /// The name of a store's directory, in a project and in the home directory.
 inline constexpr std::string_view storeName = ".quillstead";
+
+/// A path without slashes at its end; the root stays.
+std::string withoutLastSlashes(std::string_view path);
 
 /// `directory` and `name` as one path.
 std::string joined(std::string_view directory, std::string_view name);

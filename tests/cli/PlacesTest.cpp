@@ -49,6 +49,26 @@ TEST(Places, AreWhereTheEnvironmentSays) {
                              "/state/quillstead", "/cache/quillstead", "/store"));
 }
 
+TEST(Places, HaveNoSlashTwice) {
+  const auto plain = placesIn(unit::EnvironmentOf{"HOME=/h"});
+  for (const char* const home : {"HOME=/h/", "HOME=/h///"}) {
+    EXPECT_EQ(placesIn(unit::EnvironmentOf{home}), plain);
+    EXPECT_EQ(Places::find(unit::EnvironmentOf{home}).log, log);
+  }
+  EXPECT_THAT(
+      placesIn(unit::EnvironmentOf{"HOME=/h/", "CLAUDE_CONFIG_DIR=/c/", "CODEX_HOME=/x/",
+                                   "XDG_CONFIG_HOME=/config/", "XDG_STATE_HOME=/state/",
+                                   "XDG_CACHE_HOME=/cache/", "QUILLSTEAD_HOME=/store/"}),
+      ::testing::ElementsAre("/h", "/c", "/c/.claude.json", "/x", "/h/.cursor", "/config/opencode",
+                             "/state/quillstead", "/cache/quillstead", "/store"));
+  for (const std::string& place : placesIn(unit::EnvironmentOf{"HOME=/"})) {
+    EXPECT_EQ(place.find("//"), std::string::npos) << place;
+  }
+  const Places packaged =
+      Places::find(unit::EnvironmentOf{"HOME=/h", "QUILLSTEAD_PROGRAMS=/opt/quillstead/bin/"});
+  EXPECT_EQ(packaged.hook, "/opt/quillstead/bin/quillstead-hook");
+}
+
 TEST(Places, TakeARelativeBaseDirectoryForNone) {
   const Places places = Places::find(unit::EnvironmentOf{
       "HOME=/h", "XDG_CONFIG_HOME=config", "XDG_STATE_HOME=./state", "XDG_CACHE_HOME=cache"});

@@ -68,6 +68,15 @@ TEST_F(ScopeTest, PutsThePersonalStoreWhereTheEnvironmentSays) {
   EXPECT_EQ(rootOf(Scope::find(choosing, "/").personal), chosen);
 }
 
+TEST_F(ScopeTest, PutsOneSlashBehindAHomeThatEndsInOne) {
+  const std::string home = directory / "new";
+  for (const std::string& variable :
+       {"HOME=" + home + "//", "QUILLSTEAD_HOME=" + home + "/.quillstead/"}) {
+    EXPECT_EQ(rootOf(Scope::find(unit::EnvironmentOf{variable}, "/").personal),
+              home + "/.quillstead");
+  }
+}
+
 TEST_F(ScopeTest, AsksTheSystemForTheHomeWhenTheEnvironmentLacksIt) {
   for (const unit::EnvironmentOf& environment :
        {unit::EnvironmentOf{}, unit::EnvironmentOf{"HOME="}}) {
