@@ -5,6 +5,8 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 namespace quillstead::cli {
 
 namespace {
@@ -55,9 +57,9 @@ void Console::printError(std::string_view text) {
 }
 
 bool Console::flush() {
-  if (isWhole_) isWhole_ = OS::writeAll(output_, kept_);
+  if (failure_ == 0 && !OS::writeAll(output_, kept_)) failure_ = errno != 0 ? errno : EIO;
   kept_.clear();
-  return isWhole_;
+  return failure_ == 0;
 }
 
 bool Console::isHeard() const {

@@ -25,8 +25,11 @@ class Console {
   /// The same with `text` only.
   void printError(std::string_view text);
 
-  /// Writes the buffer. False when some output could not be written.
+  /// Writes the buffer. False when some output could not be written; what comes later is lost then.
   bool flush();
+
+  /// Why it could not be written, as an error number; 0 when nothing was lost.
+  [[nodiscard]] int failure() const { return failure_; }
 
   /// False when the output is a pipe or terminal whose other end is closed.
   [[nodiscard]] bool isHeard() const;
@@ -39,7 +42,7 @@ class Console {
   int output_;
   int error_;
   bool hasColours_;
-  bool isWhole_ = true;
+  int failure_ = 0;
   std::string kept_;
 };
 

@@ -8,7 +8,10 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
+#include <string>
 #include <variant>
 
 namespace quillstead::cli::Program {
@@ -31,6 +34,14 @@ struct Dispatch {
   int operator()(const Trust::Options& options) const { return Trust::run(options, context); }
 };
 
+/// Says why results are lost. A reader that went away has all that it wanted, as in
+/// `quillstead log | head`.
+void complainOfLostResults(Console& console) {
+  if (console.failure() == EPIPE) return;
+  console.complain("the results cannot be written to standard output: " +
+                   std::string(std::strerror(console.failure())));
+}
+
 }  // namespace
 
 int run(std::span<char* const> arguments, const OS::Environment& environment) {
@@ -46,7 +57,9 @@ int run(std::span<char* const> arguments, const OS::Environment& environment) {
         .environment = environment, .places = Places::find(environment), .console = console};
     status = std::visit(Dispatch{context}, std::get<CommandLine::Command>(outcome));
   }
-  return console.flush() ? status : EXIT_FAILURE;
+  if (console.flush()) return status;
+  complainOfLostResults(console);
+  return EXIT_FAILURE;
 }
 
 }  // namespace quillstead::cli::Program

@@ -6,6 +6,13 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace quillstead::cli {
 
@@ -101,9 +108,32 @@ TEST(Program, RefusesACommandLineThatMakesNoSense) {
   }
 }
 
-TEST(Program, SaysWithItsStatusWhenItsResultCannotBeWritten) {
-  const std::string command = std::string(QUILLSTEAD_BINARY) + " help >&-";
-  EXPECT_NE(std::system(command.c_str()), 0);
+/// What `sh` writes and reads when it runs the command; its status at the end.
+std::string shown(const std::string& command) {
+  FILE* const shell = popen(command.c_str(), "r");
+  if (shell == nullptr) return "sh cannot be run";
+  std::string text;
+  std::array<char, 1024> piece{};
+  while (std::fgets(piece.data(), piece.size(), shell) != nullptr) text += piece.data();
+  const int status = pclose(shell);
+  return text + "status " + std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -1);
+}
+
+TEST(Program, SaysWhyItsResultCannotBeWritten) {
+  const std::string help = QUILLSTEAD_BINARY " help 2>&1 ";
+  const std::string complaint = "quillstead: the results cannot be written to standard output: ";
+  EXPECT_EQ(shown(help + ">&-"), complaint + "Bad file descriptor\nstatus 1");
+#if defined(__linux__)
+  EXPECT_EQ(shown(help + ">/dev/full"), complaint + "No space left on device\nstatus 1");
+#endif
+}
+
+TEST(Program, SaysNothingWhenTheReaderWentAway) {
+  const test::MadeUpHome home;
+  const std::string said = home.path("said");
+  const std::string untilItFails =
+      "{ while " QUILLSTEAD_BINARY " help 2>>" + said + "; do :; done; } | true";
+  EXPECT_EQ(shown(untilItFails + "; cat " + said), "status 0");
 }
 
 }  // namespace
