@@ -240,6 +240,20 @@ class DoctorTest(unittest.TestCase):
         cursor.unlink()
         self.assert_check(self.doctor("cursor"), "cursor.server", "warn", "has no server of ours")
 
+    def test_a_server_that_is_switched_off(self):
+        self.install()
+        opencode, codex = self.home / ".config/opencode/opencode.json", self.home / ".codex/config.toml"
+        opencode.write_text(opencode.read_text().replace('"enabled": true', '"enabled": false'))
+        codex.write_text(codex.read_text() + "enabled = false\n")
+        checks = self.doctor("opencode", "codex")
+        for harness, path in [("opencode", opencode), ("codex", codex)]:
+            self.assert_check(checks, f"{harness}.server", "warn", f"{path} switches the server off", "set enabled to true")
+        codex.write_text(codex.read_text().replace("enabled = false", "enabled = true"))
+        opencode.write_text(opencode.read_text().replace('"enabled": false', '"environment": {}'))
+        checks = self.doctor("opencode", "codex")
+        for harness in ("opencode", "codex"):
+            self.assert_check(checks, f"{harness}.server", "ok")
+
     def test_hooks_that_claude_code_does_not_run(self):
         self.install()
         (self.work / ".claude").mkdir()

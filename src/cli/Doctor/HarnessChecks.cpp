@@ -197,6 +197,14 @@ void findSwitchedOff(const std::string& harness, const std::string& path, const 
   }
 }
 
+/// Some harnesses do not start a server whose entry says so.
+void findServerSwitchedOff(const Harnesses::Target& target, Compared& server) {
+  if (!target.isSwitchedOff || !server.text || !target.isSwitchedOff(*server.text)) return;
+  server.findings.warn(
+      target.path + " switches the server off, so the agent cannot search memory or add to it",
+      "set enabled to true in its entry");
+}
+
 /// Whether both bring the same: one without a slot brings what all of them do.
 bool bringTheSame(const ConfiguredHook& one, const ConfiguredHook& other) {
   return one.event == other.event &&
@@ -294,6 +302,7 @@ std::vector<Check> run(const std::string& harness, const Context& context, const
 
   Compared server = compare(targets.back(), "server", false);
   findTwoHomes(harness, server, configured, context);
+  findServerSwitchedOff(targets.back(), server);
   return {hooks.findings.check(harness + ".hooks", path + ": our entries are up to date"),
           server.findings.check(harness + ".server",
                                 targets.back().path + ": our server is up to date"),

@@ -210,4 +210,11 @@ EditOutcome uninstall(const std::string& before) {
   return Edited{.text = std::move(text), .hadOurs = true};
 }
 
+bool isSwitchedOff(const std::string& content) {
+  const auto found = read(content);
+  const auto* const config = std::get_if<Config>(&found);
+  const toml::node* const entry = config == nullptr ? nullptr : config->entry();
+  return entry != nullptr && (*entry->as_table())["enabled"].value<bool>() == false;
+}
+
 }  // namespace quillstead::cli::CodexServer

@@ -16,4 +16,7 @@ EditOutcome install(const std::optional<std::string>& before, const std::string&
 
 EditOutcome uninstall(const std::string& before);
 
+/// Whether the file tells Codex not to start the server: `enabled = false`.
+bool isSwitchedOff(const std::string& content);
+
 }  // namespace quillstead::cli::CodexServer

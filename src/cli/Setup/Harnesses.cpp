@@ -108,7 +108,8 @@ std::vector<Target> codex(const Places& places, const Programs& programs) {
              return CodexServer::install(before, programs.server);
            },
        .uninstall = uninstallFromCodexConfig,
-       .rest = CodexConfigHooks::ours}};
+       .rest = CodexConfigHooks::ours,
+       .isSwitchedOff = CodexServer::isSwitchedOff}};
 }
 
 std::vector<Target> cursor(const Places& places, const Programs& programs) {
@@ -167,6 +168,9 @@ std::vector<Target> openCode(const Places& places, const Programs& programs) {
   const bool isCommentsChanged = hasComments && (isInBoth || !isInPlain);
   targets.push_back(
       serverTarget("opencode", isCommentsChanged ? withComments : plain, inOpenCode(), programs));
+  targets.back().isSwitchedOff = [](const std::string& content) {
+    return ServerEntry::isSwitchedOff(content, inOpenCode());
+  };
   return targets;
 }
 

@@ -36,6 +36,9 @@ struct Target {
 
   /// What is ours in the content and is left to the user; empty: nothing can be.
   std::function<std::optional<JSONC::Complaint>(const std::string& content)> rest = {};
+
+  /// Whether the content tells the harness not to start the server; empty: nothing there can.
+  std::function<bool(const std::string& content)> isSwitchedOff = {};
 };
 
 /// The files of a harness, in the order in which they are changed. `programs` must outlive the

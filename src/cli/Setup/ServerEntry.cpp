@@ -93,4 +93,14 @@ EditOutcome uninstall(const std::string& before, const Where& where) {
   return Edited{.text = document.text(), .hadOurs = hadOurs};
 }
 
+bool isSwitchedOff(const std::string& content, const Where& where) {
+  const auto read = Document::read(content);
+  const auto* const document = std::get_if<Document>(&read);
+  if (document == nullptr) return false;
+  Path path = Members::pathOf(where.keys);
+  path.emplace_back("enabled");
+  const Node* const enabled = document->at(path);
+  return enabled != nullptr && document->textOf(*enabled) == "false";
+}
+
 }  // namespace quillstead::cli::ServerEntry

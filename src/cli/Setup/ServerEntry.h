@@ -28,4 +28,7 @@ EditOutcome install(const std::optional<std::string>& before, const Where& where
 
 EditOutcome uninstall(const std::string& before, const Where& where);
 
+/// Whether the entry has `"enabled": false`.
+bool isSwitchedOff(const std::string& content, const Where& where);
+
 }  // namespace quillstead::cli::ServerEntry
