@@ -419,6 +419,16 @@ class DoctorTest(unittest.TestCase):
         self.assertEqual(self.quillstead("trust").returncode, 0)
         self.assert_check(self.doctor("cursor"), "store.project", "ok", str(self.work))
 
+    def test_rules_count_as_the_user_wrote_them(self):
+        self.install()
+        self.assertEqual(self.quillstead("init", "--project").returncode, 0)
+        for text, size in [("- a\n", "4 bytes"), ("<!-- A note. -->\n\n", "0 bytes"), ("<!-- A note. -->- a", "3 bytes")]:
+            for store, check in [(self.home / ".quillstead", "store.personal"), (self.work / ".quillstead", "store.project")]:
+                (store / "rules.md").write_text(text)
+                self.assert_check(self.doctor("cursor"), check, "ok", f"{store}: rules of {size},")
+        (store / "rules.md").write_bytes(b"a\0b")
+        self.assert_check(self.doctor("cursor"), "store.project", "warn", "rules of 0 bytes,", "rules.md is left out")
+
     def test_a_home_of_memory_for_one_program_only(self):
         self.install()
         claude, cursor = self.home / ".claude/settings.json", self.home / ".cursor/mcp.json"

@@ -8,6 +8,7 @@
 #include "server/Store/StoreFiles.h"
 #include "server/UserPlaces.h"
 #include "support/OS/File.h"
+#include "support/Text/Text.h"
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -96,7 +97,8 @@ void findDirectoryLeftOut(const Store& store, Findings& findings) {
   }
 }
 
-void findLeftOut(const Store& store, const Cards& cards, Findings& findings) {
+void findLeftOut(const Store& store, const Cards& cards, const StoreFiles::TextOrReason& rules,
+                 Findings& findings) {
   if (!cards.areRead) findDirectoryLeftOut(store, findings);
   constexpr std::size_t most = 3;
   std::size_t told = 0;
@@ -108,7 +110,6 @@ void findLeftOut(const Store& store, const Cards& cards, Findings& findings) {
   if (cards.leftOut.size() > most) {
     findings.warn("and so are " + std::to_string(cards.leftOut.size() - most) + " more", "");
   }
-  const auto rules = StoreFiles::readRules(store);
   const auto* const reason = std::get_if<NoText>(&rules);
   if (reason && *reason != NoText::missing) {
     findings.warn("rules.md is left out: " + std::string(StoreFiles::explained(*reason)),
@@ -139,13 +140,26 @@ void findOpenModes(const Store& store, Findings& findings) {
                 "chmod -R go= " + quotedWhereNeeded(store.root));
 }
 
-std::string contentOf(const Store& store, const Cards& cards, std::size_t rules) {
-  return store.root + ": rules of " + Wording::counted(static_cast<std::int64_t>(rules), "byte") +
-         ", " + Wording::counted(cards.count, "card") + " of " +
-         Wording::counted(cards.bytes, "byte");
+/// The bytes of the rules as the user wrote them, without comments; 0 when they are left out.
+std::int64_t writtenBytes(const StoreFiles::TextOrReason& rules) {
+  const auto* const file = std::get_if<StoreFiles::FileText>(&rules);
+  const bool isEmpty = file == nullptr || Text::isBlank(file->text);
+  return isEmpty ? 0 : static_cast<std::int64_t>(file->text.size());
 }
 
-/// The rules of one store alone.
+std::string contentOf(const Store& store, const Cards& cards,
+                      const StoreFiles::TextOrReason& rules) {
+  return store.root + ": rules of " + Wording::counted(writtenBytes(rules), "byte") + ", " +
+         Wording::counted(cards.count, "card") + " of " + Wording::counted(cards.bytes, "byte");
+}
+
+/// The check with the content of the store before what was found.
+Check withContent(Check check, const std::string& content) {
+  check.summary = check.summary.empty() ? content : content + "; " + check.summary;
+  return check;
+}
+
+/// The bytes of the rules of these stores as a harness gets them, with the lines between.
 std::size_t sizeOfRules(const Scope& scope) { return server::Rules::read(scope).size(); }
 
 bool isThere(const std::string& path) {
@@ -180,14 +194,12 @@ Check personal(const Context& context, const std::vector<std::string>& harnesses
     return findings.check("store.personal", "");
   }
   const Cards cards = cardsOf(*scope.personal);
-  const std::size_t rules = sizeOfRules(scope);
+  const auto rules = StoreFiles::readRules(*scope.personal);
   findOpenModes(*scope.personal, findings);
-  findLeftOut(*scope.personal, cards, findings);
-  findTooLongRules(rules, harnesses, findings);
-  Check check = findings.check("store.personal", "");
-  const std::string content = contentOf(*scope.personal, cards, rules);
-  check.summary = check.summary.empty() ? content : content + "; " + check.summary;
-  return check;
+  findLeftOut(*scope.personal, cards, rules, findings);
+  findTooLongRules(sizeOfRules(scope), harnesses, findings);
+  return withContent(findings.check("store.personal", ""),
+                     contentOf(*scope.personal, cards, rules));
 }
 
 Check project(const Context& context, const std::vector<std::string>& harnesses) {
@@ -203,15 +215,10 @@ Check project(const Context& context, const std::vector<std::string>& harnesses)
   }
   Findings findings;
   const Cards cards = cardsOf(*scope.project);
-  findLeftOut(*scope.project, cards, findings);
-  const std::size_t both = sizeOfRules(scope);
-  findTooLongRules(both, harnesses, findings);
-  Scope own = scope;
-  own.personal.reset();
-  Check check = findings.check("store.project", "");
-  const std::string content = contentOf(*scope.project, cards, sizeOfRules(own));
-  check.summary = check.summary.empty() ? content : content + "; " + check.summary;
-  return check;
+  const auto rules = StoreFiles::readRules(*scope.project);
+  findLeftOut(*scope.project, cards, rules, findings);
+  findTooLongRules(sizeOfRules(scope), harnesses, findings);
+  return withContent(findings.check("store.project", ""), contentOf(*scope.project, cards, rules));
 }
 
 }  // namespace quillstead::cli::StoreChecks
