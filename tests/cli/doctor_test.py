@@ -419,6 +419,32 @@ class DoctorTest(unittest.TestCase):
         self.assertEqual(self.quillstead("trust").returncode, 0)
         self.assert_check(self.doctor("cursor"), "store.project", "ok", str(self.work))
 
+    def test_a_project_whose_store_is_left_out(self):
+        self.install()
+        store, notes = self.work / ".quillstead", self.home / "notes"
+        self.assertEqual(self.quillstead("init", "--project").returncode, 0)
+        store.chmod(0o777)
+        self.assert_check(self.doctor("cursor"), "store.project", "warn",
+                          f"{store} is left out: any user can write to it", f"chmod -R o-w {store}")
+        inner = self.work / "inner"
+        inner.mkdir()
+        store.chmod(0o755)
+        store.rename(inner / ".quillstead")
+        notes.mkdir()
+        store.symlink_to(notes)
+        self.assert_check(self.doctor("cursor"), "store.project", "warn",
+                          f"{store} is left out: it is a symbolic link out of the project", "put a directory there instead of the link")
+        store.unlink()
+        self.assert_check(self.doctor("cursor"), "store.project", "skip", "in no project with a store")
+
+        # A store above one that is left out is used.
+        (inner / ".quillstead").rename(store)
+        (inner / ".quillstead").mkdir()
+        (inner / ".quillstead").chmod(0o777)
+        self.work = inner
+        self.assert_check(self.doctor("cursor"), "store.project", "warn", f"{store}: rules of",
+                          f"{inner}/.quillstead is left out: any user can write to it")
+
     def test_rules_count_as_the_user_wrote_them(self):
         self.install()
         self.assertEqual(self.quillstead("init", "--project").returncode, 0)

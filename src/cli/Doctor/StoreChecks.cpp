@@ -162,6 +162,29 @@ Check withContent(Check check, const std::string& content) {
 /// The bytes of the rules of these stores as a harness gets them, with the lines between.
 std::size_t sizeOfRules(const Scope& scope) { return server::Rules::read(scope).size(); }
 
+/// What to do about a project's store that is not used.
+std::string fixFor(const server::SkippedStore& store) {
+  using Why = server::SkippedStore::Why;
+  switch (store.why) {
+    case Why::someoneElses:
+      return "work in a copy of the project that belongs to you";
+    case Why::everybodys:
+      return takeFromOthers(store.path);
+    case Why::linkOut:
+      return "put a directory there instead of the link";
+    case Why::unreadable:
+      break;
+  }
+  return "make it a directory that you can read";
+}
+
+void findSkipped(const Scope& scope, Findings& findings) {
+  for (const server::SkippedStore& store : scope.skipped) {
+    findings.warn(store.path + " is left out: " + std::string(server::explained(store.why)),
+                  fixFor(store));
+  }
+}
+
 bool isThere(const std::string& path) {
   struct stat status {};
   return stat(path.c_str(), &status) == 0;
@@ -204,16 +227,17 @@ Check personal(const Context& context, const std::vector<std::string>& harnesses
 
 Check project(const Context& context, const std::vector<std::string>& harnesses) {
   const Scope scope = Scope::find(context.environment, std::nullopt);
+  Findings findings;
+  findSkipped(scope, findings);
   if (scope.projectLeftOut) {
-    return {.id = "store.project",
-            .status = Check::Status::warn,
-            .summary = "this project has a store, which is left out: you have not trusted it",
-            .fix = "look at what is in it, then: quillstead trust"};
+    findings.warn("this project has a store, which is left out: you have not trusted it",
+                  "look at what is in it, then: quillstead trust");
   }
   if (!scope.project) {
-    return skipped("store.project", "this directory is in no project with a store");
+    return findings.empty()
+               ? skipped("store.project", "this directory is in no project with a store")
+               : findings.check("store.project", "");
   }
-  Findings findings;
   const Cards cards = cardsOf(*scope.project);
   const auto rules = StoreFiles::readRules(*scope.project);
   findLeftOut(*scope.project, cards, rules, findings);

@@ -14,14 +14,13 @@
 #include <climits>
 #include <memory>
 #include <utility>
+#include <variant>
 
 namespace quillstead::server {
 
 namespace {
 
-void reportSkipped(const std::string& path, std::string_view reason) {
-  complain(path + " is skipped: " + std::string(reason));
-}
+using Why = SkippedStore::Why;
 
 /// A directory entry named `.quillstead`, and the directory that may be a project.
 struct Candidate {
@@ -54,66 +53,79 @@ OS::Descriptor openIn(const std::string& top, const std::string& root) {
   return OS::openBeneath(base, path, O_RDONLY | O_DIRECTORY);
 }
 
-bool isUsersOwn(const std::string& path, OS::Ownership ownership) {
+std::optional<Why> flawOf(OS::Ownership ownership) {
   switch (ownership) {
     case OS::Ownership::ours:
-      return true;
+      return std::nullopt;
     case OS::Ownership::someoneElses:
-      reportSkipped(path, "it belongs to another user");
-      return false;
+      return Why::someoneElses;
     case OS::Ownership::everybodys:
       break;
   }
-  reportSkipped(path, "any user can write to it");
-  return false;
+  return Why::everybodys;
 }
 
 /// The store, when the user owns it and trusts its place.
-std::optional<Store> opened(const Candidate& found, const Trust& trust) {
+std::variant<Store, Why> opened(const Candidate& found, const Trust& trust) {
   const bool isInProject = found.root.starts_with(UserPlaces::joined(found.project, ""));
   const auto top = isInProject ? found.project : trust.coverOf(found.root);
-  if (!top) {
-    reportSkipped(found.path, "it is a symbolic link out of the project");
-    return std::nullopt;
-  }
+  if (!top) return Why::linkOut;
   auto directory = std::make_shared<const OS::Descriptor>(openIn(*top, found.root));
   struct stat status {};
-  if (!directory->isOpen() || fstat(directory->number(), &status) != 0) {
-    reportSkipped(found.path, "it cannot be opened");
-    return std::nullopt;
-  }
-  if (!isUsersOwn(found.path, OS::ownershipOf(status))) return std::nullopt;
+  if (!directory->isOpen() || fstat(directory->number(), &status) != 0) return Why::unreadable;
+  if (const auto flaw = flawOf(OS::ownershipOf(status))) return *flaw;
   return Store{.kind = Store::Kind::project, .root = found.root, .directory = std::move(directory)};
 }
 
-/// The project that a directory belongs to.
-struct FoundProject {
-  std::optional<Store> store;
-  bool leftOut = false;  ///< a project exists, but is not trusted; it was not opened
-};
+/// Looks for the nearest `.quillstead` in a directory or above it. Skipped, so that the search goes
+/// on above: those in `personal`; those that another user owns or any user can write to; links that
+/// lead neither into their project nor into another trusted directory. Standard error reports the
+/// last two.
+class ProjectSearch {
+ public:
+  ProjectSearch(const std::vector<std::string>& personal, const OS::Environment& environment)
+      : personal_(personal), environment_(environment) {}
 
-/// The nearest `.quillstead` in `start`, an absolute path, or above it. Skipped, so that the search
-/// goes on above: those in `personal`; those that another user owns or any user can write to; links
-/// that lead neither into their project nor into another trusted directory. Standard error reports
-/// the last two.
-FoundProject projectAbove(const std::string& start, const std::vector<std::string>& personal,
-                          const OS::Environment& environment) {
-  if (start.size() >= PATH_MAX) return {};  // there is no such directory
-  std::optional<Trust> trust;
-  for (std::string directory = start;;) {
-    const auto candidate = candidateIn(directory);
-    const bool isProject =
-        candidate && std::find(personal.begin(), personal.end(), candidate->root) == personal.end();
-    if (isProject && isUsersOwn(candidate->path, candidate->ownership)) {
-      if (!trust) trust = Trust::read(environment);
-      if (!trust->coverOf(candidate->project)) return {.store = {}, .leftOut = true};
-      if (auto store = opened(*candidate, *trust)) return {.store = std::move(store)};
+  /// Fills in what the scope says of projects. `start`: an absolute path.
+  void run(const std::string& start, Scope& scope) {
+    if (start.size() >= PATH_MAX) return;  // there is no such directory
+    for (std::string directory = start;;) {
+      const auto candidate = candidateIn(directory);
+      if (candidate && isProject(*candidate) && isEndedBy(*candidate, scope)) return;
+      const std::size_t slash = directory.find_last_of('/');
+      if (slash == std::string::npos || directory == "/") return;
+      directory.resize(slash == 0 ? 1 : slash);
     }
-    const std::size_t slash = directory.find_last_of('/');
-    if (slash == std::string::npos || directory == "/") return {};
-    directory.resize(slash == 0 ? 1 : slash);
   }
-}
+
+ private:
+  [[nodiscard]] bool isProject(const Candidate& candidate) const {
+    return std::find(personal_.begin(), personal_.end(), candidate.root) == personal_.end();
+  }
+
+  /// True when the candidate is used, or left out because it is not trusted.
+  bool isEndedBy(const Candidate& candidate, Scope& scope) {
+    auto flaw = flawOf(candidate.ownership);
+    if (!flaw) {
+      if (!trust_) trust_ = Trust::read(environment_);
+      scope.projectLeftOut = !trust_->coverOf(candidate.project);
+      if (scope.projectLeftOut) return true;
+      auto outcome = opened(candidate, *trust_);
+      if (auto* const store = std::get_if<Store>(&outcome)) {
+        scope.project = std::move(*store);
+        return true;
+      }
+      flaw = std::get<Why>(outcome);
+    }
+    complain(candidate.path + " is skipped: " + std::string(explained(*flaw)));
+    scope.skipped.push_back({.path = candidate.path, .why = *flaw});
+    return false;
+  }
+
+  const std::vector<std::string>& personal_;
+  const OS::Environment& environment_;
+  std::optional<Trust> trust_;  ///< read when there is a project
+};
 
 std::string ownDirectory() { return OS::canonicalPath(".").value_or(std::string()); }
 
@@ -136,7 +148,7 @@ std::optional<Store> personalAt(std::string root) {
   struct stat status {};
   if (directory.isOpen() && fstat(directory.number(), &status) == 0 &&
       OS::ownershipOf(status) == OS::Ownership::everybodys) {
-    complain(root + " is skipped: any user can write to it");
+    complain(root + " is skipped: " + std::string(explained(Why::everybodys)));
     return std::nullopt;
   }
   Store store{.kind = Store::Kind::personal, .root = std::move(root)};
@@ -152,6 +164,20 @@ std::string_view nameOf(Store::Kind kind) {
   return kind == Store::Kind::project ? "project" : "personal";
 }
 
+std::string_view explained(SkippedStore::Why why) {
+  switch (why) {
+    case Why::someoneElses:
+      return "it belongs to another user";
+    case Why::everybodys:
+      return "any user can write to it";
+    case Why::linkOut:
+      return "it is a symbolic link out of the project";
+    case Why::unreadable:
+      break;
+  }
+  return "it cannot be opened";
+}
+
 std::vector<Store> Scope::stores() const {
   std::vector<Store> all;
   if (personal) all.push_back(*personal);
@@ -165,10 +191,9 @@ Scope Scope::find(const OS::Environment& environment, std::optional<std::string_
   scope.personal = personalAt(personalRoot);
   const std::string start = cwd ? absolute(*cwd) : ownDirectory();
   if (start.empty()) return scope;
-  FoundProject project = projectAbove(
-      start, {personalRoot, UserPlaces::defaultPersonalStore(environment)}, environment);
-  scope.project = std::move(project.store);
-  scope.projectLeftOut = project.leftOut;
+  const std::vector<std::string> personal{personalRoot,
+                                          UserPlaces::defaultPersonalStore(environment)};
+  ProjectSearch(personal, environment).run(start, scope);
   return scope;
 }
 

@@ -28,11 +28,23 @@ struct Store {
 /// "project" or "personal", as users and agents write it.
 std::string_view nameOf(Store::Kind kind);
 
+/// A project's store that exists, but is not used.
+struct SkippedStore {
+  enum class Why { someoneElses, everybodys, linkOut, unreadable };
+
+  std::string path;  ///< as it was found
+  Why why;
+};
+
+/// The same as a text for the user: "it belongs to another user".
+std::string_view explained(SkippedStore::Why why);
+
 /// The stores that one call uses.
 struct Scope {
   std::optional<Store> personal;  ///< may not exist yet; absent when no place for it is known
   std::optional<Store> project;   ///< absent when the working directory is in no trusted project
   bool projectLeftOut = false;    ///< a project store exists, but is not trusted
+  std::vector<SkippedStore> skipped = {};  ///< in or above the working directory, the nearest first
 
   /// All of them, the personal one first.
   [[nodiscard]] std::vector<Store> stores() const;

@@ -32,6 +32,15 @@ class ScopeTest : public ::testing::Test {
   unit::TemporaryDirectory directory;
 };
 
+/// What is skipped, and why: "path: reason" a line.
+std::string skippedIn(const Scope& scope) {
+  std::string all;
+  for (const SkippedStore& one : scope.skipped) {
+    all.append(one.path).append(": ").append(explained(one.why)).append("\n");
+  }
+  return all;
+}
+
 std::string rootOf(const std::optional<Store>& store) { return store ? store->root : "none"; }
 
 TEST_F(ScopeTest, FindsTheProjectInTheNearestDirectoryAbove) {
@@ -182,6 +191,21 @@ TEST_F(ScopeTest, PassesOverWhatEverybodyMayWrite) {
 
   fs::permissions(store, fs::perms::all & ~fs::perms::others_write);
   EXPECT_EQ(rootOf(Scope::find(environment, directory / "home/project").project), store);
+}
+
+TEST_F(ScopeTest, SaysWhichStoresItSkippedOnItsWayUpAndWhy) {
+  const std::string project = directory / "home/project";
+  fs::create_directories(project + "/deep/.quillstead");
+  fs::permissions(project + "/deep/.quillstead", fs::perms::all);
+  fs::create_directory_symlink(directory / "elsewhere", project + "/deep/er/.quillstead");
+  const unit::EnvironmentOf environment{home(), trust()};
+  const unit::Captured told(STDERR_FILENO);
+  const Scope scope = Scope::find(environment, project + "/deep/er");
+  EXPECT_EQ(rootOf(scope.project), project + "/.quillstead");
+  EXPECT_EQ(skippedIn(scope),
+            project + "/deep/er/.quillstead: it is a symbolic link out of the project\n" + project +
+                "/deep/.quillstead: any user can write to it\n");
+  EXPECT_EQ(skippedIn(Scope::find(environment, project)), "");
 }
 
 TEST_F(ScopeTest, HoldsTheStoreThatItFound) {
