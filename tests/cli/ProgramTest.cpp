@@ -18,8 +18,10 @@ namespace quillstead::cli {
 
 namespace {
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::StartsWith;
 
 TEST(Program, PrintsTheHelpAsAComplaintWhenNothingIsAsked) {
@@ -108,7 +110,15 @@ TEST(Program, RefusesACommandLineThatMakesNoSense) {
   }
 }
 
-/// What `sh` writes and reads when it runs the command; its status at the end.
+TEST(Program, NamesPlacesInAHomeThatEndsInASlash) {
+  test::MadeUpHome home;
+  home.set("HOME", home.path("") + "/");
+  EXPECT_THAT(home.run({"log"}).error,
+              AllOf(StartsWith("quillstead: there is no log. Looked for: " + home.path("")),
+                    Not(HasSubstr("//"))));
+}
+
+/// What a shell prints when it runs the command, and its status at the end.
 std::string shown(const std::string& command) {
   FILE* const shell = popen(command.c_str(), "r");
   if (shell == nullptr) return "sh cannot be run";

@@ -65,6 +65,17 @@ bool forEachLine(const OS::Descriptor& file, Lines& lines) {
 
 namespace quillstead::cli {
 
+namespace {
+
+/// The hook takes HOME as it is, with a slash at its end if it has one.
+std::string withSingleSlashes(std::string path) {
+  const auto areSlashes = [](char one, char next) { return one == '/' && next == '/'; };
+  path.erase(std::unique(path.begin(), path.end(), areSlashes), path.end());
+  return path;
+}
+
+}  // namespace
+
 LogPlace LogPlace::find(const Context& context, const std::optional<std::string>& named) {
   LogPlace place;
   const std::string ofHook = hook::TelemetryLine::path(context.environment);
@@ -73,7 +84,8 @@ LogPlace LogPlace::find(const Context& context, const std::optional<std::string>
     if (!place.isOff) place.candidates.push_back(ofHook);
     return place;
   }
-  for (const std::string& path : {named.value_or(""), context.places.log, ofHook}) {
+  for (const std::string& path :
+       {named.value_or(""), context.places.log, withSingleSlashes(ofHook)}) {
     auto& known = place.candidates;
     const bool isNew = std::find(known.begin(), known.end(), path) == known.end();
     if (isNew && !path.empty()) known.push_back(path);
