@@ -207,6 +207,19 @@ TEST(ChildProcess, WaitsForAGrandchildThatHoldsThePipesHoweverLongTheLeash) {
   EXPECT_EQ(result.standardOutput, "child\ngrandchild\n");
 }
 
+TEST(ChildProcess, ReadsEachStreamToItsOwnEnd) {
+  const unit::TemporaryDirectory directory;
+  for (const auto& [closed, kept] : {std::pair{"1", "2"}, std::pair{"2", "1"}}) {
+    unit::writeExecutable(directory / "server", std::string("#!/bin/sh\nexec ") + closed +
+                                                    ">&-\n(sleep 0.3; echo late >&" + kept +
+                                                    ") &\nexit 3\n");
+    const Exited result = exited(
+        run({.executable = directory / "server", .input = {}, .leash = ample, .firstOutput = {}}));
+    EXPECT_EQ(result.status, 3);
+    EXPECT_EQ(result.standardOutput + result.standardError, "late\n") << "closed: " << closed;
+  }
+}
+
 TEST(ChildProcess, WaitsForAChildThatClosedItsStreams) {
   for (const std::string& input : {std::string(), pattern(1'000'000)}) {
     std::optional<Exited> result;

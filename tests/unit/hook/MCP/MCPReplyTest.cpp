@@ -174,6 +174,19 @@ TEST(MCPReply, FindsAnIdHoweverItIsSpelled) {
   }
 }
 
+TEST(MCPReply, IsReadInEveryUnicodeEncoding) {
+  for (const std::size_t zeros : {1U, 3U}) {
+    std::string little;
+    std::string big;
+    for (const char character : goodResponse) {
+      little.append(1, character).append(zeros, '\0');
+      big.append(zeros, '\0').append(1, character);
+    }
+    EXPECT_EQ(read(little), "[A] {} -") << zeros;
+    EXPECT_EQ(read(big), "[A] {} -") << zeros;
+  }
+}
+
 TEST(MCPReply, GoesByTheLastOfARepeatedId) {
   EXPECT_EQ(read(R"({"id":1,"id":2,"result":{"content":[{"type":"text","text":"A"}]}})"),
             "[A] {} -");
