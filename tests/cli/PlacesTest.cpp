@@ -41,12 +41,19 @@ TEST(Places, AreInTheHomeWhenNothingElseIsSaid) {
 }
 
 TEST(Places, AreWhereTheEnvironmentSays) {
-  EXPECT_THAT(
-      placesIn(unit::EnvironmentOf{"HOME=/h", "CLAUDE_CONFIG_DIR=/c", "CODEX_HOME=/x",
-                                   "XDG_CONFIG_HOME=/config", "XDG_STATE_HOME=/state",
-                                   "XDG_CACHE_HOME=/cache", "QUILLSTEAD_HOME=/store"}),
-      ::testing::ElementsAre("/h", "/c", "/c/.claude.json", "/x", "/h/.cursor", "/config/opencode",
-                             "/state/quillstead", "/cache/quillstead", "/store"));
+  for (const std::string& end : {std::string(), std::string("/")}) {
+    const unit::EnvironmentOf environment{"HOME=/h" + end,
+                                          "CLAUDE_CONFIG_DIR=/c" + end,
+                                          "CODEX_HOME=/x" + end,
+                                          "XDG_CONFIG_HOME=/config" + end,
+                                          "XDG_STATE_HOME=/state" + end,
+                                          "XDG_CACHE_HOME=/cache" + end,
+                                          "QUILLSTEAD_HOME=/store" + end};
+    EXPECT_THAT(placesIn(environment),
+                ::testing::ElementsAre("/h", "/c", "/c/.claude.json", "/x", "/h/.cursor",
+                                       "/config/opencode", "/state/quillstead", "/cache/quillstead",
+                                       "/store"));
+  }
 }
 
 TEST(Places, HaveNoSlashTwice) {
@@ -55,12 +62,6 @@ TEST(Places, HaveNoSlashTwice) {
     EXPECT_EQ(placesIn(unit::EnvironmentOf{home}), plain);
     EXPECT_EQ(Places::find(unit::EnvironmentOf{home}).log, log);
   }
-  EXPECT_THAT(
-      placesIn(unit::EnvironmentOf{"HOME=/h/", "CLAUDE_CONFIG_DIR=/c/", "CODEX_HOME=/x/",
-                                   "XDG_CONFIG_HOME=/config/", "XDG_STATE_HOME=/state/",
-                                   "XDG_CACHE_HOME=/cache/", "QUILLSTEAD_HOME=/store/"}),
-      ::testing::ElementsAre("/h", "/c", "/c/.claude.json", "/x", "/h/.cursor", "/config/opencode",
-                             "/state/quillstead", "/cache/quillstead", "/store"));
   for (const std::string& place : placesIn(unit::EnvironmentOf{"HOME=/"})) {
     EXPECT_EQ(place.find("//"), std::string::npos) << place;
   }
